@@ -1,0 +1,34 @@
+#pragma once
+
+#include "ui/Ovryn_LanguageTable.h"
+
+#include <QColor>
+#include <QPainterPath>
+#include <QPixmap>
+#include <QRect>
+#include <QSize>
+#include <QString>
+
+/// What the side pages share: the glass with the cut corner, the header band, the red rule under it
+/// and the fonts. Free functions, GUI thread.
+namespace PageFrame
+{
+
+/// rgba(252, 10, 53, 60): the glass of every side page.
+QColor bandColor();
+
+/// Family that the widgets ask for in a language: "微软雅黑" for Chinese, "Arial" otherwise.
+QString fontFamily(LanguageType language);
+
+/// The whole rectangle less the triangle (0.9W, H), (W, H), (W, 0.9H).
+QPainterPath cutCornerPath(QSize size);
+
+/// Pixel size of a band's title: (W/3)/4, or the band's height / 1.5 when that is smaller.
+int titlePixelSize(QSize size, int bandHeight);
+
+/// Pixmap of a page: glass, darker band of `bandHeight`, rule under it, title in weight 63 in `titleRect`,
+/// left and vertically centred.
+QPixmap background(QSize size, int bandHeight, const QRect &titleRect, const QString &title, int titlePixels,
+                   LanguageType language);
+
+} // namespace PageFrame
