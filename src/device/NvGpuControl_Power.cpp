@@ -12,14 +12,14 @@
 namespace
 {
 
-// clang-format off
-constexpr std::array<quint32, 1> kPowerTopologyInfoVersions     = {kPowerTopologyInfoVersion1};
-constexpr std::array<quint32, 1> kPowerTopologyStatusVersions   = {kPowerTopologyStatusVersion1};
-constexpr std::array<quint32, 1> kPowerPoliciesInfoVersions     = {kPowerPoliciesInfoVersion1};
-constexpr std::array<quint32, 1> kPowerPoliciesStatusVersions   = {kPowerPoliciesStatusVersion1};
-constexpr std::array<quint32, 2> kThermalPoliciesInfoVersions   = {kThermalPoliciesInfoVersion2, kThermalPoliciesInfoVersion1};
-constexpr std::array<quint32, 2> kThermalPoliciesStatusVersions = {kThermalPoliciesStatusVersion2, kThermalPoliciesStatusVersion1};
-// clang-format on
+constexpr std::array<quint32, 1> kPowerTopologyInfoVersions = {kPowerTopologyInfoVersion1};
+constexpr std::array<quint32, 1> kPowerTopologyStatusVersions = {kPowerTopologyStatusVersion1};
+constexpr std::array<quint32, 1> kPowerPoliciesInfoVersions = {kPowerPoliciesInfoVersion1};
+constexpr std::array<quint32, 1> kPowerPoliciesStatusVersions = {kPowerPoliciesStatusVersion1};
+constexpr std::array<quint32, 2> kThermalPoliciesInfoVersions = {kThermalPoliciesInfoVersion2,
+                                                                 kThermalPoliciesInfoVersion1};
+constexpr std::array<quint32, 2> kThermalPoliciesStatusVersions = {kThermalPoliciesStatusVersion2,
+                                                                   kThermalPoliciesStatusVersion1};
 
 constexpr quint32 kThousandthsPerPercent = 1000;
 constexpr double kPercentToRaw = 1000.0;
