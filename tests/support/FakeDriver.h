@@ -89,7 +89,16 @@ public:
     static QStringList operations();
 
 private:
-    struct Call;
+    struct Call
+    {
+        const char *operation;
+        QString arguments;
+        NvPhysicalGpuHandle gpu = nullptr;
+        bool addressesCard = false;
+        quint32 version = 0;
+        bool passesRecord = false;
+        NvAPI_Status ownStatus = NVAPI_OK; ///< what the card itself says once everything else is in order
+    };
     struct Failure
     {
         NvAPI_Status status;
