@@ -15,15 +15,10 @@ constexpr int kTextFlags = Qt::AlignLeft | Qt::AlignVCenter;
 
 const char kCheckBoxStyle[] =
     "QCheckBox{color:rgb(255,255,255);background-color:rgba(0,0,0,0);spacing:8px;outline:none;}"
-    "QCheckBox::indicator{width:18px;height:18px;}"
-    "QCheckBox::indicator:unchecked{"
-    "image:url(:/images/images/messageBox/unchecked.png);}"
-    "QCheckBox::indicator:unchecked:hover{"
-    "image:url(:/images/images/messageBox/hover_unchecked.png);}"
-    "QCheckBox::indicator:checked{"
-    "image:url(:/images/images/messageBox/checked.png);}"
-    "QCheckBox::indicator:checked:hover{"
-    "image:url(:/images/images/messageBox/hover_checked.png);}";
+    "QCheckBox::indicator{width:14px;height:14px;}"
+    "QCheckBox::indicator:unchecked{image:url(:/images/images/checkbox/check_off.png);}"
+    "QCheckBox::indicator:unchecked:hover{image:url(:/images/images/checkbox/check_hover.png);}"
+    "QCheckBox::indicator:checked{image:url(:/images/images/checkbox/check_on.png);}";
 } // namespace
 
 InfoRowLayout infoRowLayoutFor(QSize row)

@@ -1,6 +1,6 @@
 #include "monitor/Ovryn_BaseMonitorBox.h"
 
-#include "monitor/CutToInt.h"
+#include "device/Arithmetic.h"
 #include "monitor/Ovryn_BaseInfoRow.h"
 
 #include <QFontMetrics>

@@ -4,8 +4,8 @@
 
 #include <QMutexLocker>
 
-Ovryn_SendNvCardInfoThread::Ovryn_SendNvCardInfoThread(NvGpuControl *control, QObject *parent)
-    : WorkerThread(parent), control(control)
+Ovryn_SendNvCardInfoThread::Ovryn_SendNvCardInfoThread(NvGpuControl *card, QObject *parent)
+    : WorkerThread(parent), control(card)
 {
 }
 

@@ -18,8 +18,8 @@ class Ovryn_SendNvCardInfoThread : public WorkerThread
     Q_OBJECT
 
 public:
-    /// Does not start the thread. `control` is borrowed; without one the loop ends at once.
-    explicit Ovryn_SendNvCardInfoThread(NvGpuControl *control, QObject *parent = nullptr);
+    /// Does not start the thread. `card` is borrowed; without one the loop ends at once.
+    explicit Ovryn_SendNvCardInfoThread(NvGpuControl *card, QObject *parent = nullptr);
     ~Ovryn_SendNvCardInfoThread() override;
 
     void startSampling();                 ///< nothing while the loop runs

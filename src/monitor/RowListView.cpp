@@ -4,7 +4,8 @@
 
 #include <QPainter>
 
-RowListView::RowListView(int quantityCount, int rowCount, QWidget *parent) : QWidget(parent), rowCount(rowCount)
+RowListView::RowListView(int quantityCount, int rowsPerHeight, QWidget *parent)
+    : QWidget(parent), rowCount(rowsPerHeight)
 {
     for (int i = 0; i < quantityCount; ++i) {
         auto *entry = new Ovryn_BaseInfoRow(this);

@@ -18,8 +18,8 @@ class RowListView : public QWidget
     Q_OBJECT
 
 public:
-    /// `rowCount` rows fill the height; `quantityCount` of them are there.
-    RowListView(int quantityCount, int rowCount, QWidget *parent = nullptr);
+    /// `rowsPerHeight` rows would fill the height; `quantityCount` of them are there.
+    RowListView(int quantityCount, int rowsPerHeight, QWidget *parent = nullptr);
 
     [[nodiscard]] int selectOption() const; ///< mask of the ticked rows
     void setSelectOption(int mask);         ///< bits that stand for no row are ignored
@@ -42,7 +42,7 @@ protected:
 private:
     void drawBackground();
 
-    const int rowCount;
+    const int rowCount; ///< that would fill the height
     QList<Ovryn_BaseInfoRow *> rows;
     QPixmap background;
 };

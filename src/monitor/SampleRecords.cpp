@@ -1,6 +1,6 @@
 #include "monitor/SampleRecords.h"
 
-#include "monitor/CutToInt.h"
+#include "device/Arithmetic.h"
 
 namespace
 {
