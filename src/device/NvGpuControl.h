@@ -42,6 +42,7 @@ public:
 
     // ---- fixed information ----
     void getFixedInfo(NvInfo &info); ///< whole record; "Unknown" where a read failed; empty without a card
+    bool getDriverVersion(quint32 &version); ///< five digits as one number; 0 and false on failure
 
     // ---- live telemetry; each read folds its value into the extremes ----
     bool getClockFrequencies(NvClockSet &out, quint32 clockType); ///< MHz; 0 current, 1 base, 2 boost; `out` kept on failure
