@@ -278,6 +278,7 @@ NvAPI_Status dispatch(Arguments... arguments)
 } // namespace
 
 // clang-format off
+// NOLINTBEGIN(bugprone-macro-parentheses): the arguments are lists in parentheses already
 #define OVRYN_NVAPI_DEFINE(identifier, name, parameters, arguments)   \
     NvAPI_Status name parameters                                      \
     {                                                                 \
@@ -286,6 +287,7 @@ NvAPI_Status dispatch(Arguments... arguments)
     }
 OVRYN_NVAPI_OPERATIONS(OVRYN_NVAPI_DEFINE)
 #undef OVRYN_NVAPI_DEFINE
+// NOLINTEND(bugprone-macro-parentheses)
 // clang-format on
 
 void setNvApiLibrarySource(NvApiLibrarySource source)
