@@ -306,12 +306,13 @@ bool NvGpuControl::setThermalLimit(quint32 policyId, float degrees, bool priorit
 
     const ThermalInfo::Entry &entry = info.entries[policy];
     const qint32 raw = cutToInt(degrees * kDegreesToRaw);
+    const qint32 minDegrees = entry.minTemp / kRawPerDegree; // the fraction is dropped
     // The two sides differ, and are meant to. Above the range the driver's raw figure is taken for degrees and
     // scaled once more below, so a value far beyond the range goes out. Below the range the limit is cut to it.
     if (raw > entry.maxTemp)
         degrees = static_cast<float>(entry.maxTemp);
     else if (raw < entry.minTemp)
-        degrees = static_cast<float>(entry.minTemp / kRawPerDegree);
+        degrees = static_cast<float>(minDegrees);
 
     ThermalStatus status{};
     status.count = 1;
