@@ -2,7 +2,7 @@
 
 import math
 
-from shapes import (INK, RED, RED_DARK, RED_DEEP, WHITE, chevron, cut_rectangle, emblem, gradient, group, number, path,
+from shapes import (RED, RED_DARK, RED_DEEP, WHITE, chevron, cut_rectangle, emblem, gradient, group, number, path,
                     points, radial, ring, svg, word)
 
 WIDTH, HEIGHT = 1020, 680
@@ -182,13 +182,12 @@ def centre_logo():
 
 
 def sliding_logo():
-    defs = radial("glow", [(0, RED_DEEP, 0.28), (0.7, RED_DEEP, 0.08), (1, RED_DEEP, 0)], 100, 100, 100)
-    body = '<rect width="200" height="200" fill="url(#glow)"/>'
-    body += ring(100, 100, 92, 1.2, 22, RED, 0.6)
-    body += ring(100, 100, 70, 20, 12, RED_DEEP, 0.62)
-    body += ring(100, 100, 57, 1.2, 12, RED, 0.5)
-    body += chevron(100, 103, 72, 58, 19, WHITE, 0.72, fold="#c9aeb5")
-    return svg(200, 200, body, defs)
+    """The emblem as a watermark: it comes to rest behind pages whose glass is thin."""
+    body = ring(100, 100, 92, 1.2, 22, RED, 0.40)
+    body += ring(100, 100, 70, 20, 12, RED_DEEP, 0.17)
+    body += ring(100, 100, 80, 1, 12, RED, 0.35) + ring(100, 100, 60, 1, 12, RED, 0.35)
+    body += chevron(100, 102, 72, 58, 19, WHITE, 0.16, fold="#e0b9c2")
+    return svg(200, 200, body)
 
 
 def icon():
