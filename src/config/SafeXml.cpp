@@ -43,5 +43,6 @@ bool parseXml(const QByteArray &text, QDomDocument &document, XmlError &error)
         return false;
     // The same reader builds the document: another one could see a different nesting in the same text.
     QXmlStreamReader reader(text);
+    reader.setNamespaceProcessing(false);
     return document.setContent(&reader, false, &error.message, &error.line, &error.column);
 }
