@@ -1,0 +1,239 @@
+"""The large images: the main window's glass, its silhouette, the marks, the panels and the icon."""
+
+import math
+
+from shapes import (INK, RED, RED_DARK, RED_DEEP, WHITE, chevron, cut_rectangle, emblem, gradient, group, number, path,
+                    points, radial, ring, svg, word)
+
+WIDTH, HEIGHT = 1020, 680
+CENTRE = 510
+
+# Where the dialog puts its widgets; the drawing serves them.
+SELECTOR = (360, 85, 300, 50)
+RAIL_LEFT = 990      # the rail holds three buttons of 19 pixels from x 996, y 62 to 141
+BODY_RIGHT = 986
+HEADER_BOTTOM = 158
+
+# The silhouette, clockwise from the cut corner at the top left: header with a raised tab in the middle, the rail
+# at the right, the cut corner at the bottom right, a raised foot.
+SILHOUETTE = [
+    (6, 46), (34, 18), (372, 18), (382, 8), (638, 8), (648, 18), (962, 18), (BODY_RIGHT, 42), (1006, 42), (1016, 52),
+    (1016, 152), (1006, 162), (BODY_RIGHT, 162), (BODY_RIGHT, 614), (938, 662), (650, 662), (640, 672), (380, 672),
+    (370, 662), (20, 662), (6, 648),
+]
+
+
+def inset(corners, distance):
+    """The closed polygon moved inwards by `distance` along its edges; the corners run clockwise on screen."""
+    moved = []
+    for i, (x, y) in enumerate(corners):
+        (px, py), (nx, ny) = corners[i - 1], corners[(i + 1) % len(corners)]
+        before, after = math.atan2(y - py, x - px), math.atan2(ny - y, nx - x)
+        half = (after - before) / 2
+        reach = distance / math.cos(half)
+        normal = before + half + math.pi / 2
+        moved.append((x + reach * math.cos(normal), y + reach * math.sin(normal)))
+    return moved
+
+
+def hexagons(width, height, radius):
+    """Path data of a honeycomb over the picture: three edges a cell, the neighbours draw the rest."""
+    parts = []
+    step_x, step_y = radius * math.sqrt(3), radius * 1.5
+    for row in range(int(height / step_y) + 2):
+        for column in range(int(width / step_x) + 2):
+            cx = column * step_x + (step_x / 2 if row % 2 else 0)
+            cy = row * step_y
+            corner = [(cx + radius * math.cos(math.radians(a)), cy + radius * math.sin(math.radians(a)))
+                      for a in (150, 90, 30, -30)]
+            parts.append(points(corner, closed=False))
+    return " ".join(parts)
+
+
+def ticks(x, y, count, step, long_every, short, long, vertical):
+    """Path data of a ruler."""
+    parts = []
+    for i in range(count):
+        length = long if i % long_every == 0 else short
+        parts.append(f"M{x},{number(y + i * step)} h{length}" if vertical else f"M{number(x + i * step)},{y} v{-length}")
+    return " ".join(parts)
+
+
+def hatch(x, y, count, step, height):
+    """Slanted bars, as on a warning edge."""
+    return " ".join(points([(x + i * step, y), (x + i * step + step * 0.5, y),
+                            (x + i * step + step * 0.5 - height * 0.6, y + height), (x + i * step - height * 0.6, y + height)])
+                    for i in range(count))
+
+
+def window_glass():
+    left, top, width, height = SELECTOR
+    defs = (
+        gradient("glass", [(0, "#2a0b13", 0.90), (0.22, "#12080c", 0.885), (0.6, "#0a080a", 0.88), (1, "#1c070d", 0.90)])
+        + gradient("edge", [(0, RED, 1), (0.3, RED, 0.55), (0.7, RED, 0.5), (1, RED, 1)], x2=1, y2=1)
+        + gradient("sheen", [(0, "#fff", 0.10), (0.5, "#fff", 0.03), (1, "#fff", 0)])
+        + gradient("slot", [(0, "#000", 0.62), (1, "#22070d", 0.55)])
+        + gradient("rail", [(0, RED_DEEP, 0.34), (0.5, RED_DARK, 0.20), (1, RED_DEEP, 0.34)])
+        + gradient("rule", [(0, RED, 0.9), (0.8, RED, 0.35), (1, RED, 0.9)], x2=1, y2=0)
+        + radial("warm", [(0, RED_DEEP, 0.20), (1, RED_DEEP, 0)], CENTRE, 0, 520, 0.42)
+        + radial("floor", [(0, RED_DEEP, 0.16), (1, RED_DEEP, 0)], CENTRE, 690, 620, 0.25)
+        + radial("calm", [(0, "#000", 1), (0.62, "#000", 0.9), (1, "#fff", 1)], CENTRE, 410, 560, 0.72)
+        + f'<clipPath id="shape"><path d="{points(SILHOUETTE)}"/></clipPath>'
+        + f'<mask id="quiet"><rect width="{WIDTH}" height="{HEIGHT}" fill="url(#calm)"/></mask>'
+    )
+    body = path(points(SILHOUETTE), fill="url(#glass)")
+
+    surface = path(hexagons(WIDTH, HEIGHT, 15), stroke="#ff3a5c", stroke_opacity=0.17, stroke_width=0.8, mask="url(#quiet)")
+    surface += f'<rect width="{WIDTH}" height="{HEIGHT}" fill="url(#warm)"/>'
+    surface += f'<rect width="{WIDTH}" height="{HEIGHT}" fill="url(#floor)"/>'
+    scan_lines = " ".join(f"M0,{y}.5 H{WIDTH}" for y in range(0, HEIGHT, 3))
+    surface += path(scan_lines, stroke="#fff", stroke_opacity=0.012)
+    surface += path(points([(0, 0), (430, 0), (250, 160), (0, 160)]), fill="url(#sheen)")
+    surface += path(points([(460, 0), (500, 0), (320, 160), (280, 160)]), fill="url(#sheen)")
+    body += group(surface, clip_path="url(#shape)")
+
+    body += header(left, top, width, height)
+    body += rail()
+    body += rulers()
+    body += edges()
+    return svg(WIDTH, HEIGHT, body, defs)
+
+
+def header(left, top, width, height):
+    """Emblem and word mark, the selector's slot, and the rule under the header that runs into it."""
+    body = emblem(81, 58, 44)
+    ovryn, ovryn_width = word("OVRYN", 112, 40, 22, 9, WHITE, 4.2)
+    body += ovryn
+    deck, deck_width = word("DECK II", 112, 69, 9, 12, "#ff5571", 3.6)
+    body += deck
+    rule_start = 112 + deck_width + 8
+    body += path(f"M{number(rule_start)},73.5 H{number(112 + ovryn_width)}", stroke=RED, stroke_opacity=0.7)
+
+    slot = cut_rectangle(left - 8, top - 4, width + 16, height + 8, 12, 12, 12, 12)
+    body += path(points(slot), fill="url(#slot)", stroke=RED, stroke_opacity=0.38)
+    right, bottom = left + width + 8, top + height + 4
+    x, y = left - 8, top - 4
+    brackets = (f"M{x},{y + 24} V{y + 12} L{x + 12},{y} H{x + 40} M{right - 40},{y} H{right - 12} L{right},{y + 12} V{y + 24} "
+                f"M{right},{bottom - 24} V{bottom - 12} L{right - 12},{bottom} H{right - 40} "
+                f"M{x + 40},{bottom} H{x + 12} L{x},{bottom - 12} V{bottom - 24}")
+    body += path(brackets, stroke=RED, stroke_width=2)
+    for side, sign in ((x, -1), (right, 1)):
+        for i, opacity in enumerate((0.9, 0.6, 0.35)):
+            at = side + sign * (9 + i * 8)
+            body += path(points([(at, 103), (at + sign * 4, 103), (at + sign * 4, 117), (at, 117)]), fill=RED,
+                         fill_opacity=opacity)
+
+    body += path(f"M20,{HEADER_BOTTOM}.5 H318 L333,{bottom}.5 H{x + 6}", stroke="url(#rule)", stroke_width=1)
+    body += path(f"M{right - 6},{bottom}.5 H{WIDTH - 333} L{WIDTH - 318},{HEADER_BOTTOM}.5 H{BODY_RIGHT - 8}", stroke=RED,
+                 stroke_opacity=0.6)
+    body += path(f"M20,{HEADER_BOTTOM + 1} H92", stroke=RED, stroke_width=3)
+    body += path(f"M{BODY_RIGHT - 80},{HEADER_BOTTOM + 1} H{BODY_RIGHT - 8}", stroke=RED, stroke_width=3)
+    # The tab of the middle mark.
+    body += path("M392,64.5 L382,54.5 V22 M628,64.5 L638,54.5 V22 M392,64.5 H628", stroke=RED, stroke_opacity=0.30)
+    return body
+
+
+def rail():
+    """Ground of the three buttons at the right edge."""
+    outline = [(RAIL_LEFT, 52), (1003, 48), (1011, 56), (1011, 148), (1003, 156), (RAIL_LEFT, 152)]
+    body = path(points(outline), fill="url(#rail)")
+    for y in (86.5, 116.5):
+        body += path(f"M998,{y} H1013", stroke=RED, stroke_opacity=0.35)
+    return body
+
+
+def rulers():
+    """Quiet scales along the edges, where no widget stands."""
+    body = path(ticks(14, 200, 41, 10, 5, 4, 9, vertical=True), stroke=RED, stroke_opacity=0.35)
+    body += path(ticks(BODY_RIGHT - 9, 200, 41, 10, 5, -4, -9, vertical=True).replace("h--", "h"), stroke=RED,
+                 stroke_opacity=0.0)
+    body += path(ticks(44, 655, 31, 10, 5, 4, 8, vertical=False), stroke=RED, stroke_opacity=0.35)
+    body += path(hatch(884, 646, 5, 9, 9), fill=RED, fill_opacity=0.55)
+    for x, y in ((34, 184), (BODY_RIGHT - 24, 184), (34, 634)):
+        body += path(f"M{x - 5},{y}.5 h11 M{x}.5,{y - 5} v11", stroke=WHITE, stroke_opacity=0.28)
+    return body
+
+
+def edges():
+    """Red edge line, a hairline inside it, and bars on the cut corners."""
+    body = path(points(inset(SILHOUETTE, 1)), stroke="#000", stroke_width=2, stroke_opacity=0.6)
+    body += path(points(inset(SILHOUETTE, 1.5)), stroke="url(#edge)", stroke_width=1.4)
+    body += path(points(inset(SILHOUETTE, 5)), stroke=RED, stroke_width=0.7, stroke_opacity=0.28)
+    body += path("M9,46 L35,20 H120", stroke=RED, stroke_width=3.4)
+    body += path("M984,612 L936.5,659.5 H850", stroke=RED, stroke_width=3.4)
+    return body
+
+
+def silhouette():
+    return svg(WIDTH, HEIGHT, path(points(inset(SILHOUETTE, 2)), fill="#fff"))
+
+
+def centre_logo():
+    """Word mark with wings. The dialog draws it ten pixels right of the middle, so it stands ten left in its picture."""
+    middle, height = 110, 17
+    _, width = word("OVRYN", 0, 0, height, 13, WHITE, 4.2)
+    start = middle - width / 2
+    mark, _ = word("OVRYN", number(start), 9, height, 13, WHITE, 4.2)
+    body = mark
+    for side, sign in ((start - 12, -1), (start + width + 12, 1)):
+        for i, opacity in enumerate((1, 0.6, 0.3)):
+            at = side + sign * i * 9
+            body += path(points([(at, 9), (at + sign * 5, 9), (at - sign * 2, 26), (at - sign * 7, 26)]), fill=RED,
+                         fill_opacity=opacity)
+    return svg(240, 36, body)
+
+
+def sliding_logo():
+    defs = radial("glow", [(0, RED_DEEP, 0.28), (0.7, RED_DEEP, 0.08), (1, RED_DEEP, 0)], 100, 100, 100)
+    body = '<rect width="200" height="200" fill="url(#glow)"/>'
+    body += ring(100, 100, 92, 1.2, 22, RED, 0.6)
+    body += ring(100, 100, 70, 20, 12, RED_DEEP, 0.62)
+    body += ring(100, 100, 57, 1.2, 12, RED, 0.5)
+    body += chevron(100, 104, 74, 58, 22, WHITE, 0.72)
+    return svg(200, 200, body, defs)
+
+
+def icon():
+    defs = (gradient("tile", [(0, "#3a0d17", 1), (0.55, "#140a0d", 1), (1, "#070506", 1)])
+            + gradient("lit", [(0, "#ff3257", 1), (1, RED_DEEP, 1)]))
+    tile = cut_rectangle(8, 8, 240, 240, top_left=56, bottom_right=56)
+    body = path(points(tile), fill="url(#tile)", stroke="#ff2a50", stroke_width=8, stroke_opacity=0.55)
+    body += ring(128, 128, 88, 32, 24, "#ff1f46")
+    body += chevron(128, 134, 104, 88, 36, "#fff")
+    return svg(256, 256, body, defs)
+
+
+def panel(width, height, cut, head, opacity):
+    """Glass of a panel: cut corners at the top left and the bottom right, a red edge, a header of `head` pixels."""
+    outline = cut_rectangle(1, 1, width - 2, height - 2, top_left=cut, bottom_right=cut)
+    defs = (gradient("glass", [(0, "#260a11", opacity), (0.3, "#110a0d", opacity), (1, "#0b0709", opacity)])
+            + gradient("edge", [(0, RED, 1), (0.5, RED, 0.55), (1, RED, 1)], x2=1, y2=1)
+            + gradient("head", [(0, RED_DEEP, 0.42), (1, RED_DARK, 0.10)], x2=1, y2=0)
+            + radial("fade", [(0, "#000", 1), (0.5, "#000", 1), (1, "#fff", 1)], width / 2, height / 2, width * 0.62,
+                     height / width)
+            + f'<clipPath id="shape"><path d="{points(outline)}"/></clipPath>'
+            + f'<mask id="quiet"><rect width="{width}" height="{height}" fill="url(#fade)"/></mask>')
+    body = path(points(outline), fill="url(#glass)")
+    inside = f'<rect width="{width}" height="{head}" fill="url(#head)"/>'
+    inside += path(hexagons(width, height, 12), stroke="#ff3a5c", stroke_opacity=0.14, stroke_width=0.7, mask="url(#quiet)")
+    inside += path(f"M0,{head}.5 H{width}", stroke=RED, stroke_opacity=0.45)
+    body += group(inside, clip_path="url(#shape)")
+    body += path(points(inset(outline, 0.5)), stroke="url(#edge)", stroke_width=1.3)
+    body += path(points([(1, cut + 1), (cut + 1, 1), (cut + width * 0.18, 1)], closed=False), stroke=RED, stroke_width=4)
+    body += path(points([(width - 1, height - cut - 1), (width - cut - 1, height - 1), (width * 0.82 - cut, height - 1)],
+                        closed=False), stroke=RED, stroke_width=4)
+    body += path(hatch(width - cut - 42, height - 14, 4, 7, 6), fill=RED, fill_opacity=0.5)
+    return svg(width, height, body, defs)
+
+
+def images():
+    """Every large image by its path under resources/images."""
+    return {
+        "BKImage": window_glass(),
+        "maskBKImage": silhouette(),
+        "centerLogo": centre_logo(),
+        "logo": sliding_logo(),
+        "icon": icon(),
+        "SettingBKImage": panel(470, 440, 26, 46, 0.95),
+        "messageBox/msgbkground": panel(420, 200, 16, 26, 0.92),
+    }
