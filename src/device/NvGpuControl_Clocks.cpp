@@ -13,12 +13,10 @@ namespace
 
 using Pstates = NV_GPU_PERF_PSTATES20_INFO;
 
-// clang-format off
-constexpr std::array<quint32, 3> kPstatesVersions           = {kPstates20Version3, kPstates20Version2, kPstates20Version1};
+constexpr std::array<quint32, 3> kPstatesVersions = {kPstates20Version3, kPstates20Version2, kPstates20Version1};
 /// The memory offset goes out at the oldest version first: a driver that takes it never sees the newest record.
-constexpr std::array<quint32, 3> kMemoryOffsetVersions      = {kPstates20Version1, kPstates20Version2, kPstates20Version1};
-constexpr std::array<quint32, 1> kPowerPoliciesSetVersions  = {kPowerPoliciesStatusVersion1};
-// clang-format on
+constexpr std::array<quint32, 3> kMemoryOffsetVersions = {kPstates20Version1, kPstates20Version2, kPstates20Version1};
+constexpr std::array<quint32, 1> kPowerPoliciesSetVersions = {kPowerPoliciesStatusVersion1};
 
 constexpr quint32 kP0 = 0; ///< `pstateId` of the one state that is read and written
 constexpr quint32 kPrepareRestore = 1;

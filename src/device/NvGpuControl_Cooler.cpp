@@ -11,13 +11,14 @@
 namespace
 {
 
-// clang-format off
-constexpr std::array<quint32, 5> kCoolerSettingsVersions      = {kCoolerSettingsVersion4, kCoolerSettingsVersion3, kCoolerSettingsVersion2, kCoolerSettingsVersion1Large, kCoolerSettingsVersion1Small};
+constexpr std::array<quint32, 5> kCoolerSettingsVersions = {kCoolerSettingsVersion4, kCoolerSettingsVersion3,
+                                                            kCoolerSettingsVersion2, kCoolerSettingsVersion1Large,
+                                                            kCoolerSettingsVersion1Small};
 constexpr std::array<quint32, 1> kNewestCoolerSettingsVersion = {kCoolerSettingsVersion4};
-constexpr std::array<quint32, 4> kOlderCoolerSettingsVersions = {kCoolerSettingsVersion3, kCoolerSettingsVersion2, kCoolerSettingsVersion1Large, kCoolerSettingsVersion1Small};
-constexpr std::array<quint32, 2> kCoolerLevelsVersions        = {kCoolerLevelsVersion1, kCoolerLevelsVersion1Small};
-constexpr std::array<quint32, 1> kNewestCoolerLevelsVersion   = {kCoolerLevelsVersion1};
-// clang-format on
+constexpr std::array<quint32, 4> kOlderCoolerSettingsVersions = {
+    kCoolerSettingsVersion3, kCoolerSettingsVersion2, kCoolerSettingsVersion1Large, kCoolerSettingsVersion1Small};
+constexpr std::array<quint32, 2> kCoolerLevelsVersions = {kCoolerLevelsVersion1, kCoolerLevelsVersion1Small};
+constexpr std::array<quint32, 1> kNewestCoolerLevelsVersion = {kCoolerLevelsVersion1};
 
 constexpr qint32 kDefaultLevel = -1; ///< asks setCoolerLevel for the card's own default
 

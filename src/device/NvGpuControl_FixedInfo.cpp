@@ -107,10 +107,7 @@ void NvGpuControl::getFixedInfo(NvInfo &info)
         driverType = 0;
     const MemoryType &memoryType = memoryTypeOf(driverType);
     info.memType = memoryType.text;
-    {
-        const std::lock_guard<std::mutex> guard(lock);
-        memoryRateFactor = memoryType.rateFactor;
-    }
+    memoryRateFactor = memoryType.rateFactor;
 
     // A failed read leaves zeros, which show as 0 MHz.
     NvClockSet custom;
@@ -137,7 +134,7 @@ void NvGpuControl::getFixedInfo(NvInfo &info)
         widthBits = 0;
         info.memBitWidth = kUnknown;
     }
-    info.memBandWidth = formatted("%.1fGB/s", memoryBandwidth(memoryType.rateFactor, custom.memoryClock, widthBits));
+    info.memBandWidth = formatted("%.1fGB/s", memoryBandwidth(memoryRateFactor, custom.memoryClock, widthBits));
 
     info.customMemFreClock = formatted("%dMHz", custom.memoryClock);
     info.memFreClock = formatted("%dMHz", base.memoryClock);

@@ -12,14 +12,14 @@
 namespace
 {
 
-// clang-format off
-constexpr std::array<quint32, 1> kPowerTopologyInfoVersions     = {kPowerTopologyInfoVersion1};
-constexpr std::array<quint32, 1> kPowerTopologyStatusVersions   = {kPowerTopologyStatusVersion1};
-constexpr std::array<quint32, 1> kPowerPoliciesInfoVersions     = {kPowerPoliciesInfoVersion1};
-constexpr std::array<quint32, 1> kPowerPoliciesStatusVersions   = {kPowerPoliciesStatusVersion1};
-constexpr std::array<quint32, 2> kThermalPoliciesInfoVersions   = {kThermalPoliciesInfoVersion2, kThermalPoliciesInfoVersion1};
-constexpr std::array<quint32, 2> kThermalPoliciesStatusVersions = {kThermalPoliciesStatusVersion2, kThermalPoliciesStatusVersion1};
-// clang-format on
+constexpr std::array<quint32, 1> kPowerTopologyInfoVersions = {kPowerTopologyInfoVersion1};
+constexpr std::array<quint32, 1> kPowerTopologyStatusVersions = {kPowerTopologyStatusVersion1};
+constexpr std::array<quint32, 1> kPowerPoliciesInfoVersions = {kPowerPoliciesInfoVersion1};
+constexpr std::array<quint32, 1> kPowerPoliciesStatusVersions = {kPowerPoliciesStatusVersion1};
+constexpr std::array<quint32, 2> kThermalPoliciesInfoVersions = {kThermalPoliciesInfoVersion2,
+                                                                 kThermalPoliciesInfoVersion1};
+constexpr std::array<quint32, 2> kThermalPoliciesStatusVersions = {kThermalPoliciesStatusVersion2,
+                                                                   kThermalPoliciesStatusVersion1};
 
 constexpr quint32 kThousandthsPerPercent = 1000;
 constexpr double kPercentToRaw = 1000.0;
@@ -306,12 +306,13 @@ bool NvGpuControl::setThermalLimit(quint32 policyId, float degrees, bool priorit
 
     const ThermalInfo::Entry &entry = info.entries[policy];
     const qint32 raw = cutToInt(degrees * kDegreesToRaw);
+    const qint32 minDegrees = entry.minTemp / kRawPerDegree; // the fraction is dropped
     // The two sides differ, and are meant to. Above the range the driver's raw figure is taken for degrees and
     // scaled once more below, so a value far beyond the range goes out. Below the range the limit is cut to it.
     if (raw > entry.maxTemp)
         degrees = static_cast<float>(entry.maxTemp);
     else if (raw < entry.minTemp)
-        degrees = static_cast<float>(entry.minTemp / kRawPerDegree);
+        degrees = static_cast<float>(minDegrees);
 
     ThermalStatus status{};
     status.count = 1;

@@ -12,12 +12,12 @@
 namespace
 {
 
-// clang-format off
-constexpr std::array<quint32, 3> kClockFrequenciesVersions = {kClockFrequenciesVersion3, kClockFrequenciesVersion2, kClockFrequenciesVersion1};
-constexpr std::array<quint32, 1> kDynamicPstatesVersions   = {kDynamicPstatesVersion1};
-constexpr std::array<quint32, 2> kThermalSettingsVersions  = {kThermalSettingsVersion2, kThermalSettingsVersion1};
-constexpr std::array<quint32, 3> kMemoryInfoVersions       = {kMemoryInfoVersion3, kMemoryInfoVersion2, kMemoryInfoVersion1};
-// clang-format on
+constexpr std::array<quint32, 3> kClockFrequenciesVersions = {kClockFrequenciesVersion3, kClockFrequenciesVersion2,
+                                                              kClockFrequenciesVersion1};
+constexpr std::array<quint32, 1> kDynamicPstatesVersions = {kDynamicPstatesVersion1};
+constexpr std::array<quint32, 2> kThermalSettingsVersions = {kThermalSettingsVersion2, kThermalSettingsVersion1};
+constexpr std::array<quint32, 3> kMemoryInfoVersions = {kMemoryInfoVersion3, kMemoryInfoVersion2,
+                                                        kMemoryInfoVersion1};
 
 constexpr quint32 kFirstThermalSensor = 0;
 constexpr quint32 kKHzPerMHz = 1000;

@@ -232,20 +232,19 @@ NvAPI_Status closeLibrary(bool wasInitialised)
     return status;
 }
 
+/// Every start asks the driver, so that one that does not work any more is found out. Only the last end tells it:
+/// the library serves the whole process, and a driver need not count.
 NvAPI_Status initialise()
 {
     if (!waitForUnload())
         return NVAPI_ERROR;
     Boundary &state = boundary();
     const std::lock_guard<std::mutex> guard(state.lifecycle);
-    if (state.loadCount == 0) {
-        openLibrary();
-        const NvAPI_Status status = callLibrary<PlainFunction>(Operation_NvAPI_Initialize);
-        if (status != NVAPI_OK)
-            return status;
-    }
-    ++state.loadCount;
-    return NVAPI_OK;
+    openLibrary();
+    const NvAPI_Status status = callLibrary<PlainFunction>(Operation_NvAPI_Initialize);
+    if (status == NVAPI_OK)
+        ++state.loadCount;
+    return status;
 }
 
 /// A call too many is harmless: it fails, and lets go a library that could not be initialised.
@@ -279,6 +278,7 @@ NvAPI_Status dispatch(Arguments... arguments)
 } // namespace
 
 // clang-format off
+// NOLINTBEGIN(bugprone-macro-parentheses): the arguments are lists in parentheses already
 #define OVRYN_NVAPI_DEFINE(identifier, name, parameters, arguments)   \
     NvAPI_Status name parameters                                      \
     {                                                                 \
@@ -287,6 +287,7 @@ NvAPI_Status dispatch(Arguments... arguments)
     }
 OVRYN_NVAPI_OPERATIONS(OVRYN_NVAPI_DEFINE)
 #undef OVRYN_NVAPI_DEFINE
+// NOLINTEND(bugprone-macro-parentheses)
 // clang-format on
 
 void setNvApiLibrarySource(NvApiLibrarySource source)
