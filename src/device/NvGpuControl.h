@@ -5,6 +5,7 @@
 #include <QtGlobal>
 
 #include <array>
+#include <atomic>
 #include <mutex>
 #include <string>
 
@@ -105,6 +106,7 @@ private:
     std::array<void *, kMaxDisplays> displayHandles{};
     quint32 displayCount = 0;
     quint32 outputId = 0;
-    qint32 memoryRateFactor = 2; ///< data transfers a clock of the memory type, for the bandwidth
+    /// Data transfers a clock of the memory type, for the bandwidth; set by any thread that reads the fixed information.
+    std::atomic<qint32> memoryRateFactor{2};
     bool nvApiReady = false;
 };
