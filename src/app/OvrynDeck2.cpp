@@ -248,7 +248,8 @@ void OvrynDeck2::mousePressEvent(QMouseEvent *event)
     if (event->button() != Qt::LeftButton)
         return;
     dragging = true;
-    dragOffset = event->globalPos() - pos();
+    // From the event, not from pos(): some window managers place the window without telling the toolkit.
+    dragOffset = event->pos();
 }
 
 void OvrynDeck2::mouseMoveEvent(QMouseEvent *event)

@@ -63,6 +63,7 @@ const char *const kQuietConfig = R"(<?xml version="1.0" encoding="UTF-8"?>
     <GeneralSetting StartOnBoot="1" MinimizeOnStart="0" ApplyLastParamOnStart="1" Language="lang_en" RefreshTimeOfMonitor="1" PageEffects="normal"/>
     <UpdateSetting CheckInterval="7" UpdateMode="0" UpdateStatus="1"/>
     <GpuSettings/>
+    <LastCloseDate>2020/02/29</LastCloseDate>
     <OtherSetting NotPromptHPS="1"/>
 </OvrynParameter>
 )";
@@ -473,7 +474,7 @@ void TestProgram::closeAsksFirst()
     pressBoxButton(program, false);
     QTRY_VERIFY_WITH_TIMEOUT(program.otherWindows().isEmpty(), kPatienceMs);
     QVERIFY(program.isRunning());
-    QCOMPARE(program.configText(QStringLiteral("LastCloseDate")), QString());
+    QCOMPARE(program.configText(QStringLiteral("LastCloseDate")), QStringLiteral("2020/02/29"));
 
     closeByButton(program, window);
     QCOMPARE(program.configText(QStringLiteral("LastCloseDate")), today());
