@@ -4,17 +4,18 @@ from shapes import (GREY, INK, RED, RED_DARK, RED_DEEP, WHITE, cut_rectangle, gr
 
 STATES = {
     # suffix     line     its opacity   ground      its opacity
-    "":        (WHITE,    0.82,         INK,        0.0),
+    "":        (WHITE,    0.92,         INK,        0.0),
     "_hover":  ("#fff",   1.0,          RED_DEEP,   0.55),
     "_press":  ("#fff",   0.9,          RED_DARK,   0.95),
 }
 
 
-def tool_button(size, icon, state):
-    """Icon of `size` on a ground with cut corners that only hover and press show."""
+def tool_button(size, icon, state, framed=False):
+    """Icon of `size` on a ground with cut corners; at rest only a framed one shows its outline."""
     line, line_opacity, ground, ground_opacity = STATES[state]
+    outline, outline_opacity = (RED, 0.9) if state else (line, 0.75 if framed else 0.0)
     body = path(points(cut_rectangle(0.5, 0.5, size - 1, size - 1, top_left=4, bottom_right=4)), fill=ground,
-                fill_opacity=ground_opacity, stroke=RED, stroke_opacity=0.9 if state else 0.0)
+                fill_opacity=ground_opacity, stroke=outline, stroke_opacity=outline_opacity)
     return svg(size, size, body + f'<g fill="none" stroke="{line}" stroke-opacity="{line_opacity}" '
                                   f'stroke-width="1.6">{icon}</g>')
 
@@ -22,11 +23,10 @@ def tool_button(size, icon, state):
 HEXAGON = [(9.5, 3), (15.1, 6.25), (15.1, 12.75), (9.5, 16), (3.9, 12.75), (3.9, 6.25)]
 TOOL_ICONS = {
     "close": (19, '<path d="M5.5,5.5 L13.5,13.5 M13.5,5.5 L5.5,13.5"/>'),
-    "minimize": (19, '<path d="M5,12.5 H14" stroke-width="2"/>'),
+    "minimize": (19, '<path d="M5,12 H14" stroke-width="2"/>'),
     "setting": (19, f'<path d="{points(HEXAGON)}" stroke-width="1.5"/><circle cx="9.5" cy="9.5" r="2.4" '
                     'stroke-width="1.5"/>'),
-    "info": (20, '<path d="M6,3.5 H16.5 V14 L14,16.5 H3.5 V6 Z" stroke-width="1.4"/>'
-                 '<path d="M10,9 V14" stroke-width="2"/><path d="M10,6 V8" stroke-width="2"/>'),
+    "info": (20, '<path d="M10,9 V15 M10,5 V7" stroke-width="2"/>'),
 }
 
 
@@ -61,7 +61,7 @@ def performance_switch(state):
         body += path(f"M{x},6 L{x + 4},10 L{x},14", stroke=heads[1], stroke_opacity=heads[2], stroke_width=2)
     body += path(points(cut_rectangle(knob_x, 3, 26, 14, top_left=3, bottom_right=3)), fill="url(#k)")
     for i in range(3):
-        body += path(f"M{knob_x + 9.5 + i * 3.5},7 V13", stroke="#5b2029", stroke_width=1)
+        body += path(f"M{knob_x + 9.5 + i * 4},7 V13", stroke="#5b2029", stroke_width=1)
     return svg(80, 20, body, defs)
 
 
@@ -69,7 +69,7 @@ def check_box(size, checked, hovered):
     cut = round(size * 0.22)
     body = path(points(cut_rectangle(0.5, 0.5, size - 1, size - 1, top_left=cut, bottom_right=cut)),
                 fill=RED_DEEP if checked else "#000", fill_opacity=0.9 if checked else 0.45,
-                stroke="#ff8095" if hovered else RED, stroke_opacity=1 if hovered or checked else 0.7)
+                stroke="#ff8095" if hovered else RED, stroke_opacity=1 if hovered or checked else 0.85)
     if hovered and not checked:
         body += path(points(cut_rectangle(3, 3, size - 6, size - 6, top_left=cut - 1, bottom_right=cut - 1)),
                      fill=RED_DEEP, fill_opacity=0.4)
@@ -134,7 +134,7 @@ def images():
     pictures = {}
     for name, (size, icon) in TOOL_ICONS.items():
         for state in STATES:
-            pictures[f"buttons/{name}{state}"] = tool_button(size, icon, state)
+            pictures[f"buttons/{name}{state}"] = tool_button(size, icon, state, framed=name == "info")
     for name, mirrored in (("first", False), ("second", True)):
         pictures[f"TopButton/{name}_off"] = top_plate(False, mirrored)
         pictures[f"TopButton/{name}_on"] = top_plate(True, mirrored)

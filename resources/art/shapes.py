@@ -111,15 +111,17 @@ def ring(cx, cy, radius, stroke, gap, colour, opacity=1):
                         stroke_opacity=opacity) for start in (90, 210, 330))
 
 
-def chevron(cx, cy, width, height, stroke, colour, opacity=1):
-    """A V of `width` by `height` round (cx, cy), its arms cut level on top, `stroke` wide along the level."""
+def chevron(cx, cy, width, height, stroke, colour, opacity=1, fold="#d8c3c8"):
+    """A V of `width` by `height` round (cx, cy), folded: the right arm lies in `fold`. `stroke`: an arm's width, level."""
     left, right, top, bottom = cx - width / 2, cx + width / 2, cy - height / 2, cy + height / 2
-    corners = [(left, top), (left + stroke, top), (cx, bottom - stroke * height / (width / 2)),
-               (right - stroke, top), (right, top), (cx + stroke / 2, bottom), (cx - stroke / 2, bottom)]
-    return path(points(corners), fill=colour, fill_opacity=opacity)
+    notch = top + height * (width / 2 - stroke) / (width / 2 - stroke / 2)
+    left_arm = [(left, top), (left + stroke, top), (cx, notch), (cx, bottom), (cx - stroke / 2, bottom)]
+    right_arm = [(right, top), (right - stroke, top), (cx, notch), (cx, bottom), (cx + stroke / 2, bottom)]
+    return (path(points(left_arm), fill=colour, fill_opacity=opacity)
+            + path(points(right_arm), fill=fold, fill_opacity=opacity))
 
 
 def emblem(cx, cy, size, ring_colour=RED, mark_colour=WHITE, opacity=1):
     """The ring of the gauge with a V inside."""
     return (ring(cx, cy, size * 0.41, size * 0.13, size * 0.075, ring_colour, opacity)
-            + chevron(cx, cy + size * 0.02, size * 0.46, size * 0.36, size * 0.14, mark_colour, opacity))
+            + chevron(cx, cy + size * 0.02, size * 0.46, size * 0.36, size * 0.125, mark_colour, opacity))

@@ -2,7 +2,7 @@
 
 import math
 
-from shapes import (INK, RED, RED_DARK, RED_DEEP, WHITE, chevron, cut_rectangle, emblem, gradient, group, number, path,
+from shapes import (RED, RED_DARK, RED_DEEP, WHITE, chevron, cut_rectangle, emblem, gradient, group, number, path,
                     points, radial, ring, svg, word)
 
 WIDTH, HEIGHT = 1020, 680
@@ -10,16 +10,16 @@ CENTRE = 510
 
 # Where the dialog puts its widgets; the drawing serves them.
 SELECTOR = (360, 85, 300, 50)
-RAIL_LEFT = 990      # the rail holds three buttons of 19 pixels from x 996, y 62 to 141
-BODY_RIGHT = 986
+BODY_RIGHT = 990
 HEADER_BOTTOM = 158
 
-# The silhouette, clockwise from the cut corner at the top left: header with a raised tab in the middle, the rail
-# at the right, the cut corner at the bottom right, a raised foot.
+# The silhouette, clockwise from the cut corner at the top left: header with a raised tab in the middle, the rail of
+# the three buttons (19 pixels wide from x 996, y 62 to 141) at the right, the cut corner at the bottom right, a foot.
+# It fills the window nearly to its borders: the gauge's glow, which the window clips, ends with the glass.
 SILHOUETTE = [
-    (6, 46), (34, 18), (372, 18), (382, 8), (638, 8), (648, 18), (962, 18), (BODY_RIGHT, 42), (1006, 42), (1016, 52),
-    (1016, 152), (1006, 162), (BODY_RIGHT, 162), (BODY_RIGHT, 614), (938, 662), (650, 662), (640, 672), (380, 672),
-    (370, 662), (20, 662), (6, 648),
+    (2, 46), (32, 16), (372, 16), (382, 6), (638, 6), (648, 16), (964, 16), (BODY_RIGHT, 42), (1008, 42), (1018, 52),
+    (1018, 152), (1008, 162), (BODY_RIGHT, 162), (BODY_RIGHT, 620), (942, 668), (650, 668), (640, 678), (380, 678),
+    (370, 668), (16, 668), (2, 654),
 ]
 
 
@@ -74,7 +74,6 @@ def window_glass():
         + gradient("sheen", [(0, "#fff", 0.10), (0.5, "#fff", 0.03), (1, "#fff", 0)])
         + gradient("slot", [(0, "#000", 0.62), (1, "#22070d", 0.55)])
         + gradient("rail", [(0, RED_DEEP, 0.34), (0.5, RED_DARK, 0.20), (1, RED_DEEP, 0.34)])
-        + gradient("rule", [(0, RED, 0.9), (0.8, RED, 0.35), (1, RED, 0.9)], x2=1, y2=0)
         + radial("warm", [(0, RED_DEEP, 0.20), (1, RED_DEEP, 0)], CENTRE, 0, 520, 0.42)
         + radial("floor", [(0, RED_DEEP, 0.16), (1, RED_DEEP, 0)], CENTRE, 690, 620, 0.25)
         + radial("calm", [(0, "#000", 1), (0.62, "#000", 0.9), (1, "#fff", 1)], CENTRE, 410, 560, 0.72)
@@ -101,13 +100,13 @@ def window_glass():
 
 def header(left, top, width, height):
     """Emblem and word mark, the selector's slot, and the rule under the header that runs into it."""
-    body = emblem(81, 58, 44)
-    ovryn, ovryn_width = word("OVRYN", 112, 40, 22, 9, WHITE, 4.2)
-    body += ovryn
-    deck, deck_width = word("DECK II", 112, 69, 9, 12, "#ff5571", 3.6)
-    body += deck
-    rule_start = 112 + deck_width + 8
-    body += path(f"M{number(rule_start)},73.5 H{number(112 + ovryn_width)}", stroke=RED, stroke_opacity=0.7)
+    body = emblem(81, 60, 44)
+    mark_left = 111
+    ovryn, ovryn_width = word("OVRYN", mark_left, 43, 21, 8, WHITE, 4.2)
+    deck, deck_width = word("DECK II", mark_left, 70, 9, 12, "#ff5571", 3.6)
+    body += ovryn + deck
+    body += path(f"M{number(mark_left + deck_width + 8)},74.5 H{number(mark_left + ovryn_width)}", stroke=RED,
+                 stroke_opacity=0.7)
 
     slot = cut_rectangle(left - 8, top - 4, width + 16, height + 8, 12, 12, 12, 12)
     body += path(points(slot), fill="url(#slot)", stroke=RED, stroke_opacity=0.38)
@@ -118,38 +117,37 @@ def header(left, top, width, height):
                 f"M{x + 40},{bottom} H{x + 12} L{x},{bottom - 12} V{bottom - 24}")
     body += path(brackets, stroke=RED, stroke_width=2)
     for side, sign in ((x, -1), (right, 1)):
-        for i, opacity in enumerate((0.9, 0.6, 0.35)):
-            at = side + sign * (9 + i * 8)
+        for i, opacity in enumerate((0.9, 0.5)):
+            at = side + sign * (8 + i * 8)
             body += path(points([(at, 103), (at + sign * 4, 103), (at + sign * 4, 117), (at, 117)]), fill=RED,
                          fill_opacity=opacity)
 
-    body += path(f"M20,{HEADER_BOTTOM}.5 H318 L333,{bottom}.5 H{x + 6}", stroke="url(#rule)", stroke_width=1)
-    body += path(f"M{right - 6},{bottom}.5 H{WIDTH - 333} L{WIDTH - 318},{HEADER_BOTTOM}.5 H{BODY_RIGHT - 8}", stroke=RED,
+    # The rule climbs into the cut corners of the slot.
+    climb = HEADER_BOTTOM - bottom
+    body += path(f"M16,{HEADER_BOTTOM}.5 H{x + 12.5 - climb} l{climb},{-climb}", stroke=RED, stroke_opacity=0.6)
+    body += path(f"M{BODY_RIGHT - 12},{HEADER_BOTTOM}.5 H{right - 12.5 + climb} l{-climb},{-climb}", stroke=RED,
                  stroke_opacity=0.6)
-    body += path(f"M20,{HEADER_BOTTOM + 1} H92", stroke=RED, stroke_width=3)
-    body += path(f"M{BODY_RIGHT - 80},{HEADER_BOTTOM + 1} H{BODY_RIGHT - 8}", stroke=RED, stroke_width=3)
+    body += path(f"M16,{HEADER_BOTTOM + 1} h72 M{BODY_RIGHT - 12},{HEADER_BOTTOM + 1} h-72", stroke=RED, stroke_width=3)
     # The tab of the middle mark.
-    body += path("M392,64.5 L382,54.5 V22 M628,64.5 L638,54.5 V22 M392,64.5 H628", stroke=RED, stroke_opacity=0.30)
+    body += path("M382,22 V54.5 L392,64.5 H628 L638,54.5 V22", stroke=RED, stroke_opacity=0.30)
     return body
 
 
 def rail():
     """Ground of the three buttons at the right edge."""
-    outline = [(RAIL_LEFT, 52), (1003, 48), (1011, 56), (1011, 148), (1003, 156), (RAIL_LEFT, 152)]
+    outline = [(BODY_RIGHT + 3, 50), (1006, 47), (1013, 54), (1013, 150), (1006, 157), (BODY_RIGHT + 3, 154)]
     body = path(points(outline), fill="url(#rail)")
     for y in (86.5, 116.5):
-        body += path(f"M998,{y} H1013", stroke=RED, stroke_opacity=0.35)
+        body += path(f"M999,{y} H1012", stroke=RED, stroke_opacity=0.4)
     return body
 
 
 def rulers():
     """Quiet scales along the edges, where no widget stands."""
-    body = path(ticks(14, 200, 41, 10, 5, 4, 9, vertical=True), stroke=RED, stroke_opacity=0.35)
-    body += path(ticks(BODY_RIGHT - 9, 200, 41, 10, 5, -4, -9, vertical=True).replace("h--", "h"), stroke=RED,
-                 stroke_opacity=0.0)
-    body += path(ticks(44, 655, 31, 10, 5, 4, 8, vertical=False), stroke=RED, stroke_opacity=0.35)
-    body += path(hatch(884, 646, 5, 9, 9), fill=RED, fill_opacity=0.55)
-    for x, y in ((34, 184), (BODY_RIGHT - 24, 184), (34, 634)):
+    body = path(ticks(10, 200, 41, 10, 5, 4, 9, vertical=True), stroke=RED, stroke_opacity=0.35)
+    body += path(ticks(44, 661, 31, 10, 5, 4, 8, vertical=False), stroke=RED, stroke_opacity=0.35)
+    body += path(hatch(888, 652, 5, 9, 9), fill=RED, fill_opacity=0.55)
+    for x, y in ((30, 184), (BODY_RIGHT - 28, 184), (30, 640)):
         body += path(f"M{x - 5},{y}.5 h11 M{x}.5,{y - 5} v11", stroke=WHITE, stroke_opacity=0.28)
     return body
 
@@ -159,8 +157,8 @@ def edges():
     body = path(points(inset(SILHOUETTE, 1)), stroke="#000", stroke_width=2, stroke_opacity=0.6)
     body += path(points(inset(SILHOUETTE, 1.5)), stroke="url(#edge)", stroke_width=1.4)
     body += path(points(inset(SILHOUETTE, 5)), stroke=RED, stroke_width=0.7, stroke_opacity=0.28)
-    body += path("M9,46 L35,20 H120", stroke=RED, stroke_width=3.4)
-    body += path("M984,612 L936.5,659.5 H850", stroke=RED, stroke_width=3.4)
+    body += path("M4,47.5 L33.5,18 H120", stroke=RED, stroke_width=3.4)
+    body += path(f"M{BODY_RIGHT - 2},618.5 L940.5,666 H854", stroke=RED, stroke_width=3.4)
     return body
 
 
@@ -175,7 +173,7 @@ def centre_logo():
     start = middle - width / 2
     mark, _ = word("OVRYN", number(start), 9, height, 13, WHITE, 4.2)
     body = mark
-    for side, sign in ((start - 12, -1), (start + width + 12, 1)):
+    for side, sign in ((start - 14, -1), (start + width + 14, 1)):
         for i, opacity in enumerate((1, 0.6, 0.3)):
             at = side + sign * i * 9
             body += path(points([(at, 9), (at + sign * 5, 9), (at - sign * 2, 26), (at - sign * 7, 26)]), fill=RED,
@@ -184,27 +182,26 @@ def centre_logo():
 
 
 def sliding_logo():
-    defs = radial("glow", [(0, RED_DEEP, 0.28), (0.7, RED_DEEP, 0.08), (1, RED_DEEP, 0)], 100, 100, 100)
-    body = '<rect width="200" height="200" fill="url(#glow)"/>'
-    body += ring(100, 100, 92, 1.2, 22, RED, 0.6)
-    body += ring(100, 100, 70, 20, 12, RED_DEEP, 0.62)
-    body += ring(100, 100, 57, 1.2, 12, RED, 0.5)
-    body += chevron(100, 104, 74, 58, 22, WHITE, 0.72)
-    return svg(200, 200, body, defs)
+    """The emblem as a watermark: it comes to rest behind pages whose glass is thin."""
+    body = ring(100, 100, 92, 1.2, 22, RED, 0.40)
+    body += ring(100, 100, 70, 20, 12, RED_DEEP, 0.17)
+    body += ring(100, 100, 80, 1, 12, RED, 0.35) + ring(100, 100, 60, 1, 12, RED, 0.35)
+    body += chevron(100, 102, 72, 58, 19, WHITE, 0.16, fold="#e0b9c2")
+    return svg(200, 200, body)
 
 
 def icon():
     defs = (gradient("tile", [(0, "#3a0d17", 1), (0.55, "#140a0d", 1), (1, "#070506", 1)])
-            + gradient("lit", [(0, "#ff3257", 1), (1, RED_DEEP, 1)]))
-    tile = cut_rectangle(8, 8, 240, 240, top_left=56, bottom_right=56)
-    body = path(points(tile), fill="url(#tile)", stroke="#ff2a50", stroke_width=8, stroke_opacity=0.55)
-    body += ring(128, 128, 88, 32, 24, "#ff1f46")
-    body += chevron(128, 134, 104, 88, 36, "#fff")
+            + gradient("lit", [(0, "#ff3d60", 1), (1, "#f30c33", 1)]))
+    tile = cut_rectangle(2, 2, 252, 252, top_left=60, bottom_right=60)
+    body = path(points(tile), fill="url(#tile)", stroke=RED, stroke_width=4, stroke_opacity=0.5)
+    body += ring(128, 128, 97, 33, 26, "url(#lit)")
+    body += chevron(128, 133, 116, 92, 33, "#fff", fold="#e3d2d6")
     return svg(256, 256, body, defs)
 
 
 def panel(width, height, cut, head, opacity):
-    """Glass of a panel: cut corners at the top left and the bottom right, a red edge, a header of `head` pixels."""
+    """Glass of a panel: cut corners at the top left and the bottom right, a red edge, a header of `head` pixels or none."""
     outline = cut_rectangle(1, 1, width - 2, height - 2, top_left=cut, bottom_right=cut)
     defs = (gradient("glass", [(0, "#260a11", opacity), (0.3, "#110a0d", opacity), (1, "#0b0709", opacity)])
             + gradient("edge", [(0, RED, 1), (0.5, RED, 0.55), (1, RED, 1)], x2=1, y2=1)
@@ -214,9 +211,11 @@ def panel(width, height, cut, head, opacity):
             + f'<clipPath id="shape"><path d="{points(outline)}"/></clipPath>'
             + f'<mask id="quiet"><rect width="{width}" height="{height}" fill="url(#fade)"/></mask>')
     body = path(points(outline), fill="url(#glass)")
-    inside = f'<rect width="{width}" height="{head}" fill="url(#head)"/>'
+    inside = ""
+    if head:
+        inside += f'<rect width="{width}" height="{head}" fill="url(#head)"/>'
+        inside += path(f"M0,{head}.5 H{width}", stroke=RED, stroke_opacity=0.45)
     inside += path(hexagons(width, height, 12), stroke="#ff3a5c", stroke_opacity=0.14, stroke_width=0.7, mask="url(#quiet)")
-    inside += path(f"M0,{head}.5 H{width}", stroke=RED, stroke_opacity=0.45)
     body += group(inside, clip_path="url(#shape)")
     body += path(points(inset(outline, 0.5)), stroke="url(#edge)", stroke_width=1.3)
     body += path(points([(1, cut + 1), (cut + 1, 1), (cut + width * 0.18, 1)], closed=False), stroke=RED, stroke_width=4)
@@ -235,5 +234,5 @@ def images():
         "logo": sliding_logo(),
         "icon": icon(),
         "SettingBKImage": panel(470, 440, 26, 46, 0.95),
-        "messageBox/msgbkground": panel(420, 200, 16, 26, 0.92),
+        "messageBox/msgbkground": panel(420, 200, 16, 0, 0.92),
     }
