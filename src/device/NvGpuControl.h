@@ -5,6 +5,7 @@
 #include <QtGlobal>
 
 #include <array>
+#include <atomic>
 #include <mutex>
 #include <string>
 
@@ -41,6 +42,7 @@ public:
 
     // ---- fixed information ----
     void getFixedInfo(NvInfo &info); ///< whole record; "Unknown" where a read failed; empty without a card
+    bool getDriverVersion(quint32 &version); ///< five digits as one number; 0 and false on failure
 
     // ---- live telemetry; each read folds its value into the extremes ----
     bool getClockFrequencies(NvClockSet &out, quint32 clockType); ///< MHz; 0 current, 1 base, 2 boost; `out` kept on failure
@@ -105,6 +107,7 @@ private:
     std::array<void *, kMaxDisplays> displayHandles{};
     quint32 displayCount = 0;
     quint32 outputId = 0;
-    qint32 memoryRateFactor = 2; ///< data transfers a clock of the memory type, for the bandwidth
+    /// Data transfers a clock of the memory type, for the bandwidth; set by any thread that reads the fixed information.
+    std::atomic<qint32> memoryRateFactor{2};
     bool nvApiReady = false;
 };

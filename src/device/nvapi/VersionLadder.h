@@ -1,0 +1,83 @@
+#pragma once
+
+#include "device/nvapi/NvApiRecords.h"
+
+#include <array>
+#include <cstddef>
+
+/// \file
+/// The ladder of record versions. A driver knows some versions of each record and refuses the others, so
+/// an operation is tried version by version. Between two attempts only the version word changes; the rest
+/// of the record stays as the last attempt left it.
+
+/// Where a ladder ended.
+struct LadderResult
+{
+    NvAPI_Status status = NVAPI_ERROR; ///< of the last attempt
+    quint32 version = 0;               ///< version word of the last attempt; the one that answered on success
+
+    [[nodiscard]] bool succeeded() const { return status == NVAPI_OK; }
+};
+
+/// Most operations: whatever went wrong, the next version is tried.
+inline bool descendOnAnyFailure(NvAPI_Status status)
+{
+    return status != NVAPI_OK;
+}
+
+/// Only a driver that refuses the version itself is asked again.
+inline bool descendOnRefusedVersion(NvAPI_Status status)
+{
+    return status == NVAPI_INCOMPATIBLE_STRUCT_VERSION;
+}
+
+/// Tries `call(&record)` with each version word in the order of `versions`, as long as `descends(status)`.
+template <std::size_t versionCount, typename Record, typename Call, typename Policy>
+LadderResult descend(const std::array<quint32, versionCount> &versions, Record &record, Call call, Policy descends)
+{
+    static_assert(versionCount > 0, "a ladder has a version");
+    LadderResult result;
+    for (const quint32 version : versions) {
+        record.version = version;
+        result.version = version;
+        result.status = call(&record);
+        if (!descends(result.status))
+            break;
+    }
+    return result;
+}
+
+template <std::size_t versionCount, typename Record, typename Call>
+LadderResult descend(const std::array<quint32, versionCount> &versions, Record &record, Call call)
+{
+    return descend(versions, record, call, descendOnAnyFailure);
+}
+
+/// The I2C form, for operations that exist as a plain and as an extended call. A refused version goes one
+/// version down with the same call. Any other failure is answered by the extended call at the version at
+/// hand, which in turn goes one down when that version is refused. Each version below the newest is one
+/// such round, and each round begins with what the status before it says.
+template <std::size_t versionCount, typename Record, typename PlainCall, typename ExtendedCall>
+LadderResult descendWithExtendedCall(const std::array<quint32, versionCount> &versions, Record &record,
+                                     PlainCall plainCall, ExtendedCall extendedCall)
+{
+    static_assert(versionCount > 0, "a ladder has a version");
+    LadderResult result;
+    const auto attempt = [&](quint32 version, auto call) {
+        record.version = version;
+        result.version = version;
+        result.status = call(&record);
+    };
+
+    attempt(versions[0], plainCall);
+    for (std::size_t next = 1; next < versionCount && !result.succeeded(); ++next) {
+        if (descendOnRefusedVersion(result.status)) {
+            attempt(versions[next], plainCall);
+            continue;
+        }
+        attempt(result.version, extendedCall);
+        if (descendOnRefusedVersion(result.status))
+            attempt(versions[next], extendedCall);
+    }
+    return result;
+}

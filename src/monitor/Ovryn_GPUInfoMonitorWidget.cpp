@@ -1,0 +1,31 @@
+#include "monitor/Ovryn_GPUInfoMonitorWidget.h"
+
+#include "monitor/MonitorQuantities.h"
+
+namespace
+{
+constexpr int kTemperatureMask = 4;
+}
+
+Ovryn_GPUInfoMonitorWidget::Ovryn_GPUInfoMonitorWidget(QWidget *parent)
+    : GraphStackView(kMonitorQuantityCount, kTemperatureMask, parent)
+{
+    setLanguage(Ovryn_LanguageTable().monitor, kLanguageChinese);
+}
+
+void Ovryn_GPUInfoMonitorWidget::setLanguage(Lang_Monitor newTexts, LanguageType newLanguage)
+{
+    texts = newTexts;
+    language = newLanguage;
+    for (int i = 0; i < kMonitorQuantityCount; ++i)
+        setBoxTitle(i, texts.*kMonitorQuantities[i].title);
+}
+
+void Ovryn_GPUInfoMonitorWidget::receiveNvCardBaseInfo(NvCardBaseInfo sample)
+{
+    nvCardBaseInfo = sample;
+    for (int i = 0; i < kMonitorQuantityCount; ++i) {
+        const MonitorQuantity &quantity = kMonitorQuantities[i];
+        addSample(i, nvCardBaseInfo.*quantity.value, QString::fromLatin1(quantity.suffix));
+    }
+}

@@ -1,0 +1,71 @@
+#include "monitor/Ovryn_NvCardInfoWidget.h"
+
+#include "device/NvGpuControl.h"
+#include "monitor/Ovryn_GPUInfoMonitorWidget.h"
+#include "monitor/Ovryn_GPUInfoWidget.h"
+
+#include <QPainter>
+
+#include <algorithm>
+
+namespace
+{
+QString driverVersionOf(NvGpuControl *control)
+{
+    quint32 version = 0;
+    if (control == nullptr || !control->getDriverVersion(version))
+        return QStringLiteral("XXX.XX");
+    return QString::number(version).insert(3, QLatin1Char('.'));
+}
+} // namespace
+
+Ovryn_NvCardInfoWidget::Ovryn_NvCardInfoWidget(int selectOption, NvGpuControl *control, QWidget *parent)
+    : Ovryn_NvCardInfoWidget(control, parent)
+{
+    rowsView->setSelectOption(selectOption);
+}
+
+Ovryn_NvCardInfoWidget::Ovryn_NvCardInfoWidget(NvGpuControl *control, QWidget *parent)
+    : Ovryn_NvCardInfoWidget(new Ovryn_GPUInfoWidget, new Ovryn_GPUInfoMonitorWidget, control, parent)
+{
+}
+
+Ovryn_NvCardInfoWidget::Ovryn_NvCardInfoWidget(Ovryn_GPUInfoWidget *rows, Ovryn_GPUInfoMonitorWidget *graphs,
+                                               NvGpuControl *control, QWidget *parent)
+    : RowsAndGraphsPage(rows, graphs, parent),
+      rowsView(rows),
+      monitorView(graphs),
+      driverVersion(driverVersionOf(control))
+{
+    setLanguage(Ovryn_LanguageTable().monitor, kLanguageChinese);
+}
+
+void Ovryn_NvCardInfoWidget::getSelectOption(int *out) const
+{
+    *out = rowsView->selectOption();
+}
+
+void Ovryn_NvCardInfoWidget::setLanguage(Lang_Monitor newTexts, LanguageType newLanguage)
+{
+    rowsView->setLanguage(newTexts, newLanguage);
+    monitorView->setLanguage(newTexts, newLanguage);
+    setTitle(newTexts.driverVersion, newLanguage);
+}
+
+void Ovryn_NvCardInfoWidget::recvNvCardInfo(NvCardBaseInfo nvCardBaseInfo)
+{
+    rowsView->receiveNvCardBaseInfo(nvCardBaseInfo);
+    monitorView->receiveNvCardBaseInfo(nvCardBaseInfo);
+}
+
+void Ovryn_NvCardInfoWidget::paintEvent(QPaintEvent *event)
+{
+    RowsAndGraphsPage::paintEvent(event);
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::TextAntialiasing);
+    QFont versionFont = font();
+    versionFont.setPixelSize(std::max(1, pageLayout().bandHeight / 2)); // a font of 0 pixels is none
+    painter.setFont(versionFont);
+    painter.setPen(Qt::white);
+    painter.drawText(pageLayout().versionRect, Qt::AlignLeft | Qt::AlignVCenter, driverVersion);
+}
