@@ -1,7 +1,6 @@
 # What every target of the project is built with, and the functions that make its targets.
 
 add_library(ovryn_options INTERFACE)
-target_compile_features(ovryn_options INTERFACE cxx_std_17)
 target_compile_definitions(ovryn_options INTERFACE QT_DEPRECATED_WARNINGS)
 if(MSVC)
     target_compile_options(ovryn_options INTERFACE /W4 /utf-8)
