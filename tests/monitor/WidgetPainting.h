@@ -1,8 +1,19 @@
 #pragma once
 
+#include "ui/Fonts.h"
+
+#include <QApplication>
+#include <QFont>
 #include <QImage>
 #include <QPainter>
 #include <QWidget>
+
+/// The fonts that the program has: the widgets' families, and a known one for whatever asks for none.
+inline void useProgramFonts()
+{
+    substituteFontFamilies();
+    QApplication::setFont(QFont(QStringLiteral("Arial")));
+}
 
 /// What the widget and its children paint, over nothing, without the style's window background.
 inline QImage paintingOf(QWidget &widget)

@@ -48,6 +48,8 @@ class TestBaseMonitorBox : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase() { useProgramFonts(); }
+
     void layout_data();
     void layout();
     void valueToRow_data();
@@ -524,4 +526,4 @@ void TestBaseMonitorBox::realMouseReachesTheBox()
 }
 
 QTEST_MAIN(TestBaseMonitorBox)
-#include "tst_Ovryn_BaseMonitorBox.moc"
+#include "TestBaseMonitorBox.moc"

@@ -12,6 +12,8 @@ class TestBaseInfoRow : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase() { useProgramFonts(); }
+
     void layout_data();
     void layout();
     void checkBoxTakesTitleAndColumns();
@@ -154,4 +156,4 @@ void TestBaseInfoRow::tinyRowsPaintWithoutComplaint()
 }
 
 QTEST_MAIN(TestBaseInfoRow)
-#include "tst_Ovryn_BaseInfoRow.moc"
+#include "TestBaseInfoRow.moc"
