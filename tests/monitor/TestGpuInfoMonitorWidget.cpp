@@ -40,7 +40,7 @@ void wheel(QWidget &view, int delta, QPoint position = QPoint(5, 5))
     QWheelEvent event(position, view.mapToGlobal(position), QPoint(), QPoint(0, delta), Qt::NoButton,
                       Qt::NoModifier, Qt::NoScrollPhase, false);
     QSpontaneKeyEvent::setSpontaneous(&event); // as from the window system: only those go on to the parent
-    QCoreApplication::sendEvent(view.windowHandle(), &event);
+    qApp->notify(view.windowHandle(), &event);
 }
 
 /// Drags through the window system's own way of events, from and to positions of the view.
