@@ -391,4 +391,4 @@ void TestSendNvCardInfoThread::destructionWithoutAStart()
 }
 
 QTEST_GUILESS_MAIN(TestSendNvCardInfoThread)
-#include "tst_Ovryn_SendNvCardInfoThread.moc"
+#include "TestSendNvCardInfoThread.moc"
