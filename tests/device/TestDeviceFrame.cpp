@@ -20,6 +20,7 @@ private slots:
     void startCalls();
     void displays_data();
     void displays();
+    void displaysWithoutEnd();
     void enumeration_data();
     void enumeration();
     void setCurrentGpu_data();
@@ -147,6 +148,19 @@ void TestDeviceFrame::displays()
 
     QCOMPARE(gpu.enumDisplays(), result);
     NvAPI_Unload(); // the second start counted too
+}
+
+void TestDeviceFrame::displaysWithoutEnd()
+{
+    FakeDriver driver;
+    driver.displays = 0xFFFFFFFF;
+    NvGpuControl gpu;
+    QVERIFY(gpu.isReady());
+    QCOMPARE(gpu.getGpuName(), std::string("GeForce GTX 1070 Ti"));
+    // more than the program keeps, and the table behind them is whole
+    QVERIFY(driver.calls("NvAPI_EnumNvidiaDisplayHandle").size() >= int(kNvApiMaxDisplays));
+    QCOMPARE(gpu.gpuCount(), 1u);
+    QVERIFY(!gpu.isTccGpu(driver.handle(0)));
 }
 
 void TestDeviceFrame::enumeration_data()
