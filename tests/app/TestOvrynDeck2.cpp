@@ -184,7 +184,11 @@ void TestOvrynDeck2::everyConnectionIsGood()
     OvrynDeck2 dialog;
     dialog.show();
     dialog.findChild<Ovryn_ComboBox *>()->setCurrentIndex(1);
-    QCOMPARE(warnings.list(), QStringList());
+    QStringList found;
+    for (const QString &warning : warnings.list())
+        if (!warning.contains(QLatin1String("systemTrayWindowChanged"))) // the toolkit's own, off a real screen
+            found << warning;
+    QCOMPARE(found, QStringList());
 }
 
 void TestOvrynDeck2::detectionOfTwoCards()
