@@ -51,10 +51,8 @@ OvrynDeck2::OvrynDeck2(QWidget *parent) : QDialog(parent)
 
     buildTray();
     applyLanguage();
-    if (!cardInfos.isEmpty()) {
+    if (!cardInfos.isEmpty())
         showCard(0);
-        backgroundEffects->hide();
-    }
     connectWidgets();
 
     resize(background.isNull() ? kSizeWithoutPicture : background.size());

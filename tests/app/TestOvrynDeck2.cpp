@@ -31,6 +31,7 @@ private slots:
     void detectionOfTwoCards();
     void noCard();
     void cardWithoutAName();
+    void hostileNameLosesNoSettings();
     void identicalCardsHaveTheirOwnSections();
     void slotButtons_data();
     void slotButtons();
@@ -248,6 +249,23 @@ void TestOvrynDeck2::cardWithoutAName()
     OvrynDeck2 dialog;
     QCOMPARE(dialog.cardCount(), 1);
     QCOMPARE(dialog.cards().at(0).gpuName, QString());
+}
+
+void TestOvrynDeck2::hostileNameLosesNoSettings()
+{
+    driver->card().fullName = std::string("GeForce\x01\x0B GTX\x1F 1080") + std::string(80, 'x'); // no terminating zero
+    writeConfig("<OvrynParameter><OtherSetting NotPromptHPS=\"1\"/></OvrynParameter>");
+    {
+        OvrynDeck2 dialog;
+        QVERIFY2(dialog.cards().at(0).gpuName.startsWith(QLatin1String("GeForce GTX 1080xxx")),
+                 qPrintable(dialog.cards().at(0).gpuName));
+        dialog.close();
+    }
+    Ovryn_ConfigFile config;
+    QVERIFY(config.load());
+    bool notPrompt = false;
+    QVERIFY(config.getNotPromptHPS(notPrompt));
+    QVERIFY(notPrompt); // the file could be read again
 }
 
 void TestOvrynDeck2::identicalCardsHaveTheirOwnSections()
