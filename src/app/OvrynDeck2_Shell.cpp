@@ -9,7 +9,6 @@
 
 #include <QAction>
 #include <QCloseEvent>
-#include <QCoreApplication>
 #include <QDate>
 #include <QIcon>
 #include <QMenu>
@@ -97,7 +96,7 @@ void OvrynDeck2::closeEvent(QCloseEvent *event)
     configFile.setLastCloseDate(QDate::currentDate());
     configFile.save(); // a failed write goes unnoticed by design
     QDialog::closeEvent(event);
-    QCoreApplication::quit(); // also when the window manager closed the window
+    emit closed();
 }
 
 // ---- settings ---------------------------------------------------------------------------------------

@@ -3,6 +3,7 @@
 #include "monitor/CreateBreathCircleAndWaveCircleThread.h"
 #include "monitor/GaugeLayout.h"
 #include "monitor/Ovryn_CircleButton.h"
+#include "ui/PageFrame.h"
 
 #include <QPainter>
 #include <QRegion>
@@ -27,11 +28,6 @@ LCDDisplayMode lcdModeFor(GaugeDisplayMode mode)
         break;
     }
     return LcdDisplayClock;
-}
-
-QString overlayFamily(LanguageType language)
-{
-    return language == kLanguageChinese ? QStringLiteral("微软雅黑") : QStringLiteral("Arial");
 }
 
 } // namespace
@@ -196,7 +192,7 @@ void Ovryn_GpuInfoCircleBox::paintEvent(QPaintEvent *)
     if (overlayAlpha > 0)
         paintReadout(painter, readoutLayout, readoutTexts, overlayAlpha);
     if (overlayAlpha < kOpaque)
-        paintOverlay(painter, overlayLayout, overlayTexts, overlayFamily(language), kOpaque - overlayAlpha);
+        paintOverlay(painter, overlayLayout, overlayTexts, PageFrame::fontFamily(language), kOpaque - overlayAlpha);
 }
 
 void Ovryn_GpuInfoCircleBox::showEvent(QShowEvent *event)

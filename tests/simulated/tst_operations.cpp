@@ -87,7 +87,7 @@ void TestOperations::unknownHandles()
     quint32 rpm = 0;
     QCOMPARE(calls.NvAPI_GPU_GetTachReading(gpu, &rpm), status);
     NvApiMemoryInfo record{};
-    record.version = kUnknownVersion; // the handle is looked at first
+    record.version = 0x70007; // the handle is looked at first
     QCOMPARE(calls.NvAPI_GPU_GetMemoryInfo(gpu, &record), status);
     QVERIFY(!driver.calls().back().card);
 }
