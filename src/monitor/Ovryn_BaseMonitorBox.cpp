@@ -185,9 +185,8 @@ void Ovryn_BaseMonitorBox::paintCrosshair(QPainter &painter) const
     painter.setPen(pen);
     painter.drawLine(hoverX, area.plotY, hoverX, area.plotBottom());
 
-    const int age = area.plotX - hoverX + area.plotWidth;
-    // Below 0 only when the box has shrunk since the mouse moved.
-    if (age < 0 || age >= samples.size())
+    const int age = hoveredAge();
+    if (age < 0)
         return;
     const MonitorSample &sample = samples.at(age);
     const QFontMetrics metrics = painter.fontMetrics();
@@ -196,6 +195,12 @@ void Ovryn_BaseMonitorBox::paintCrosshair(QPainter &painter) const
         painter.drawText(hoverX - metrics.horizontalAdvance(text) / 2, baseline, text);
         baseline += metrics.height();
     }
+}
+
+int Ovryn_BaseMonitorBox::hoveredAge() const
+{
+    const int age = area.plotX - hoverX + area.plotWidth; // below 0 when the box has shrunk since the mouse moved
+    return hovering && age >= 0 && age < samples.size() ? age : -1;
 }
 
 void Ovryn_BaseMonitorBox::mouseMoveEvent(QMouseEvent *event)

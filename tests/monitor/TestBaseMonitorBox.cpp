@@ -396,15 +396,17 @@ void TestBaseMonitorBox::crosshair_data()
 {
     QTest::addColumn<QPoint>("position");
     QTest::addColumn<bool>("hovers");
+    QTest::addColumn<int>("age");
     // 50 samples in a plot that ends at x 229: the history stands at x 179 to 229.
-    QTest::newRow("amid the history") << QPoint(200, 80) << true;
-    QTest::newRow("oldest sample") << QPoint(179, 80) << true;
-    QTest::newRow("older than the history") << QPoint(178, 80) << false;
-    QTest::newRow("newest sample") << QPoint(229, 80) << true;
-    QTest::newRow("top of the plot") << QPoint(200, 30) << true;
-    QTest::newRow("caption row") << QPoint(200, 29) << false;
-    QTest::newRow("last row") << QPoint(200, 129) << true;
-    QTest::newRow("right of the box") << QPoint(230, 80) << false;
+    QTest::newRow("amid the history") << QPoint(200, 80) << true << 29;
+    QTest::newRow("left edge: a line, but no sample is that old") << QPoint(179, 80) << true << -1;
+    QTest::newRow("older than the history") << QPoint(178, 80) << false << -1;
+    QTest::newRow("oldest sample") << QPoint(180, 80) << true << 49;
+    QTest::newRow("newest sample") << QPoint(229, 80) << true << 0;
+    QTest::newRow("top of the plot") << QPoint(200, 30) << true << 29;
+    QTest::newRow("caption row") << QPoint(200, 29) << false << -1;
+    QTest::newRow("last row") << QPoint(200, 129) << true << 29;
+    QTest::newRow("right of the box") << QPoint(230, 80) << false << -1;
 }
 
 void TestBaseMonitorBox::crosshair()
@@ -418,6 +420,7 @@ void TestBaseMonitorBox::crosshair()
         box->addData(0);
     moveMouse(*box, position);
     QCOMPARE(box->isHovering(), hovers);
+    QTEST(box->hoveredAge(), "age");
     if (position.x() >= box->width())
         return; // nothing to see beside the box
     // Dots: more than a few, far from all.
@@ -512,6 +515,7 @@ void TestBaseMonitorBox::crosshairSurvivesAShrink()
     moveMouse(*box, QPoint(220, 80));
     box->resize(100, 130); // the mouse's place now lies right of the plot
     QVERIFY(box->isHovering());
+    QCOMPARE(box->hoveredAge(), -1);
     paintingOf(*box);
 }
 
