@@ -7,6 +7,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <QVector>
 #include <QTime>
 
 #include <algorithm>
@@ -154,18 +155,34 @@ void Ovryn_BaseMonitorBox::paintGrid(QPainter &painter) const
 
 void Ovryn_BaseMonitorBox::paintHistory(QPainter &painter) const
 {
-    painter.setPen(kWhite);
-    painter.setBrush(QBrush(fillColor, Qt::SolidPattern));
     const int shown = std::min(samples.size(), area.plotWidth);
     if (shown <= 0)
         return;
-    QPainterPath fill;
-    fill.moveTo(area.plotRight(), samples.first().y);
-    for (int i = 0; i < shown; ++i)
-        fill.lineTo(area.plotRight() - i, samples.at(i).y);
-    fill.lineTo(area.plotRight() - shown - 1, area.plotBottom());
-    fill.lineTo(area.plotRight(), area.plotBottom());
-    painter.drawPath(fill);
+
+    // The area under the outline goes down column by column: as one polygon the toolkit would sort hundreds of
+    // crossings a row once the history is jagged.
+    QVector<QRect> columns;
+    columns.reserve(shown);
+    QPainterPath outline;
+    outline.moveTo(area.plotRight(), samples.first().y);
+    for (int i = 0; i < shown; ++i) {
+        const int x = area.plotRight() - i;
+        const int y = samples.at(i).y;
+        const int older = i + 1 < shown ? samples.at(i + 1).y : area.plotBottom();
+        const int middle = y + (older - y) / 2; // where the outline crosses the column's middle
+        columns.append(QRect(QPoint(x - 1, std::min(middle, area.plotBottom())),
+                             QPoint(x - 1, std::max(middle, area.plotBottom()) - 1)));
+        outline.lineTo(x, y);
+    }
+    outline.lineTo(area.plotRight() - shown - 1, area.plotBottom());
+    outline.lineTo(area.plotRight(), area.plotBottom());
+
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(fillColor);
+    painter.drawRects(columns);
+    painter.setPen(kWhite);
+    painter.setBrush(Qt::NoBrush);
+    painter.drawPath(outline);
 }
 
 void Ovryn_BaseMonitorBox::paintAxisLabels(QPainter &painter) const
@@ -173,6 +190,7 @@ void Ovryn_BaseMonitorBox::paintAxisLabels(QPainter &painter) const
     QFont axisFont(QStringLiteral("Arial"));
     axisFont.setPixelSize(area.axisFontPixels);
     painter.setFont(axisFont);
+    painter.setPen(kWhite);
     // The two pairs of flags differ: the upper limit is centred and the lower one stands at the right.
     painter.drawText(area.topLabelRect(), Qt::AlignLeft | Qt::AlignHCenter, QString::number(topValue, 'g', 6));
     painter.drawText(area.bottomLabelRect(), Qt::AlignRight | Qt::AlignHCenter, QString::number(bottomValue, 'g', 6));
