@@ -8,5 +8,6 @@
 /// Enters the table into QFont's substitutions.
 void substituteFontFamilies();
 
-/// Registers the three compiled-in fonts in order; one that can't be opened is left out.
+/// Registers the compiled-in fonts in order: segment, wide, Hei, then the plain Latin one in two weights.
+/// One that can't be opened is left out.
 void registerApplicationFonts();

@@ -26,9 +26,16 @@ QPainterPath cutCornerPath(QSize size);
 /// Pixel size of a band's title: (W/3)/4, or the band's height / 1.5 when that is smaller.
 int titlePixelSize(QSize size, int bandHeight);
 
+/// The LED and LCD pages leave the red rule under the band out.
+enum class BandRule
+{
+    Drawn,
+    LeftOut
+};
+
 /// Pixmap of a page: glass, darker band of `bandHeight`, rule under it, title in weight 63 in `titleRect`,
-/// left and vertically centred.
+/// left and vertically centred. Null for an empty size.
 QPixmap background(QSize size, int bandHeight, const QRect &titleRect, const QString &title, int titlePixels,
-                   LanguageType language);
+                   LanguageType language, BandRule rule = BandRule::Drawn);
 
 } // namespace PageFrame

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QComboBox>
+
+/// The card selector of the main dialog: a clear box with a list of its own. One entry opens no list.
+class Ovryn_ComboBox : public QComboBox
+{
+    Q_OBJECT
+
+public:
+    explicit Ovryn_ComboBox(QWidget *parent = nullptr);
+
+    void showPopup() override;
+    void hidePopup() override;
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    bool popupOpen = false;
+};

@@ -1,0 +1,75 @@
+#include "ui/PageFrame.h"
+
+#include <QFont>
+#include <QPainter>
+
+#include <algorithm>
+
+namespace
+{
+
+constexpr double kCutStart = 0.9; // part of the width and of the height where the cut corner begins
+constexpr int kTitleWeight = 63;
+constexpr double kRuleWidth = 2;
+const QColor kRuleColor(255, 0, 0, 200);
+
+} // namespace
+
+QColor PageFrame::bandColor() { return QColor(252, 10, 53, 60); }
+
+QString PageFrame::fontFamily(LanguageType language)
+{
+    return language == kLanguageChinese ? QStringLiteral("微软雅黑") : QStringLiteral("Arial");
+}
+
+QPainterPath PageFrame::cutCornerPath(QSize size)
+{
+    const double width = size.width();
+    const double height = size.height();
+    QPainterPath path;
+    path.moveTo(0, 0);
+    path.lineTo(width, 0);
+    path.lineTo(width, kCutStart * height);
+    path.lineTo(kCutStart * width, height);
+    path.lineTo(0, height);
+    path.closeSubpath();
+    return path;
+}
+
+int PageFrame::titlePixelSize(QSize size, int bandHeight)
+{
+    const double highest = bandHeight / 1.5;
+    const int wished = size.width() / 3 / 4;
+    return wished < highest ? wished : static_cast<int>(highest);
+}
+
+QPixmap PageFrame::background(QSize size, int bandHeight, const QRect &titleRect, const QString &title, int titlePixels,
+                              LanguageType language, BandRule rule)
+{
+    QPixmap pixmap(size);
+    pixmap.fill(QColor(0, 0, 0, 0));
+    if (pixmap.isNull())
+        return pixmap;
+
+    QPainter painter(&pixmap);
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(bandColor());
+    painter.drawPath(cutCornerPath(size));
+    painter.drawRect(0, 0, size.width(), bandHeight);
+
+    if (rule == BandRule::Drawn)
+    {
+        painter.setPen(QPen(kRuleColor, kRuleWidth));
+        painter.drawLine(0, bandHeight, size.width(), bandHeight);
+    }
+
+    QFont font;
+    font.setPixelSize(std::max(1, titlePixels));
+    font.setWeight(kTitleWeight);
+    font.setFamily(fontFamily(language));
+    painter.setFont(font);
+    painter.setPen(Qt::white);
+    painter.drawText(titleRect, Qt::AlignLeft | Qt::AlignVCenter, title);
+    return pixmap;
+}

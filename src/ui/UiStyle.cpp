@@ -1,0 +1,148 @@
+#include "ui/UiStyle.h"
+
+#include <QAbstractItemView>
+#include <QComboBox>
+#include <QPainter>
+#include <QSize>
+
+namespace
+{
+
+constexpr double kGlassRadius = 10;
+constexpr double kGlassEdgeWidth = 2.5;
+const QColor kGlassColor(0, 0, 0, 220);
+const QColor kGlassEdgeColor(252, 10, 53, 255);
+
+/// White indicators of the message box folder, at their own 18 by 18 pixels.
+QString checkBoxIndicator()
+{
+    return QStringLiteral(
+        "QCheckBox::indicator{width:18px;height:18px;}"
+        "QCheckBox::indicator:unchecked{image:url(:/images/images/messageBox/unchecked.png);}"
+        "QCheckBox::indicator:unchecked:hover{image:url(:/images/images/messageBox/hover_unchecked.png);}"
+        "QCheckBox::indicator:checked{image:url(:/images/images/messageBox/checked.png);}"
+        "QCheckBox::indicator:checked:hover{image:url(:/images/images/messageBox/hover_checked.png);}");
+}
+
+QString radioButtonIndicator()
+{
+    return QStringLiteral(
+        "QRadioButton::indicator{width:14px;height:14px;border-radius:8px;"
+        "border:1px solid rgba(252,10,53,200);background-color:rgba(0,0,0,120);}"
+        "QRadioButton::indicator:hover{border:1px solid rgb(255,70,100);}"
+        "QRadioButton::indicator:checked{background-color:qradialgradient(cx:0.5,cy:0.5,radius:0.5,fx:0.5,fy:0.5,"
+        "stop:0 rgb(255,70,100),stop:0.5 rgb(236,9,40),stop:0.6 rgba(0,0,0,120),stop:1 rgba(0,0,0,120));}");
+}
+
+/// White frames; the pressed and hovered captions shrink and grow by a pixel around the usual 12.
+QString settingButton()
+{
+    return QStringLiteral("QPushButton{border:1px solid white; padding: 1px 2px 1px 2px; min-width: 9em;"
+                          "background-color:white;color:black;}"
+                          "QPushButton:hover{font-size:13px;}"
+                          "QPushButton:pressed{font-size:11px;}");
+}
+
+QString comboArrow()
+{
+    return QStringLiteral("QComboBox::drop-down{width:22px;}"
+                          "QComboBox::down-arrow{image:url(:/images/images/combo/arrow_down.png);"
+                          "width:12px;height:8px;}"
+                          "QComboBox::down-arrow:hover,QComboBox::down-arrow:on{"
+                          "image:url(:/images/images/combo/arrow_hover.png);}");
+}
+
+QString settingFont() { return QStringLiteral("QWidget{font-family:微软雅黑;}"); }
+
+QString thinScrollBar()
+{
+    return QStringLiteral("QScrollBar:vertical{background:transparent;width:8px;margin:0px;}"
+                          "QScrollBar::handle:vertical{background:rgba(236,9,40,180);border-radius:4px;"
+                          "min-height:24px;}"
+                          "QScrollBar::handle:vertical:hover{background:rgb(252,10,53);}"
+                          "QScrollBar::add-line:vertical,QScrollBar::sub-line:vertical{height:0px;}"
+                          "QScrollBar::add-page:vertical,QScrollBar::sub-page:vertical{background:transparent;}");
+}
+
+} // namespace
+
+QString UiStyle::messageBox()
+{
+    return QStringLiteral("QLabel{color:rgb(255,255,255);}"
+                          "QPushButton{border: 1px solid rgba(252, 10, 53,150);"
+                          "background-color:rgba(252, 10, 53,80);"
+                          "color:rgb(220, 220, 220);}"
+                          "QPushButton:hover{border: 1px solid rgba(252, 10, 53,180);"
+                          "background-color:rgba(252, 10, 53,150);}"
+                          "QPushButton:pressed{border: 1px solid rgba(252, 10, 53,200);"
+                          "background-color:rgba(252, 10, 53,140);}"
+                          "QPushButton:checked{background-color:rgba(252, 10, 53,120);}") +
+           checkBoxIndicator() + QStringLiteral("QCheckBox{color:rgb(220, 220, 220);spacing:8px;}");
+}
+
+QString UiStyle::settingPage()
+{
+    return settingFont() +
+           QStringLiteral("QComboBox{ border: 1px solid white; padding: 1px 2px 1px 2px; min-width: 9em; }"
+                          "QComboBox::drop-down{ border-left-color: rgba(0,0,0,0);}") +
+           settingButton() +
+           QStringLiteral("QLabel,QCheckBox,QRadioButton{color:rgb(230,230,230);font-size:13px;}"
+                          "QLabel#lbl_Setting{color:white;font-size:20px;font-weight:bold;}"
+                          "QLabel#lbl_Boot,QLabel#lbl_Monitor,QLabel#lbl_UpdateInOnline{color:white;font-size:14px;"
+                          "font-weight:bold;border-left:3px solid rgb(236,9,40);padding-left:8px;}"
+                          "QCheckBox:hover,QRadioButton:hover{color:white;}"
+                          "QCheckBox,QRadioButton{spacing:8px;}"
+                          "QPushButton,QComboBox{font-size:12px;}"
+                          "QComboBox{color:white;background-color:rgba(0,0,0,90);combobox-popup:0;}"
+                          "QComboBox:hover,QComboBox:on{background-color:rgba(252,10,53,70);}") +
+           comboArrow() + checkBoxIndicator() + radioButtonIndicator();
+}
+
+QString UiStyle::settingList()
+{
+    return QStringLiteral("QListView{font-family:微软雅黑;}"
+                          "QListView::item:selected:active{background-color:rgba(255,0,0,230);}"
+                          "QListView::item:selected{color: white;}"
+                          "QListView{color:white;background-color:rgb(26,8,12);border:1px solid white;outline:0px;}"
+                          "QListView::item{min-height:22px;padding-left:4px;}");
+}
+
+QString UiStyle::updateLog()
+{
+    return settingButton() + QStringLiteral("QTextEdit{background-color:rgba(0,0,0,0);color:white;border:0px;}") +
+           settingFont() + QStringLiteral("QTextEdit{font-size:13px;}QPushButton{font-size:12px;min-height:24px;}") +
+           thinScrollBar();
+}
+
+QString UiStyle::cardSelector()
+{
+    return QStringLiteral("QComboBox{background-color:rgba(255,255,255,0);}"
+                          "QListView{color:white;background-color:rgba(255,255,255,0);border-top:1px solid red;"
+                          "border-right:1px solid red;border-bottom :1px solid red; border-left:1px solid red; }"
+                          "QListView::item{ background-color:rgba(255,255,255,0);}"
+                          "QListView::item:selected:active{background-color:rgba(255,0,0,0);color:rgb(236,9,40); }"
+                          "QListView::item:selected{ color: rgba(255,255,255,255); "
+                          "background-color:rgba(255,255,255,0);}"
+                          // The list is clear, so the popup window behind it is the dark glass.
+                          "QComboBox{color:white;border:0px;combobox-popup:0;}"
+                          "QComboBoxPrivateContainer{background-color:rgba(16,3,6,235);}"
+                          "QListView{outline:0px;}") +
+           comboArrow();
+}
+
+void UiStyle::paintDialogGlass(QPainter &painter, QSize size)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(kGlassColor);
+    painter.setPen(QPen(kGlassEdgeColor, kGlassEdgeWidth));
+    painter.drawRoundedRect(QRect(QPoint(0, 0), size), kGlassRadius, kGlassRadius);
+    painter.restore();
+}
+
+void UiStyle::makePopupTranslucent(QComboBox *box)
+{
+    QWidget *popup = box->view()->window();
+    popup->setWindowFlags(popup->windowFlags() | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint);
+    popup->setAttribute(Qt::WA_TranslucentBackground);
+}

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QString>
+
+class QComboBox;
+class QPainter;
+class QSize;
+
+/// The style sheets and the dark glass that several widgets share. Free functions, GUI thread.
+namespace UiStyle
+{
+
+QString messageBox();
+QString settingPage();
+QString settingList();  ///< for the list view of a combo box on the settings page
+QString updateLog();    ///< the settings page's look, for the update log dialog
+QString cardSelector(); ///< for Ovryn_ComboBox and its list
+
+/// The glass of the message boxes and of the update log dialog: dark, round corners, red edge.
+void paintDialogGlass(QPainter &painter, QSize size);
+
+/// Lets a combo box's list have the round and clear parts that its style sheet asks for.
+void makePopupTranslucent(QComboBox *box);
+
+} // namespace UiStyle
