@@ -6,12 +6,37 @@
 #include <QListView>
 #include <QPainter>
 
+namespace
+{
+
+const QColor kPopupGlassColor(16, 3, 6, 235);
+
+/// The style sheet makes the list clear, and the popup's window takes its palette from the clear box: the list
+/// paints the dark glass behind its items itself.
+class GlassListView : public QListView
+{
+public:
+    using QListView::QListView;
+
+protected:
+    void paintEvent(QPaintEvent *event) override
+    {
+        QPainter(viewport()).fillRect(viewport()->rect(), kPopupGlassColor);
+        QListView::paintEvent(event);
+    }
+};
+
+} // namespace
+
 Ovryn_ComboBox::Ovryn_ComboBox(QWidget *parent) : QComboBox(parent)
 {
-    setView(new QListView(this));
+    setView(new GlassListView(this));
     setItemDelegate(new NoFocusFrameDelegate(this));
     setStyleSheet(UiStyle::cardSelector());
-    UiStyle::makePopupTranslucent(this);
+
+    QWidget *popup = view()->window();
+    popup->setWindowFlags(popup->windowFlags() | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint);
+    popup->setAttribute(Qt::WA_TranslucentBackground);
 }
 
 void Ovryn_ComboBox::showPopup()
@@ -40,6 +65,7 @@ void Ovryn_ComboBox::resizeEvent(QResizeEvent *event)
         QFont scaled = font();
         scaled.setPixelSize(pixelSize);
         setFont(scaled);
+        view()->setFont(scaled);
     }
 }
 

@@ -1,7 +1,5 @@
 #include "ui/UiStyle.h"
 
-#include <QAbstractItemView>
-#include <QComboBox>
 #include <QPainter>
 #include <QSize>
 
@@ -87,9 +85,9 @@ QString UiStyle::settingPage()
                           "QComboBox::drop-down{ border-left-color: rgba(0,0,0,0);}") +
            settingButton() +
            QStringLiteral("QLabel,QCheckBox,QRadioButton{color:rgb(230,230,230);font-size:13px;}"
-                          "QLabel#lbl_Setting{color:white;font-size:20px;font-weight:bold;}"
-                          "QLabel#lbl_Boot,QLabel#lbl_Monitor,QLabel#lbl_UpdateInOnline{color:white;font-size:14px;"
-                          "font-weight:bold;border-left:3px solid rgb(236,9,40);padding-left:8px;}"
+                          "QLabel#lbl_Setting{color:white;font-size:20px;}"
+                          "QLabel#lbl_Boot,QLabel#lbl_Monitor,QLabel#lbl_UpdateInOnline{color:white;font-size:15px;"
+                          "border:0px solid rgb(236,9,40);border-left-width:3px;padding-left:8px;}"
                           "QCheckBox:hover,QRadioButton:hover{color:white;}"
                           "QCheckBox,QRadioButton{spacing:8px;}"
                           "QPushButton,QComboBox{font-size:12px;}"
@@ -103,8 +101,9 @@ QString UiStyle::settingList()
     return QStringLiteral("QListView{font-family:微软雅黑;}"
                           "QListView::item:selected:active{background-color:rgba(255,0,0,230);}"
                           "QListView::item:selected{color: white;}"
-                          "QListView{color:white;background-color:rgb(26,8,12);border:1px solid white;outline:0px;}"
-                          "QListView::item{min-height:22px;padding-left:4px;}");
+                          "QListView{color:white;background-color:rgb(26,8,12);border:1px solid white;outline:0px;"
+                          "font-size:12px;}"
+                          "QListView::item{min-height:22px;}");
 }
 
 QString UiStyle::updateLog()
@@ -123,9 +122,7 @@ QString UiStyle::cardSelector()
                           "QListView::item:selected:active{background-color:rgba(255,0,0,0);color:rgb(236,9,40); }"
                           "QListView::item:selected{ color: rgba(255,255,255,255); "
                           "background-color:rgba(255,255,255,0);}"
-                          // The list is clear, so the popup window behind it is the dark glass.
                           "QComboBox{color:white;border:0px;combobox-popup:0;}"
-                          "QComboBoxPrivateContainer{background-color:rgba(16,3,6,235);}"
                           "QListView{outline:0px;}") +
            comboArrow();
 }
@@ -138,11 +135,4 @@ void UiStyle::paintDialogGlass(QPainter &painter, QSize size)
     painter.setPen(QPen(kGlassEdgeColor, kGlassEdgeWidth));
     painter.drawRoundedRect(QRect(QPoint(0, 0), size), kGlassRadius, kGlassRadius);
     painter.restore();
-}
-
-void UiStyle::makePopupTranslucent(QComboBox *box)
-{
-    QWidget *popup = box->view()->window();
-    popup->setWindowFlags(popup->windowFlags() | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint);
-    popup->setAttribute(Qt::WA_TranslucentBackground);
 }

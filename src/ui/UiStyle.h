@@ -2,7 +2,6 @@
 
 #include <QString>
 
-class QComboBox;
 class QPainter;
 class QSize;
 
@@ -18,8 +17,5 @@ QString cardSelector(); ///< for Ovryn_ComboBox and its list
 
 /// The glass of the message boxes and of the update log dialog: dark, round corners, red edge.
 void paintDialogGlass(QPainter &painter, QSize size);
-
-/// Lets a combo box's list have the round and clear parts that its style sheet asks for.
-void makePopupTranslucent(QComboBox *box);
 
 } // namespace UiStyle
