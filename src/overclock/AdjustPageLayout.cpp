@@ -5,7 +5,7 @@
 namespace
 {
 
-constexpr int kEdge = 3;       // rows and editor stand off the outline
+constexpr int kEdge = 3;           // rows and editor stand off the outline
 constexpr int kFanButtonDrop = 10; // below the fan row's top
 constexpr int kFanButtonGap = 5;
 constexpr int kLinkBoxSize = 26;

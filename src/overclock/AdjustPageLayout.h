@@ -10,8 +10,9 @@
 struct AdjustPageLayout
 {
     static constexpr qint32 rowCount = 6;
-    static constexpr double frameFraction = 0.9; ///< part of the width and the height left of and above the cut corner
-    static constexpr double frameWidth = 3.0;    ///< pixels of the outline
+    static constexpr double frameFraction =
+        0.9;                                  ///< part of the width and the height left of and above the cut corner
+    static constexpr double frameWidth = 3.0; ///< pixels of the outline
 
     qint32 rowHeight = 0;
     std::array<QRect, rowCount> rows;
