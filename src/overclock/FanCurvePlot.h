@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QList>
+#include <QPoint>
+#include <QSize>
+
+/// Where the fan curve's plot of 10 by 10 cells lies in its widget, in pixels, and how values (degrees
+/// Celsius, percent; 0 to 100 each) map to it. Without a widget; the divisions truncate toward zero.
+struct FanCurvePlot
+{
+    int plotLeft = 0;
+    int plotTop = 0;
+    int plotWidth = 100;  ///< 10 * stepX
+    int plotHeight = 100; ///< 10 * stepY
+    int stepX = 10;       ///< pixels of one cell
+    int stepY = 10;       ///< pixels of one cell
+
+    static FanCurvePlot forSize(QSize widget);
+
+    [[nodiscard]] int right() const { return plotLeft + plotWidth; }
+    [[nodiscard]] int bottom() const { return plotTop + plotHeight; }
+
+    [[nodiscard]] QPoint pixelOf(QPoint value) const;
+    /// May be one unit below the value that the pixel came from. A plot without extent gives 0.
+    [[nodiscard]] QPoint valueOf(QPoint pixel) const;
+    [[nodiscard]] QPoint clamped(QPoint pixel) const;
+
+    [[nodiscard]] QList<QPoint> pixelsOf(const QList<QPoint> &values) const;
+};
