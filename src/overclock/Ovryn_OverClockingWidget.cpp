@@ -49,14 +49,14 @@ QFont buttonFont(const QString &family, int weight, int pixelSize)
 } // namespace
 
 Ovryn_OverClockingWidget::Ovryn_OverClockingWidget(NvGpuControl *control, QWidget *parent,
-                                                   const AdjustTimings &timings)
-    : Ovryn_OverClockingWidget(nullptr, control, parent, timings)
+                                                   const AdjustTimings &pauses)
+    : Ovryn_OverClockingWidget(nullptr, control, parent, pauses)
 {
 }
 
 Ovryn_OverClockingWidget::Ovryn_OverClockingWidget(const AdjustModuleInfo &saved, NvGpuControl *control,
-                                                   QWidget *parent, const AdjustTimings &timings)
-    : Ovryn_OverClockingWidget(&saved, control, parent, timings)
+                                                   QWidget *parent, const AdjustTimings &pauses)
+    : Ovryn_OverClockingWidget(&saved, control, parent, pauses)
 {
 }
 

@@ -44,10 +44,10 @@ class Ovryn_OverClockingWidget : public QWidget
 public:
     /// Shows the card as it stands and changes nothing of it.
     explicit Ovryn_OverClockingWidget(NvGpuControl *control, QWidget *parent = nullptr,
-                                      const AdjustTimings &timings = {});
+                                      const AdjustTimings &pauses = {});
     /// Brings the card to the saved values first.
     Ovryn_OverClockingWidget(const AdjustModuleInfo &saved, NvGpuControl *control, QWidget *parent = nullptr,
-                             const AdjustTimings &timings = {});
+                             const AdjustTimings &pauses = {});
     /// Hands the fan back to the driver when the user's curve drove it.
     ~Ovryn_OverClockingWidget() override;
 
@@ -85,7 +85,7 @@ protected:
 
 private:
     Ovryn_OverClockingWidget(const AdjustModuleInfo *saved, NvGpuControl *control, QWidget *parent,
-                             const AdjustTimings &timings);
+                             const AdjustTimings &pauses);
 
     void build();
     void connectAll();
