@@ -26,4 +26,12 @@ struct FanCurvePlot
     [[nodiscard]] QPoint clamped(QPoint pixel) const;
 
     [[nodiscard]] QList<QPoint> pixelsOf(const QList<QPoint> &values) const;
+
+    /// Pixel height of a new node: neither below its left neighbour nor above its right one.
+    [[nodiscard]] static int heightBetween(int y, QPoint leftNode, QPoint rightNode);
+    /// Pixel of a dragged node: it can reach its neighbours' column and height, but not pass them.
+    [[nodiscard]] static QPoint placeBetween(QPoint pixel, QPoint leftNode, QPoint rightNode);
+    /// Value of a placed node, cut to its neighbours' values. Two nodes on one pixel may differ by a unit
+    /// lost in the mapping, and a curve that falls by that unit would be dropped when it is read back.
+    [[nodiscard]] QPoint valueBetween(QPoint pixel, QPoint leftValue, QPoint rightValue) const;
 };

@@ -34,8 +34,10 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    [[nodiscard]] int nodeAt(QPoint position) const; ///< -1 where no node is hit
-    [[nodiscard]] bool isEnd(int index) const;
+    void takeCurve(const QList<QPoint> &curve);
+    [[nodiscard]] bool isHit(int index, QPoint position) const;
+    [[nodiscard]] int nodeAt(QPoint position) const;      ///< the first one that is hit; -1 where none is
+    [[nodiscard]] int innerNodeAt(QPoint position) const; ///< the same without the two ends, which never move or go
 
     FanCurvePlot plot;
     int hitRadius = 3;        ///< pixels; half a node's square, and the reach of a click

@@ -1,0 +1,64 @@
+#include "overclock/Ovryn_SetUserDefineFanSpeedThread.h"
+
+#include "device/NvGpuControl.h"
+#include "overclock/FanCurve.h"
+
+#include <QMutexLocker>
+
+namespace
+{
+
+constexpr qint32 kManualPolicy = 1;
+
+} // namespace
+
+Ovryn_SetUserDefineFanSpeedThread::Ovryn_SetUserDefineFanSpeedThread(NvGpuControl *card, QObject *parent,
+                                                                     unsigned int intervalMs)
+    : WorkerThread(parent), gpuControl(card), interval(intervalMs), nodes(FanCurve::defaultCurve())
+{
+}
+
+Ovryn_SetUserDefineFanSpeedThread::~Ovryn_SetUserDefineFanSpeedThread()
+{
+    endThread();
+}
+
+void Ovryn_SetUserDefineFanSpeedThread::setTemperatureToFanSpeedData(QList<QPoint> curve)
+{
+    QMutexLocker held(&mutex);
+    nodes = FanCurve::hasValidEnds(curve) ? curve : FanCurve::defaultCurve();
+}
+
+void Ovryn_SetUserDefineFanSpeedThread::startWork()
+{
+    startThread();
+}
+
+void Ovryn_SetUserDefineFanSpeedThread::stopWork()
+{
+    QMutexLocker held(&mutex);
+    stopped = true;
+}
+
+void Ovryn_SetUserDefineFanSpeedThread::run()
+{
+    QMutexLocker held(&mutex);
+    while (gpuControl != nullptr) {
+        followCurveOnce();
+        if (stopped)
+            break;
+        held.unlock();
+        QThread::msleep(interval);
+        held.relock();
+    }
+    stopped = true;
+}
+
+void Ovryn_SetUserDefineFanSpeedThread::followCurveOnce()
+{
+    NvThermalInfo thermal;
+    gpuControl->getThermalSensor(thermal); // a failed read leaves 0 degrees
+    // Ordered every time, also unchanged: the driver may have taken the fan back meanwhile. A refused level
+    // is ordered again by the next cycle.
+    gpuControl->setCoolerLevel(FanCurve::levelFor(nodes, thermal.currentTemp), kManualPolicy);
+}
