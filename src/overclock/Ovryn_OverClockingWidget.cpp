@@ -86,6 +86,7 @@ void Ovryn_OverClockingWidget::build()
 {
     // A click beside the widgets takes the focus and so ends the editing of a number box.
     setFocusPolicy(Qt::ClickFocus);
+    setStyleSheet(AdjustPageStyle::numberBoxes());
 
     for (std::size_t index = 0; index < rows.size(); ++index) {
         rows[index] = new Ovryn_SliderWidget(this);
