@@ -56,7 +56,8 @@ void Ovryn_OverClockingWidget::onLinkCheckBoxToggle(bool)
 
 void Ovryn_OverClockingWidget::onBtnApplyClick()
 {
-    Ovryn_MessageBox box(Ovryn_MessageBox::TwoButtons, QString(), applyPrompt, language, window(), Qt::WindowFlags());
+    Ovryn_MessageBox box(Ovryn_MessageBox::TwoButtons, QString(), applyPrompt, language, window(),
+                         Qt::WindowFlags(Ovryn_MessageBox::usualWindowFlags));
     if (box.exec() != Ovryn_MessageBox::Yes)
         return;
     if (editingCurve)
