@@ -47,21 +47,17 @@ def top_plate(lit, mirrored):
 
 
 def performance_switch(state):
-    """The switch of 80 by 20: three arrow heads and a knob, left for off, right for on, between for hover."""
+    """The switch of 80 by 20. Its caption "On   Off" is written over it, so a plate of glass lies under the word in
+    force: the left half for on, the right half for off. Hovering lights the edge."""
     track = points(cut_rectangle(0.5, 0.5, 79, 19, top_left=5, bottom_right=5))
-    knob_x = {"off": 3, "over": 27, "on": 51}[state]
     lit = state == "on"
-    defs = (gradient("t", [(0, RED if lit else "#2a0d13", 0.85), (1, RED_DARK if lit else "#0e0507", 0.85)])
-            + gradient("k", [(0, "#ffffff", 1), (1, "#c9bfc2" if state != "off" else "#83777b", 1)]))
-    body = path(track, fill="url(#t)", stroke=RED if state != "over" else "#ff6680",
+    plate_x = 2.5 if lit else 40.5
+    defs = (gradient("t", [(0, "#2a0d13", 0.85), (1, "#0e0507", 0.85)])
+            + gradient("k", [(0, RED, 0.95), (1, RED_DARK, 0.95)] if lit
+                       else [(0, "#6a5055", 0.8), (1, "#3c2b2f", 0.8)]))
+    body = path(track, fill="url(#t)", stroke="#ff6680" if state == "over" else RED,
                 stroke_opacity=0.55 if state == "off" else 1)
-    heads = {"off": (40, GREY, 0.5), "on": (10, "#fff", 0.95), "over": (58, WHITE, 0.9)}[state]
-    for i in range(3):
-        x = heads[0] + i * (10 if state != "over" else 5.5)
-        body += path(f"M{x},6 L{x + 4},10 L{x},14", stroke=heads[1], stroke_opacity=heads[2], stroke_width=2)
-    body += path(points(cut_rectangle(knob_x, 3, 26, 14, top_left=3, bottom_right=3)), fill="url(#k)")
-    for i in range(3):
-        body += path(f"M{knob_x + 9.5 + i * 4},7 V13", stroke="#5b2029", stroke_width=1)
+    body += path(points(cut_rectangle(plate_x, 2.5, 37, 15, top_left=4, bottom_right=4)), fill="url(#k)")
     return svg(80, 20, body, defs)
 
 

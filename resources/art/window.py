@@ -234,5 +234,5 @@ def images():
         "logo": sliding_logo(),
         "icon": icon(),
         "SettingBKImage": panel(470, 440, 26, 46, 0.95),
-        "messageBox/msgbkground": panel(420, 200, 16, 0, 0.92),
+        "messageBox/msgbkground": panel(420, 200, 16, 0, 0.97),
     }

@@ -2,6 +2,8 @@
 
 #include "device/NvGpuControl.h"
 
+#include <string>
+
 namespace
 {
 
@@ -51,6 +53,17 @@ qint32 knownVariant(quint32 device)
 qint32 plainVariant(quint32 device)
 {
     return (device & 1) ? 1 : qint32(device & 2);
+}
+
+/// A name as it can be shown and written to config.xml: XML has no way to hold a control character, and one in a
+/// name would make the whole file unreadable.
+QString printableName(const std::string &driverName)
+{
+    QString name;
+    for (const QChar letter : QString::fromStdString(driverName))
+        if (letter.isPrint())
+            name += letter;
+    return name;
 }
 
 } // namespace
@@ -119,7 +132,7 @@ QList<GpuCardInfo> detectCards(NvGpuControl &control)
         control.setCurrentGpu(qint32(index));
         NvPciIds ids;
         control.getPciIdentifiers(ids); // a card that fails to tell keeps zeros and counts as foreign
-        GpuCardInfo card = identifyCard(QString::fromStdString(control.getGpuName()), ids.subSystemId);
+        GpuCardInfo card = identifyCard(printableName(control.getGpuName()), ids.subSystemId);
         card.gpuIndex = qint32(index);
         card.hasLed = control.i2cWriteFramed(nullptr, 0, kLedProbeEffect, 0, 0, false);
         card.hasLcd = control.sendCardInfoToLcd(true, true, kLcdProbeSeconds, LcdDisplayClock);

@@ -52,10 +52,8 @@ OvrynDeck2::OvrynDeck2(QWidget *parent) : QDialog(parent)
 
     buildTray();
     applyLanguage();
-    if (!cardInfos.isEmpty()) {
+    if (!cardInfos.isEmpty())
         showCard(0);
-        backgroundEffects->hide();
-    }
     connectWidgets();
 
     resize(background.isNull() ? kSizeWithoutPicture : background.size());
@@ -263,7 +261,8 @@ void OvrynDeck2::mousePressEvent(QMouseEvent *event)
     if (event->button() != Qt::LeftButton)
         return;
     dragging = true;
-    dragOffset = event->globalPos() - pos();
+    // From the event, not from pos(): some window managers place the window without telling the toolkit.
+    dragOffset = event->pos();
 }
 
 void OvrynDeck2::mouseMoveEvent(QMouseEvent *event)

@@ -81,6 +81,10 @@ public slots:
     void onDownloadUpdateFileFinished(bool resut);
     void onDownloadUpdateFileFinished1(bool resut);
 
+signals:
+    /// The close event has saved everything, whoever closed the window: the program is to end.
+    void closed();
+
 protected:
     void keyPressEvent(QKeyEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;

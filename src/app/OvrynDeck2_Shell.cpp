@@ -10,7 +10,6 @@
 
 #include <QAction>
 #include <QCloseEvent>
-#include <QCoreApplication>
 #include <QDate>
 #include <QIcon>
 #include <QMenu>
@@ -101,7 +100,7 @@ void OvrynDeck2::closeEvent(QCloseEvent *event)
     configFile.setLastCloseDate(QDate::currentDate());
     configFile.save(); // a failed write goes unnoticed by design
     QDialog::closeEvent(event);
-    QCoreApplication::quit(); // also when the window manager closed the window
+    emit closed();
 }
 
 // ---- settings ---------------------------------------------------------------------------------------

@@ -72,6 +72,7 @@ int main(int argc, char **argv)
     OvrynDeck2 dialog;
     dialog.setWindowTitle(QStringLiteral("OvrynDeckII"));
     application.setActivationWindow(&dialog, true);
+    QObject::connect(&dialog, SIGNAL(closed()), &application, SLOT(quit()));
     dialog.setWindowOpacity(1.0);
     dialog.setAttribute(Qt::WA_TranslucentBackground, true);
     dialog.setWindowFlags(Qt::FramelessWindowHint | Qt::WindowMinimizeButtonHint);

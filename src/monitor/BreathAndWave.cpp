@@ -20,6 +20,7 @@ constexpr double kAmp2Steps = 40.0;
 constexpr double kPhaseSteps = 10.0; // frames in which a wave moves by one segment
 constexpr double kWaveSegments = 4.0;
 constexpr double kMaxRadius = 1.0e6; // keeps squares of lengths far from overflow
+constexpr int kBytesPerPixel = 4;
 
 void stepAmplitude(double &amplitude, bool &falling, double limit, double steps)
 {
@@ -90,12 +91,12 @@ QPainterPath wavePath(const WaveShape &shape, int width, double amplitude, doubl
     return path;
 }
 
-void paintGlow(QPainter &painter, int size, double innerRadius, double breathPos, const QColor &color)
+void paintGlow(QImage &picture, double innerRadius, double breathPos, const QColor &color)
 {
-    const double half = size / 2.0;
+    const double half = picture.width() / 2.0;
     // From breathPos on the gradient is transparent, so that nothing need be painted there.
     const double outerRadius = qMin(half, breathPos * half + 1.0);
-    if (size <= 0 || innerRadius >= outerRadius)
+    if (picture.isNull() || innerRadius >= outerRadius)
         return;
     const QPointF centre(half, half);
     QRadialGradient gradient(centre, half, centre, 0.0);
@@ -106,6 +107,8 @@ void paintGlow(QPainter &painter, int size, double innerRadius, double breathPos
     shape.addEllipse(centre, outerRadius, outerRadius);
     if (innerRadius > 0.0)
         shape.addEllipse(centre, innerRadius, innerRadius); // odd-even filling leaves it out
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
     painter.fillPath(shape, gradient);
 }
 
@@ -119,13 +122,27 @@ WaveShape WaveDisc::shape() const
     return waveShapeFor(width, qMin(radius, kMaxRadius), level);
 }
 
-void paintWaveDisc(QPainter &painter, const WaveDisc &disc, const WaveMotion &motion)
+void paintWaveDisc(QImage &picture, const WaveDisc &disc, const WaveMotion &motion)
 {
     if (!(disc.radius > 0.0))
         return;
     const double radius = qMin(disc.radius, kMaxRadius);
+    const double centre = disc.width / 2.0;
+    const QRectF bounds(centre - radius, centre - radius, 2.0 * radius, 2.0 * radius);
+    const QRect part = bounds.toAlignedRect().intersected(picture.rect());
+    if (part.isEmpty())
+        return;
+
+    // Painting into a window on the picture's own memory spares the rasterizer the wave outside the disc: a
+    // nearly level line costs it the square of its length.
+    QImage window(picture.scanLine(part.top()) + part.left() * kBytesPerPixel, part.width(), part.height(),
+                  picture.bytesPerLine(), picture.format());
+    QPainter painter(&window);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(-part.topLeft());
+
     QPainterPath circle;
-    circle.addEllipse(QPointF(disc.width / 2.0, disc.width / 2.0), radius, radius);
+    circle.addEllipse(bounds);
     painter.fillPath(circle, disc.lightBrush);
     if (disc.level >= 1.0)
         painter.fillPath(circle, disc.darkBrush);
@@ -133,9 +150,7 @@ void paintWaveDisc(QPainter &painter, const WaveDisc &disc, const WaveMotion &mo
         return;
 
     const WaveShape shape = disc.shape();
-    painter.save();
-    painter.setClipPath(circle);
+    painter.setClipPath(circle); // the same picture as the paths' intersection with the disc, and cheap
     painter.fillPath(wavePath(shape, disc.width, motion.amp1, motion.wavePhase), disc.darkBrush);
     painter.fillPath(wavePath(shape, disc.width, motion.amp2, motion.wavePhase), disc.darkBrush);
-    painter.restore();
 }

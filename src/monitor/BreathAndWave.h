@@ -2,9 +2,8 @@
 
 #include <QBrush>
 #include <QColor>
+#include <QImage>
 #include <QPainterPath>
-
-class QPainter;
 
 /// \file
 /// The gauge's animated background: a glow that breathes around the ring and a disc that fills with moving
@@ -47,8 +46,8 @@ struct WaveMotion
 /// One wave and all the water below it, for odd-even filling, not yet cut by the disc.
 [[nodiscard]] QPainterPath wavePath(const WaveShape &shape, int width, double amplitude, double phase);
 
-/// Paints the glow into a square picture of `size`, but for the disc of `innerRadius` in its middle.
-void paintGlow(QPainter &painter, int size, double innerRadius, double breathPos, const QColor &color);
+/// Paints the glow, antialiased, into a square picture, but for the disc of `innerRadius` in its middle.
+void paintGlow(QImage &picture, double innerRadius, double breathPos, const QColor &color);
 
 /// What paintWave needs besides the motion.
 struct WaveDisc
@@ -64,5 +63,6 @@ struct WaveDisc
     [[nodiscard]] WaveShape shape() const;
 };
 
-/// The motion is used only where the disc has a wave.
-void paintWaveDisc(QPainter &painter, const WaveDisc &disc, const WaveMotion &motion);
+/// Paints the disc, antialiased, over what the picture holds: premultiplied ARGB, `disc.width` square. The
+/// motion is used only where the disc has a wave.
+void paintWaveDisc(QImage &picture, const WaveDisc &disc, const WaveMotion &motion);

@@ -1,33 +1,13 @@
 #include "monitor/CreateBreathCircleAndWaveCircleThread.h"
 
-#include <QMutexLocker>
-#include <QPainter>
+#include "monitor/SharedGaugeAnimation.h"
 
-#include <mutex>
+#include <QMutexLocker>
 
 namespace
 {
 
 constexpr unsigned long kEndTimeoutMs = 1000;
-
-// One animation for all renderers of the program. The lock covers a single step and orders nothing else.
-std::mutex animationMutex;
-BreathPulse animationPulse;
-WaveMotion animationWave;
-
-BreathPulse stepSharedPulse()
-{
-    const std::lock_guard<std::mutex> lock(animationMutex);
-    animationPulse = stepped(animationPulse);
-    return animationPulse;
-}
-
-WaveMotion stepSharedWave(const WaveShape &shape)
-{
-    const std::lock_guard<std::mutex> lock(animationMutex);
-    animationWave = stepped(animationWave, shape);
-    return animationWave;
-}
 
 QImage emptyImage(int side)
 {
@@ -36,8 +16,7 @@ QImage emptyImage(int side)
 
 } // namespace
 
-CreateBreathCircleAndWaveCircleThread::CreateBreathCircleAndWaveCircleThread(QObject *parent)
-    : QThread(parent)
+CreateBreathCircleAndWaveCircleThread::CreateBreathCircleAndWaveCircleThread(QObject *parent) : QThread(parent)
 {
     image = emptyImage(size);
 }
@@ -146,11 +125,8 @@ void CreateBreathCircleAndWaveCircleThread::paintFrame()
         return;
     image.fill(Qt::transparent);
 
-    QPainter painter(&image);
-    painter.setRenderHint(QPainter::Antialiasing);
     if (breathEnabled)
-        paintGlow(painter, size, breathRadius, stepSharedPulse().breathPos, glowColor);
-
+        paintGlow(image, breathRadius, SharedGaugeAnimation::stepPulse().breathPos, glowColor);
     const WaveDisc disc = {image.width(), waveRadius, waveEnabled ? waveLevel : 0.0, lightBrush, darkBrush};
-    paintWaveDisc(painter, disc, disc.hasWave() ? stepSharedWave(disc.shape()) : WaveMotion());
+    paintWaveDisc(image, disc, disc.hasWave() ? SharedGaugeAnimation::stepWave(disc.shape()) : WaveMotion());
 }

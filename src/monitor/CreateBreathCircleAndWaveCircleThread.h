@@ -13,8 +13,7 @@
 /// that make no picture give an empty one. The thread ends by itself when both effects are off, and
 /// startRender() starts it again.
 ///
-/// The state of pulse and waves is one for the program, so with two renderers running both move at twice
-/// the speed.
+/// The state of pulse and waves is one for the program (SharedGaugeAnimation), not a member.
 class CreateBreathCircleAndWaveCircleThread : public QThread
 {
     Q_OBJECT

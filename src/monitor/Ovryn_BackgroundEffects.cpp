@@ -8,20 +8,21 @@ namespace
 
 constexpr int kMoveIntervalMs = 15;
 constexpr int kDelayMs = 3000;
-constexpr int kMoveStep = 15;      // pixels a tick
-constexpr int kMarginShare = 30;   // a margin is this part of the picture
+constexpr int kMoveStep = 15;        // pixels a tick
+constexpr int kLogoMarginShare = 20; // the margin around a resting logo is this part of the picture
+constexpr int kCenterTopShare = 30;  // likewise the space above the centre logo
 constexpr int kCenterLogoShift = 10; // pixels to the right of the middle
 
 } // namespace
 
 LogoTrack logoTrackFor(QSize picture, QSize logo)
 {
-    const int margin = picture.width() / kMarginShare;
+    const int margin = picture.width() / kLogoMarginShare;
     LogoTrack track;
     track.logo2XLimit = margin;
     track.logoXLimit = qMax(margin, picture.width() - logo.width() - margin);
     track.logo2XFarLimit = qMax(margin, picture.width());
-    track.logoY = picture.height() - logo.height() - picture.height() / kMarginShare;
+    track.logoY = picture.height() - logo.height() - picture.height() / kLogoMarginShare;
     track.logo2Y = track.logoY;
     return track;
 }
@@ -34,7 +35,10 @@ BackgroundEffectImages BackgroundEffectImages::fromResources()
 }
 
 Ovryn_BackgroundEffects::Ovryn_BackgroundEffects(QWidget *parent, const BackgroundEffectImages &pictures)
-    : QWidget(parent), moveTimer(new QTimer(this)), delayTimer(new QTimer(this)), images(pictures),
+    : QWidget(parent),
+      moveTimer(new QTimer(this)),
+      delayTimer(new QTimer(this)),
+      images(pictures),
       track(logoTrackFor(images.mask.size(), images.logo.size()))
 {
     setAttribute(Qt::WA_TransparentForMouseEvents);
@@ -102,7 +106,7 @@ void Ovryn_BackgroundEffects::paintEvent(QPaintEvent *)
     if (!hideSecondLogo)
         painter.drawPixmap(logo2X, logo2Y, images.logo);
     painter.drawPixmap((images.mask.width() - images.centerLogo.width()) / 2 + kCenterLogoShift,
-                       images.mask.height() / kMarginShare, images.centerLogo);
+                       images.mask.height() / kCenterTopShare, images.centerLogo);
 }
 
 void Ovryn_BackgroundEffects::showEvent(QShowEvent *event)

@@ -18,7 +18,8 @@ struct LogoTrack
     [[nodiscard]] int logoXBeside(int logo2X) const { return logo2X + logoXLimit - logo2XLimit; }
 };
 
-/// The corners keep a margin of a thirtieth of the picture's width and height.
+/// The resting logos keep a margin of a twentieth of the picture's width and height, which leaves the ring
+/// gauge between them free and clears the window's cut corner.
 [[nodiscard]] LogoTrack logoTrackFor(QSize picture, QSize logo);
 
 /// The three images of the start-up picture. One that is missing is left out of the painting.
@@ -39,8 +40,8 @@ class Ovryn_BackgroundEffects : public QWidget
     Q_OBJECT
 
 public:
-    explicit Ovryn_BackgroundEffects(QWidget *parent = nullptr,
-                                     const BackgroundEffectImages &pictures = BackgroundEffectImages::fromResources());
+    explicit Ovryn_BackgroundEffects(
+        QWidget *parent = nullptr, const BackgroundEffectImages &pictures = BackgroundEffectImages::fromResources());
 
     void moveIn();
     void moveOut();

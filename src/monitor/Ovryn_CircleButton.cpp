@@ -3,6 +3,8 @@
 #include <QBitmap>
 #include <QMouseEvent>
 
+#include <utility>
+
 Ovryn_CircleButton::Ovryn_CircleButton(RingSegmentType segmentType, QWidget *parent)
     : QLabel(parent), type(segmentType)
 {
@@ -15,7 +17,7 @@ Ovryn_CircleButton::Ovryn_CircleButton(RingSegmentType segmentType, QWidget *par
 
 void Ovryn_CircleButton::setText(QString caption)
 {
-    text = caption;
+    text = std::move(caption);
     rebuildPixmaps();
 }
 

@@ -3,9 +3,12 @@
 #include "monitor/CreateBreathCircleAndWaveCircleThread.h"
 #include "monitor/GaugeLayout.h"
 #include "monitor/Ovryn_CircleButton.h"
+#include "ui/PageFrame.h"
 
 #include <QPainter>
 #include <QRegion>
+
+#include <utility>
 
 namespace
 {
@@ -27,17 +30,14 @@ LCDDisplayMode lcdModeFor(GaugeDisplayMode mode)
     return LcdDisplayClock;
 }
 
-QString overlayFamily(LanguageType language)
-{
-    return language == kLanguageChinese ? QStringLiteral("微软雅黑") : QStringLiteral("Arial");
-}
-
 } // namespace
 
 Ovryn_GpuInfoCircleBox::Ovryn_GpuInfoCircleBox(QWidget *parent)
-    : QWidget(parent), btnFreClock(new Ovryn_CircleButton(RingSegmentClock, this)),
+    : QWidget(parent),
+      btnFreClock(new Ovryn_CircleButton(RingSegmentClock, this)),
       btnTemperature(new Ovryn_CircleButton(RingSegmentTemperature, this)),
-      btnMemory(new Ovryn_CircleButton(RingSegmentMemory, this)), fadeTimer(new QTimer(this)),
+      btnMemory(new Ovryn_CircleButton(RingSegmentMemory, this)),
+      fadeTimer(new QTimer(this)),
       renderer(new CreateBreathCircleAndWaveCircleThread(this))
 {
     qRegisterMetaType<LCDDisplayMode>("LCDDisplayMode");
@@ -65,8 +65,8 @@ Ovryn_GpuInfoCircleBox::~Ovryn_GpuInfoCircleBox()
 
 void Ovryn_GpuInfoCircleBox::setAdjustInfo(QString currentValue, QString changedValue, int changedSize)
 {
-    adjustCurrent = currentValue;
-    adjustChanged = changedValue;
+    adjustCurrent = std::move(currentValue);
+    adjustChanged = std::move(changedValue);
     adjustSize = changedSize;
     updateOverlayTexts();
     fadeTimer->stop();
@@ -118,7 +118,7 @@ void Ovryn_GpuInfoCircleBox::setEnableWave(bool enable)
 
 void Ovryn_GpuInfoCircleBox::setLanguage(Lang_BreathCircle lang, LanguageType langType)
 {
-    words = lang;
+    words = std::move(lang);
     language = langType;
     btnFreClock->setText(words.clock);
     btnTemperature->setText(words.temp);
@@ -155,14 +155,14 @@ void Ovryn_GpuInfoCircleBox::selectDisplayMode(GaugeDisplayMode mode)
     update();
 }
 
-void Ovryn_GpuInfoCircleBox::recvRenderedImage(QImage image)
+void Ovryn_GpuInfoCircleBox::recvRenderedImage(const QImage &image)
 {
     recvBkImg(QPixmap::fromImage(image));
 }
 
 void Ovryn_GpuInfoCircleBox::recvBkImg(QPixmap pixmap)
 {
-    background = pixmap;
+    background = std::move(pixmap);
     update();
 }
 
@@ -192,7 +192,7 @@ void Ovryn_GpuInfoCircleBox::paintEvent(QPaintEvent *)
     if (overlayAlpha > 0)
         paintReadout(painter, readoutLayout, readoutTexts, overlayAlpha);
     if (overlayAlpha < kOpaque)
-        paintOverlay(painter, overlayLayout, overlayTexts, overlayFamily(language), kOpaque - overlayAlpha);
+        paintOverlay(painter, overlayLayout, overlayTexts, PageFrame::fontFamily(language), kOpaque - overlayAlpha);
 }
 
 void Ovryn_GpuInfoCircleBox::showEvent(QShowEvent *event)

@@ -70,7 +70,7 @@ protected:
     LanguageType language = kLanguageEnglish;
 
 private slots:
-    void recvRenderedImage(QImage image);
+    void recvRenderedImage(const QImage &image);
 
 private:
     void selectDisplayMode(GaugeDisplayMode mode);

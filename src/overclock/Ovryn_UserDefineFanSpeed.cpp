@@ -62,14 +62,15 @@ void paintCurve(QPainter &painter, const QList<QPoint> &pixelNodes)
         painter.drawLine(pixelNodes[i], pixelNodes[i + 1]);
 }
 
-void paintUnits(QPainter &painter, const FanCurvePlot &plot)
+void paintUnits(QPainter &painter, const FanCurvePlot &plot, const QRect &widget)
 {
     setFontPixelSize(painter, kUnitPixelSize);
     painter.setPen(Qt::white);
     painter.drawText(QRect(0, plot.plotTop + kLabelGap, plot.plotLeft - kLabelGap, kLabelHeight),
                      Qt::AlignRight | Qt::AlignVCenter | Qt::TextDontClip, QStringLiteral("(%)"));
-    painter.drawText(QRect(plot.right(), plot.bottom() - kLabelGap, plot.stepX, kLabelHeight),
-                     Qt::AlignCenter | Qt::TextDontClip, QStringLiteral("(C)"));
+    // A cell is often wider than the margin: what lies outside the widget doesn't count for the centre.
+    const QRect besideAxis(plot.right(), plot.bottom() - kLabelGap, plot.stepX, kLabelHeight);
+    painter.drawText(besideAxis & widget, Qt::AlignCenter | Qt::TextDontClip, QStringLiteral("(C)"));
 }
 
 void paintNode(QPainter &painter, QPoint pixel, int radius, const QColor &color)
@@ -79,14 +80,24 @@ void paintNode(QPainter &painter, QPoint pixel, int radius, const QColor &color)
     painter.drawRect(pixel.x() - radius, pixel.y() - radius, 2 * radius, 2 * radius);
 }
 
-void paintHoverValues(QPainter &painter, QPoint pixel, QPoint value, int radius)
+void paintHoverValues(QPainter &painter, const FanCurvePlot &plot, QPoint pixel, QPoint value, int radius)
 {
     setFontPixelSize(painter, kHoverPixelSize);
     painter.setPen(Qt::white);
-    const int left = pixel.x() - radius;
-    const int top = pixel.y() - radius;
-    painter.drawText(left, top - kHoverTemperatureGap, QString::number(value.x()));
-    painter.drawText(left, top - kHoverFanGap, QString::number(value.y()));
+    const QString temperature = QString::number(value.x());
+    const QString fan = QString::number(value.y());
+    QPoint place(pixel.x() - radius, pixel.y() - radius - kHoverTemperatureGap);
+
+    // Close to the top edge the numbers would be out of sight: there they stand beside the node.
+    const QFontMetrics metrics = painter.fontMetrics();
+    const int topmost = metrics.capHeight() + 1;
+    if (place.y() < topmost) {
+        const int width = qMax(metrics.horizontalAdvance(temperature), metrics.horizontalAdvance(fan));
+        const int besideLeft = pixel.x() - 2 * radius - width;
+        place = QPoint(besideLeft >= plot.plotLeft ? besideLeft : pixel.x() + 2 * radius, topmost);
+    }
+    painter.drawText(place, temperature);
+    painter.drawText(place + QPoint(0, kHoverTemperatureGap - kHoverFanGap), fan);
 }
 
 } // namespace
@@ -204,7 +215,7 @@ void Ovryn_UserDefineFanSpeed::paintEvent(QPaintEvent * /*event*/)
     QPainter painter(this);
     paintScaleAndGrid(painter, plot);
     paintCurve(painter, pixelNodes);
-    paintUnits(painter, plot);
+    paintUnits(painter, plot, rect());
     for (int i = 0; i < pixelNodes.size(); ++i) {
         if (i == pressedIndex)
             paintNode(painter, pixelNodes[i], hitRadius, kPressedNode);
@@ -214,7 +225,7 @@ void Ovryn_UserDefineFanSpeed::paintEvent(QPaintEvent * /*event*/)
             paintNode(painter, pixelNodes[i], hitRadius, kHoveredNode);
     }
     if (hoverIndex >= 0)
-        paintHoverValues(painter, pixelNodes[hoverIndex], valueNodes[hoverIndex], hitRadius);
+        paintHoverValues(painter, plot, pixelNodes[hoverIndex], valueNodes[hoverIndex], hitRadius);
 }
 
 void Ovryn_UserDefineFanSpeed::resizeEvent(QResizeEvent * /*event*/)

@@ -20,6 +20,8 @@ private slots:
     void initTestCase();
 
     void firstStart();
+    void driverCallsOfDetection();
+    void driverCallsOfASample();
     void secondStartBringsTheWindowToTheFront();
     void secondStartBringsTheWindowBackFromTheTray();
     void noCard_data();
@@ -63,6 +65,7 @@ const char *const kQuietConfig = R"(<?xml version="1.0" encoding="UTF-8"?>
     <GeneralSetting StartOnBoot="1" MinimizeOnStart="0" ApplyLastParamOnStart="1" Language="lang_en" RefreshTimeOfMonitor="1" PageEffects="normal"/>
     <UpdateSetting CheckInterval="7" UpdateMode="0" UpdateStatus="1"/>
     <GpuSettings/>
+    <LastCloseDate>2020/02/29</LastCloseDate>
     <OtherSetting NotPromptHPS="1"/>
 </OvrynParameter>
 )";
@@ -70,6 +73,24 @@ const char *const kQuietConfig = R"(<?xml version="1.0" encoding="UTF-8"?>
 QString today()
 {
     return QDate::currentDate().toString(QStringLiteral("yyyy/MM/dd"));
+}
+
+/// What one card is asked while the cards are detected.
+const QStringList kIdentity = {"GPU_GetPCIIdentifiers", "GPU_GetFullName"};
+const QStringList kLcdReadings = {"GPU_GetPstates20", "GPU_GetAllClockFrequencies", "GPU_GetRamType",
+                                  "GPU_GetAllClockFrequencies", "GPU_GetRamType",
+                                  "GPU_GetTachReading", "GPU_GetCoolerSettings",
+                                  "GPU_GetMemoryInfo",
+                                  "GPU_GetThermalSettings",
+                                  "GPU_ClientThermalPoliciesGetInfo", "GPU_ClientThermalPoliciesGetStatus",
+                                  "GPU_GetFullName", "GPU_GetPCIIdentifiers"};
+
+/// A line of the journal as "operation", with the device's address behind a transfer.
+QString operationOf(const QJsonObject &call)
+{
+    const QString operation = call.value(QStringLiteral("op")).toString().mid(int(strlen("NvAPI_")));
+    const QString address = call.value(QStringLiteral("args")).toObject().value(QStringLiteral("address")).toString();
+    return address.isEmpty() ? operation : operation + QLatin1Char(' ') + address;
 }
 
 /// How many pixels of a region differ noticeably.
@@ -176,19 +197,73 @@ void TestProgram::firstStart()
     QVERIFY(window != 0);
     QCOMPARE(screen.geometryOf(window).size(), kDialogSize);
 
-    // Detection: each card's identifiers, name and the two probes, before anything else is asked of it.
-    QList<QJsonObject> calls = program.journal();
-    QStringList operations;
-    for (const QJsonObject &call : qAsConst(calls))
-        operations << call.value(QStringLiteral("op")).toString();
-    QCOMPARE(operations.value(0), QStringLiteral("NvAPI_Initialize"));
-    const int identifiers = operations.indexOf(QStringLiteral("NvAPI_GPU_GetPCIIdentifiers"));
-    QVERIFY(identifiers > 0);
-    QCOMPARE(operations.value(identifiers + 1), QStringLiteral("NvAPI_GPU_GetFullName"));
-    QCOMPARE(operations.value(identifiers + 2), QStringLiteral("NvAPI_I2CWrite"));
-
     // Both cards are sampled again and again while the prompt stands.
-    QTRY_VERIFY_WITH_TIMEOUT(program.journal().size() > calls.size() + 40, kPatienceMs);
+    const int calls = program.journal().size();
+    QTRY_VERIFY_WITH_TIMEOUT(program.journal().size() > calls + 80, kPatienceMs);
+}
+
+void TestProgram::driverCallsOfDetection()
+{
+    InstalledProgram program(screen);
+    program.writeConfig(kQuietConfig);
+    QVERIFY(startedWindow(program) != 0);
+
+    const QStringList start = {"Initialize", "EnumNvidiaDisplayHandle", "EnumNvidiaDisplayHandle",
+                               "EnumNvidiaDisplayHandle", "EnumNvidiaDisplayHandle", "GetAssociatedDisplayOutputId",
+                               "EnumPhysicalGPUs", "EnumTCCPhysicalGPUs"}; // the scene has three displays
+    QStringList expected = start;
+    expected << kIdentity << "I2CWrite 0xA0" << kLcdReadings << "I2CWrite 0xAC"; // the maker's card answers
+    expected << kIdentity << "I2CWrite 0xA0" << "I2CWriteEx 0xA0" << "I2CWriteEx 0xA0" // the foreign one does not
+             << kLcdReadings << "I2CWrite 0xAC" << "I2CWriteEx 0xAC" << "I2CWriteEx 0xAC";
+    expected << "Unload";
+    for (int card = 0; card < 2; ++card)
+        expected << start; // its long-lived device object
+
+    QStringList onMainThread;
+    for (const QJsonObject &call : program.journal())
+        if (call.value(QStringLiteral("thread")).toInt() == 1)
+            onMainThread << operationOf(call);
+    // each card's monitor page asks for the driver's version while it is built
+    onMainThread.removeAll(QStringLiteral("SYS_GetDriverAndBranchVersion"));
+    QCOMPARE(QStringList(onMainThread.mid(0, expected.size())), expected);
+}
+
+void TestProgram::driverCallsOfASample()
+{
+    InstalledProgram program(screen);
+    program.writeConfig(kQuietConfig);
+    QVERIFY(startedWindow(program) != 0);
+
+    const QStringList baseClocks = {"GPU_GetPstates20", "GPU_GetAllClockFrequencies", "GPU_GetRamType"};
+    QStringList expected = {"GPU_ClientThermalPoliciesGetInfo", "GPU_ClientThermalPoliciesGetStatus",
+                            "GPU_GetMemoryInfo",
+                            "GPU_GetThermalSettings",
+                            "GPU_GetAllClockFrequencies", "GPU_GetRamType"};
+    expected << baseClocks;
+    expected << "GPU_GetTachReading" << "GPU_GetCoolerSettings" << "GPU_GetDynamicPstatesInfoEx";
+    expected << "GPU_GetFullName" << "GPU_GetMemoryInfo" << "GPU_GetRamType" << baseClocks << baseClocks
+             << "SYS_GetDriverAndBranchVersion" << "SYS_GetChipSetInfo" << "GPU_GetFBWidthAndLocation"
+             << "GPU_GetVbiosVersionString";
+    for (const char *sensor : {"0x9E", "0x90", "0x96", "0x92"})
+        expected << QStringLiteral("I2CRead ") + QLatin1String(sensor);
+
+    // The worker of the maker's card is the thread whose first call about that card is no call of the main thread.
+    const auto cycles = [&] {
+        QStringList operations;
+        int worker = 0;
+        for (const QJsonObject &call : program.journal()) {
+            const int thread = call.value(QStringLiteral("thread")).toInt();
+            if (worker == 0 && thread != 1 && call.value(QStringLiteral("gpu")).toInt(-1) == 0)
+                worker = thread;
+            if (worker != 0 && thread == worker)
+                operations << operationOf(call);
+        }
+        return operations;
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(cycles().size() >= 2 * expected.size(), kPatienceMs);
+    const QStringList operations = cycles();
+    QCOMPARE(QStringList(operations.mid(0, expected.size())), expected);
+    QCOMPARE(QStringList(operations.mid(expected.size(), expected.size())), expected); // nothing is cached
 }
 
 void TestProgram::secondStartBringsTheWindowToTheFront()
@@ -473,7 +548,7 @@ void TestProgram::closeAsksFirst()
     pressBoxButton(program, false);
     QTRY_VERIFY_WITH_TIMEOUT(program.otherWindows().isEmpty(), kPatienceMs);
     QVERIFY(program.isRunning());
-    QCOMPARE(program.configText(QStringLiteral("LastCloseDate")), QString());
+    QCOMPARE(program.configText(QStringLiteral("LastCloseDate")), QStringLiteral("2020/02/29"));
 
     closeByButton(program, window);
     QCOMPARE(program.configText(QStringLiteral("LastCloseDate")), today());
@@ -481,15 +556,8 @@ void TestProgram::closeAsksFirst()
     QCOMPARE(sections.size(), 2);
     QCOMPARE(sections.at(0).attribute(QStringLiteral("GpuName")), QStringLiteral("GeForce GTX 1070 Ti"));
     QCOMPARE(sections.at(0).attribute(QStringLiteral("SubSystemId")), QString::number(0x111D7377u));
-    // the driver was let go as often as it was taken
-    int balance = 0;
-    for (const QJsonObject &call : program.journal()) {
-        const QString operation = call.value(QStringLiteral("op")).toString();
-        balance += operation == QLatin1String("NvAPI_Initialize") ? 1
-                   : operation == QLatin1String("NvAPI_Unload")   ? -1
-                                                                  : 0;
-    }
-    QCOMPARE(balance, 0);
+    // the driver is let go last: no worker asked it for anything afterwards
+    QCOMPARE(program.journal().last().value(QStringLiteral("op")).toString(), QStringLiteral("NvAPI_Unload"));
 }
 
 void TestProgram::windowManagerCloseSaves()

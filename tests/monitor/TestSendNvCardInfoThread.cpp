@@ -364,6 +364,9 @@ void TestSendNvCardInfoThread::destructionWaitsForTheCycle()
 
 void TestSendNvCardInfoThread::destructionInALongSleepTerminates()
 {
+#ifdef __SANITIZE_THREAD__
+    QSKIP("the thread sanitizer ends the program when a thread is cancelled");
+#endif
     RecordReceiver receiver;
     auto worker = std::make_unique<Ovryn_SendNvCardInfoThread>(control.get());
     worker->setRefreshTime(600000);
@@ -391,4 +394,4 @@ void TestSendNvCardInfoThread::destructionWithoutAStart()
 }
 
 QTEST_GUILESS_MAIN(TestSendNvCardInfoThread)
-#include "tst_Ovryn_SendNvCardInfoThread.moc"
+#include "TestSendNvCardInfoThread.moc"

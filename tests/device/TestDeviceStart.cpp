@@ -8,7 +8,7 @@
 #include <memory>
 
 /// Start, enumeration, choice of the card and end of a device object.
-class TestDeviceFrame : public QObject
+class TestDeviceStart : public QObject
 {
     Q_OBJECT
 
@@ -20,6 +20,7 @@ private slots:
     void startCalls();
     void displays_data();
     void displays();
+    void displaysWithoutEnd();
     void enumeration_data();
     void enumeration();
     void setCurrentGpu_data();
@@ -36,14 +37,14 @@ private slots:
     void failedStartDoesNotDisturbTheNext();
 };
 
-void TestDeviceFrame::metaTypesAreRegistered()
+void TestDeviceStart::metaTypesAreRegistered()
 {
     registerDeviceMetaTypes();
     for (const char *name : {"NvCardBaseInfo", "NvInfo", "BoardTempCompleteInfo"})
         QVERIFY2(QMetaType::type(name) != QMetaType::UnknownType, name);
 }
 
-void TestDeviceFrame::recordsTravelByValue()
+void TestDeviceStart::recordsTravelByValue()
 {
     NvCardBaseInfo sample;
     sample.gpuClock.currentValue = 1607;
@@ -52,7 +53,7 @@ void TestDeviceFrame::recordsTravelByValue()
     QCOMPARE(inFlight.value<NvCardBaseInfo>().gpuClock.currentValue, 1607);
 }
 
-void TestDeviceFrame::start_data()
+void TestDeviceStart::start_data()
 {
     QTest::addColumn<NvAPI_Status>("initializeStatus");
     QTest::addColumn<NvAPI_Status>("enumerationStatus");
@@ -67,7 +68,7 @@ void TestDeviceFrame::start_data()
     QTest::newRow("only the enumeration fails") << 0 << -6 << false << 0u << true;
 }
 
-void TestDeviceFrame::start()
+void TestDeviceStart::start()
 {
     QFETCH(NvAPI_Status, initializeStatus);
     QFETCH(NvAPI_Status, enumerationStatus);
@@ -88,7 +89,7 @@ void TestDeviceFrame::start()
     QCOMPARE(driver.calls("NvAPI_GetErrorMessage").contains("GetErrorMessage status=-1"), initializeStatus == -1);
 }
 
-void TestDeviceFrame::startCalls()
+void TestDeviceStart::startCalls()
 {
     FakeDriver driver;
     {
@@ -105,7 +106,7 @@ void TestDeviceFrame::startCalls()
     QCOMPARE(driver.releases(), 1);
 }
 
-void TestDeviceFrame::displays_data()
+void TestDeviceStart::displays_data()
 {
     QTest::addColumn<quint32>("displays");
     QTest::addColumn<NvAPI_Status>("walkEnd");
@@ -121,7 +122,7 @@ void TestDeviceFrame::displays_data()
         << 1u << -104 << 0 << false << QStringList{"GetErrorMessage status=-104"};
 }
 
-void TestDeviceFrame::displays()
+void TestDeviceStart::displays()
 {
     QFETCH(quint32, displays);
     QFETCH(NvAPI_Status, walkEnd);
@@ -149,7 +150,20 @@ void TestDeviceFrame::displays()
     NvAPI_Unload(); // the second start counted too
 }
 
-void TestDeviceFrame::enumeration_data()
+void TestDeviceStart::displaysWithoutEnd()
+{
+    FakeDriver driver;
+    driver.displays = 0xFFFFFFFF;
+    NvGpuControl gpu;
+    QVERIFY(gpu.isReady());
+    QCOMPARE(gpu.getGpuName(), std::string("GeForce GTX 1070 Ti"));
+    // more than the program keeps, and the table behind them is whole
+    QVERIFY(driver.calls("NvAPI_EnumNvidiaDisplayHandle").size() >= int(kNvApiMaxDisplays));
+    QCOMPARE(gpu.gpuCount(), 1u);
+    QVERIFY(!gpu.isTccGpu(driver.handle(0)));
+}
+
+void TestDeviceStart::enumeration_data()
 {
     QTest::addColumn<int>("ordinary");
     QTest::addColumn<int>("tcc");
@@ -174,7 +188,7 @@ void TestDeviceFrame::enumeration_data()
     QTest::newRow("both told far beyond") << 1 << 1 << allOnes << allOnes << 0 << 0 << true << 64u;
 }
 
-void TestDeviceFrame::enumeration()
+void TestDeviceStart::enumeration()
 {
     QFETCH(int, ordinary);
     QFETCH(int, tcc);
@@ -208,7 +222,7 @@ void TestDeviceFrame::enumeration()
              status ? QStringList{QString("GetErrorMessage status=%1").arg(status)} : QStringList{});
 }
 
-void TestDeviceFrame::setCurrentGpu_data()
+void TestDeviceStart::setCurrentGpu_data()
 {
     QTest::addColumn<int>("cards");
     QTest::addColumn<qint32>("index");
@@ -223,7 +237,7 @@ void TestDeviceFrame::setCurrentGpu_data()
     QTest::newRow("the last of a full table") << 64 << 1000 << "gpu63";
 }
 
-void TestDeviceFrame::setCurrentGpu()
+void TestDeviceStart::setCurrentGpu()
 {
     QFETCH(int, cards);
     QFETCH(qint32, index);
@@ -238,7 +252,7 @@ void TestDeviceFrame::setCurrentGpu()
     QCOMPARE(driver.calls(), QStringList{"GPU_GetFullName " + addressed});
 }
 
-void TestDeviceFrame::anyIndexIsSafeWithoutCards()
+void TestDeviceStart::anyIndexIsSafeWithoutCards()
 {
     FakeDriver driver;
     driver.cards.clear();
@@ -258,7 +272,7 @@ void TestDeviceFrame::anyIndexIsSafeWithoutCards()
     QCOMPARE(gpu.getGpuName(), std::string("the second"));
 }
 
-void TestDeviceFrame::currentCardIsAddressed()
+void TestDeviceStart::currentCardIsAddressed()
 {
     FakeDriver driver;
     driver.cards.resize(3);
@@ -274,7 +288,7 @@ void TestDeviceFrame::currentCardIsAddressed()
     }
 }
 
-void TestDeviceFrame::tccCardsAreTold()
+void TestDeviceStart::tccCardsAreTold()
 {
     FakeDriver driver;
     driver.cards.resize(2);
@@ -285,7 +299,7 @@ void TestDeviceFrame::tccCardsAreTold()
     QCOMPARE(gpu.isTccGpu(nullptr), false);
 }
 
-void TestDeviceFrame::gpuName_data()
+void TestDeviceStart::gpuName_data()
 {
     QTest::addColumn<std::string>("told");
     QTest::addColumn<NvAPI_Status>("status");
@@ -296,7 +310,7 @@ void TestDeviceFrame::gpuName_data()
     QTest::newRow("63 characters") << std::string(63, 'x') << 0 << std::string(63, 'x');
 }
 
-void TestDeviceFrame::gpuName()
+void TestDeviceStart::gpuName()
 {
     QFETCH(std::string, told);
     QFETCH(NvAPI_Status, status);
@@ -315,7 +329,7 @@ void TestDeviceFrame::gpuName()
     QCOMPARE(unended, std::string(unended.size(), 'y'));
 }
 
-void TestDeviceFrame::pciIdentifiers()
+void TestDeviceStart::pciIdentifiers()
 {
     FakeDriver driver;
     driver.card().deviceId = 0xFFFFFFFF;
@@ -328,7 +342,7 @@ void TestDeviceFrame::pciIdentifiers()
     QCOMPARE(ids.extDeviceId, 0x1B82u);
 }
 
-void TestDeviceFrame::pciIdentifiersAreZeroedOnFailure()
+void TestDeviceStart::pciIdentifiersAreZeroedOnFailure()
 {
     FakeDriver driver;
     NvGpuControl gpu;
@@ -344,7 +358,7 @@ void TestDeviceFrame::pciIdentifiersAreZeroedOnFailure()
     QCOMPARE(ids.deviceId | ids.subSystemId | ids.revisionId | ids.extDeviceId, 0u);
 }
 
-void TestDeviceFrame::withoutCardNoRecordCallIsMade()
+void TestDeviceStart::withoutCardNoRecordCallIsMade()
 {
     FakeDriver driver;
     driver.cards.clear();
@@ -402,7 +416,7 @@ void TestDeviceFrame::withoutCardNoRecordCallIsMade()
         QVERIFY2(line.startsWith("GPU_GetRamType null"), qPrintable(line));
 }
 
-void TestDeviceFrame::instancesShareTheLibrary()
+void TestDeviceStart::instancesShareTheLibrary()
 {
     FakeDriver driver;
     NvGpuControl first;
@@ -416,7 +430,7 @@ void TestDeviceFrame::instancesShareTheLibrary()
     QCOMPARE(first.getGpuName(), std::string("GeForce GTX 1070 Ti"));
 }
 
-void TestDeviceFrame::failedStartDoesNotDisturbTheNext()
+void TestDeviceStart::failedStartDoesNotDisturbTheNext()
 {
     FakeDriver driver;
     driver.libraryExists = false;
@@ -443,5 +457,5 @@ void TestDeviceFrame::failedStartDoesNotDisturbTheNext()
     QCOMPARE(gpu.getGpuName(), std::string("GeForce GTX 1070 Ti"));
 }
 
-QTEST_APPLESS_MAIN(TestDeviceFrame)
-#include "TestDeviceFrame.moc"
+QTEST_APPLESS_MAIN(TestDeviceStart)
+#include "TestDeviceStart.moc"

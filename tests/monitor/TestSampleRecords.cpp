@@ -216,4 +216,4 @@ void TestSampleRecords::boardSensors()
 }
 
 QTEST_APPLESS_MAIN(TestSampleRecords)
-#include "tst_SampleRecords.moc"
+#include "TestSampleRecords.moc"
