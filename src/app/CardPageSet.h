@@ -3,6 +3,7 @@
 class NvGpuControl;
 class Ovryn_GpuInfoCircleBox;
 class Ovryn_NvCardInfoWidget;
+class Ovryn_OverClockingWidget;
 class Ovryn_SendNvCardInfoThread;
 class QWidget;
 
@@ -11,7 +12,7 @@ class QWidget;
 struct CardPageSet
 {
     Ovryn_NvCardInfoWidget *monitorPage = nullptr;
-    QWidget *adjustPage = nullptr;   ///< an empty place so far
+    Ovryn_OverClockingWidget *adjustPage = nullptr;
     QWidget *ledPage = nullptr;      ///< an empty place so far
     QWidget *lcdPage = nullptr;      ///< an empty place so far
     Ovryn_GpuInfoCircleBox *circleBox = nullptr;

@@ -7,6 +7,7 @@
 #include "monitor/Ovryn_GpuInfoCircleBox.h"
 #include "monitor/Ovryn_NvCardInfoWidget.h"
 #include "monitor/Ovryn_SendNvCardInfoThread.h"
+#include "overclock/Ovryn_OverClockingWidget.h"
 #include "ui/Ovryn_ComboBox.h"
 #include "ui/Ovryn_SettingParentWidget.h"
 #include "ui/RollStackWidget.h"
@@ -143,7 +144,7 @@ void OvrynDeck2::buildCardPages(const GpuCardInfo &card)
     pages.ledPage = new EmptyPage(this);
     pages.lcdPage = new EmptyPage(this);
     pages.monitorPage = newMonitorPage(card, pages.gpuControl);
-    pages.adjustPage = new EmptyPage(this);
+    pages.adjustPage = newAdjustPage(card, pages.gpuControl);
     pages.boardInfoPage = new EmptyPage(this);
     pages.circleBox = new Ovryn_GpuInfoCircleBox(this);
     applyPageEffects(card, pages.circleBox);
@@ -154,8 +155,9 @@ void OvrynDeck2::buildCardPages(const GpuCardInfo &card)
     connectCardPages(pages);
     pages.infoWorker->startSampling();
 
-    for (QWidget *page : {static_cast<QWidget *>(pages.monitorPage), pages.adjustPage, pages.ledPage, pages.lcdPage,
-                          pages.fixedInfoPage, pages.boardInfoPage})
+    const QList<QWidget *> rollingPages = {pages.monitorPage, pages.adjustPage,    pages.ledPage,
+                                           pages.lcdPage,     pages.fixedInfoPage, pages.boardInfoPage};
+    for (QWidget *page : rollingPages)
         pageStack->addWidget(page);
     circleStack->addWidget(pages.circleBox);
     circleStack->addWidget(pages.colorPalette);
@@ -166,6 +168,11 @@ void OvrynDeck2::buildCardPages(const GpuCardInfo &card)
 
 void OvrynDeck2::connectCardPages(const CardPageSet &pages)
 {
+    connect(pages.adjustPage, SIGNAL(adjustChanged(QString, QString, int)), pages.circleBox,
+            SLOT(setAdjustInfo(QString, QString, int)));
+    connect(pages.adjustPage, SIGNAL(closeDisplayAdjustInfo()), pages.circleBox, SLOT(closeDisplayInfo()));
+    connect(pages.adjustPage, SIGNAL(highPerformanceModeChanged(bool)), this,
+            SLOT(onHighPerformanceModeChanged(bool)));
     connect(pages.infoWorker, SIGNAL(sendNvCardInfo(NvCardBaseInfo)), pages.monitorPage,
             SLOT(recvNvCardInfo(NvCardBaseInfo)));
     connect(pages.infoWorker, SIGNAL(sendNvCardInfo(NvCardBaseInfo)), pages.circleBox,
@@ -179,6 +186,14 @@ Ovryn_NvCardInfoWidget *OvrynDeck2::newMonitorPage(const GpuCardInfo &card, NvGp
         configFile.getMonitorModule(card.gpuName, card.subSystemId, selectOption))
         return new Ovryn_NvCardInfoWidget(selectOption, control, this);
     return new Ovryn_NvCardInfoWidget(control, this);
+}
+
+Ovryn_OverClockingWidget *OvrynDeck2::newAdjustPage(const GpuCardInfo &card, NvGpuControl *control)
+{
+    AdjustModuleInfo saved;
+    if (generalSetting.ApplyLastParamOnStart && configFile.getAdjustModule(card.gpuName, card.subSystemId, saved))
+        return new Ovryn_OverClockingWidget(saved, control, this);
+    return new Ovryn_OverClockingWidget(control, this);
 }
 
 const GpuCardInfo *OvrynDeck2::shownCardInfo() const
@@ -199,7 +214,7 @@ void OvrynDeck2::showCard(int index)
         return;
     assignSlotButtons(*card);
     btnHighPerformance->setVisible(offersHighPerformance(*card));
-    btnHighPerformance->setChecked(false); // no page holds the mode yet
+    btnHighPerformance->setChecked(shownPages()->adjustPage->isHighPerformance());
 }
 
 void OvrynDeck2::assignSlotButtons(const GpuCardInfo &card)

@@ -15,6 +15,7 @@
 
 class Ovryn_BackgroundEffects;
 class Ovryn_ComboBox;
+class Ovryn_OverClockingWidget;
 class Ovryn_SettingParentWidget;
 class QAction;
 class QMenu;
@@ -102,6 +103,7 @@ private:
     void buildCardPages(const GpuCardInfo &card);
     void connectCardPages(const CardPageSet &pages);
     [[nodiscard]] Ovryn_NvCardInfoWidget *newMonitorPage(const GpuCardInfo &card, NvGpuControl *control);
+    [[nodiscard]] Ovryn_OverClockingWidget *newAdjustPage(const GpuCardInfo &card, NvGpuControl *control);
 
     // the card shown
     void showCard(int index);

@@ -3,6 +3,7 @@
 #include "monitor/Ovryn_BackgroundEffects.h"
 #include "monitor/Ovryn_GpuInfoCircleBox.h"
 #include "monitor/Ovryn_NvCardInfoWidget.h"
+#include "overclock/Ovryn_OverClockingWidget.h"
 #include "ui/Ovryn_MessageBox.h"
 #include "ui/Ovryn_MessageBox1.h"
 #include "ui/Ovryn_SettingParentWidget.h"
@@ -155,9 +156,13 @@ void OvrynDeck2::selectPage()
     circleStack->setCurrentWidget(beside);
 }
 
-void OvrynDeck2::onBtnHighPerformanceClicked(bool)
+void OvrynDeck2::onBtnHighPerformanceClicked(bool checked)
 {
-    btnHighPerformance->setChecked(false); // nothing holds the mode yet, so the switch falls back
+    const CardPageSet *pages = shownPages();
+    if (!pages || checked == pages->adjustPage->isHighPerformance())
+        return;
+    pages->adjustPage->setHighPerformance(checked);
+    btnHighPerformance->setChecked(pages->adjustPage->isHighPerformance()); // back where the card refused
 }
 
 void OvrynDeck2::onHighPerformanceModeChanged(bool bEnable)

@@ -4,6 +4,7 @@
 #include "monitor/Ovryn_GpuInfoCircleBox.h"
 #include "monitor/Ovryn_NvCardInfoWidget.h"
 #include "monitor/Ovryn_SendNvCardInfoThread.h"
+#include "overclock/Ovryn_OverClockingWidget.h"
 #include "ui/Ovryn_MessageBox.h"
 #include "ui/Ovryn_SettingParentWidget.h"
 
@@ -89,6 +90,9 @@ void OvrynDeck2::closeEvent(QCloseEvent *event)
     configFile.setUpdateSetting(updateSetting);
     for (int i = 0; i < cardPageSets.size(); ++i) {
         const GpuCardInfo &card = cardInfos.at(i);
+        AdjustModuleInfo adjust;
+        cardPageSets.at(i).adjustPage->getParameter(adjust);
+        configFile.setAdjustModule(card.gpuName, card.subSystemId, adjust);
         int selectOption = 0;
         cardPageSets.at(i).monitorPage->getSelectOption(&selectOption);
         configFile.setMonitorModule(card.gpuName, card.subSystemId, quint32(selectOption));
@@ -160,6 +164,7 @@ void OvrynDeck2::applyLanguage()
 void OvrynDeck2::handWordsTo(const CardPageSet &pages)
 {
     pages.monitorPage->setLanguage(languageTable.monitor, languageTable.language());
+    pages.adjustPage->setLanguage(languageTable.overClock, languageTable.language());
     pages.circleBox->setLanguage(languageTable.breathCircle, languageTable.language());
 }
 

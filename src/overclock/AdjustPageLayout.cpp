@@ -1,0 +1,67 @@
+#include "overclock/AdjustPageLayout.h"
+
+#include <QPolygonF>
+
+namespace
+{
+
+constexpr int kEdge = 3;           // rows and editor stand off the outline
+constexpr int kFanButtonDrop = 10; // below the fan row's top
+constexpr int kFanButtonGap = 5;
+constexpr int kLinkBoxSize = 26;
+constexpr int kFrameInset = 2;
+
+int cut(double value)
+{
+    return static_cast<int>(value);
+}
+
+} // namespace
+
+AdjustPageLayout adjustPageLayoutFor(QSize page)
+{
+    const int width = page.width();
+    const int height = page.height();
+    constexpr double fraction = AdjustPageLayout::frameFraction;
+    const double footHeight = (1 - fraction) * height;
+
+    AdjustPageLayout rects;
+    rects.rowHeight = cut((height - footHeight * 1.5) / AdjustPageLayout::rowCount);
+    const int rowHeight = rects.rowHeight;
+    for (int row = 0; row < AdjustPageLayout::rowCount; ++row)
+        rects.rows[static_cast<std::size_t>(row)] = QRect(kEdge, row * rowHeight, width, rowHeight);
+    rects.editor = QRect(kEdge, kEdge, width - 2 * kEdge, width - 2 * kEdge);
+
+    const int gap = width / 20;
+    const int buttonWidth = (width - 2 * gap) / 5;
+    const int buttonHeight = cut(footHeight * 0.5);
+    const int buttonTop = cut(fraction * height + footHeight * 0.25);
+    rects.applyButton = QRect(buttonWidth, buttonTop, buttonWidth, buttonHeight);
+    rects.cancelButton = QRect(buttonWidth * 2 + gap, buttonTop, buttonWidth, buttonHeight);
+    rects.defaultButton = QRect(buttonWidth * 3 + gap * 2, buttonTop, buttonWidth, buttonHeight);
+
+    const int fanWidth = width / 8;
+    const int small = rowHeight / 3;
+    const int fanTop = rowHeight + kFanButtonDrop;
+    rects.autoButton = QRect(width - 4 * fanWidth - small, fanTop, fanWidth, small);
+    rects.manualButton = QRect(width + kFanButtonGap - 3 * fanWidth - small, fanTop, fanWidth, small);
+    rects.userDefinedButton = QRect(width + 2 * kFanButtonGap - 2 * fanWidth - small, fanTop, fanWidth, small);
+    rects.configButton = QRect(width + 3 * kFanButtonGap - small - fanWidth, fanTop, small, small);
+
+    rects.linkBox = QRect(width / 7 * 4, 5 * rowHeight, kLinkBoxSize, kLinkBoxSize);
+    return rects;
+}
+
+QPainterPath adjustFramePath(QSize page)
+{
+    const double width = page.width();
+    const double height = page.height();
+    constexpr double fraction = AdjustPageLayout::frameFraction;
+
+    QPainterPath rectangle;
+    rectangle.addRect(kFrameInset, kFrameInset, width - 3, height - 3);
+    QPainterPath corner;
+    corner.addPolygon(QPolygonF({{fraction * width, height}, {width, height}, {width, fraction * height}}));
+    corner.closeSubpath();
+    return rectangle.subtracted(corner);
+}

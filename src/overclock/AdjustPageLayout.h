@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QPainterPath>
+#include <QRect>
+#include <QSize>
+
+#include <array>
+
+/// Where everything of the adjust page lies, in page pixels. Integer divisions and floating results truncate.
+struct AdjustPageLayout
+{
+    static constexpr qint32 rowCount = 6;
+    static constexpr double frameFraction =
+        0.9;                                  ///< part of the width and the height left of and above the cut corner
+    static constexpr double frameWidth = 3.0; ///< pixels of the outline
+
+    qint32 rowHeight = 0;
+    std::array<QRect, rowCount> rows;
+    QRect editor; ///< of the fan curve; as high as the page is wide
+    QRect applyButton;
+    QRect cancelButton;
+    QRect defaultButton;
+    QRect autoButton;
+    QRect manualButton;
+    QRect userDefinedButton;
+    QRect configButton; ///< opens the fan curve
+    QRect linkBox;
+};
+
+[[nodiscard]] AdjustPageLayout adjustPageLayoutFor(QSize page);
+
+/// The page's glass: a rectangle with the bottom right corner cut off.
+[[nodiscard]] QPainterPath adjustFramePath(QSize page);

@@ -1,0 +1,87 @@
+#include "overclock/AdjustPageStyle.h"
+
+#include <QPainter>
+#include <QPixmap>
+#include <QPolygonF>
+
+namespace
+{
+
+// Two nodes between the corners, in parts of the icon's side from the top left.
+const QPolygonF kCurve({{0.0, 1.0}, {0.35, 0.7}, {0.65, 0.25}, {1.0, 0.0}});
+constexpr double kLineWidth = 1.5;
+constexpr double kNodeRadius = 1.6;
+
+QPixmap curvePixmap(int size, const QColor &line, const QColor &node)
+{
+    QPixmap pixmap(size, size);
+    pixmap.fill(Qt::transparent);
+    if (pixmap.isNull())
+        return pixmap;
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QPolygonF curve;
+    for (const QPointF &point : kCurve)
+        curve << QPointF(kNodeRadius, kNodeRadius) + point * (size - 2 * kNodeRadius);
+    painter.setPen(QPen(line, kLineWidth));
+    painter.drawPolyline(curve);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(node);
+    for (int index = 1; index + 1 < curve.size(); ++index)
+        painter.drawEllipse(curve.at(index), kNodeRadius, kNodeRadius);
+    return pixmap;
+}
+
+} // namespace
+
+QString AdjustPageStyle::numberBoxes()
+{
+    return QStringLiteral("ModifySpinBox{border:1px solid rgba(252,10,53,130);background-color:rgba(0,0,0,120);"
+                          "color:rgb(238,238,238);padding-left:4px;"
+                          "selection-background-color:rgb(236,9,40);selection-color:white;}"
+                          "ModifySpinBox:focus{border:1px solid rgb(252,10,53);}"
+                          "ModifySpinBox:disabled{border:1px solid rgba(140,140,140,90);"
+                          "background-color:rgba(0,0,0,60);color:rgb(120,120,120);}");
+}
+
+QString AdjustPageStyle::actionButton()
+{
+    return QStringLiteral("QPushButton{border:1px solid rgba(252,10,53,150);background-color:rgba(252,10,53,80);"
+                          "color:rgb(230,230,230);padding:0px;outline:none;}"
+                          "QPushButton:hover{border:1px solid rgba(252,10,53,220);"
+                          "background-color:rgba(252,10,53,150);color:white;}"
+                          "QPushButton:pressed{border:1px solid rgba(252,10,53,255);"
+                          "background-color:rgba(252,10,53,110);}");
+}
+
+QString AdjustPageStyle::fanButton()
+{
+    return QStringLiteral("QPushButton{border:1px solid rgba(252,10,53,130);background-color:rgba(0,0,0,110);"
+                          "color:rgb(190,190,190);padding:0px;outline:none;}"
+                          "QPushButton:hover{border:1px solid rgba(252,10,53,220);"
+                          "background-color:rgba(252,10,53,70);color:white;}"
+                          "QPushButton:pressed{background-color:rgba(252,10,53,110);}"
+                          "QPushButton:checked{border:1px solid rgba(252,10,53,255);"
+                          "background-color:rgba(252,10,53,170);color:white;}"
+                          "QPushButton:disabled{border:1px solid rgba(140,140,140,90);"
+                          "background-color:rgba(0,0,0,60);color:rgb(120,120,120);}"
+                          "QPushButton:checked:disabled{background-color:rgba(140,140,140,60);}");
+}
+
+QString AdjustPageStyle::linkBox()
+{
+    return QStringLiteral("QCheckBox{spacing:0px;padding-left:6px;outline:none;}"
+                          "QCheckBox::indicator{width:14px;height:14px;}"
+                          "QCheckBox::indicator:unchecked{image:url(:/images/images/checkbox/check_off.png);}"
+                          "QCheckBox::indicator:unchecked:hover{"
+                          "image:url(:/images/images/checkbox/check_hover.png);}"
+                          "QCheckBox::indicator:checked{image:url(:/images/images/checkbox/check_on.png);}");
+}
+
+QIcon AdjustPageStyle::curveIcon(int size)
+{
+    QIcon icon;
+    icon.addPixmap(curvePixmap(size, QColor(252, 10, 53), Qt::white), QIcon::Normal);
+    icon.addPixmap(curvePixmap(size, QColor(120, 120, 120), QColor(150, 150, 150)), QIcon::Disabled);
+    return icon;
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "overclock/OverClockingParam.h"
+#include "ui/Ovryn_LanguageTable.h"
+
+#include <array>
+
+/// The rows of the adjust page from top to bottom.
+enum AdjustRowIndex
+{
+    RowGpuClock,
+    RowFan,
+    RowVoltage,
+    RowMemoryClock,
+    RowPower,
+    RowTemperature,
+    AdjustRowCount,
+};
+
+/// What a row's slider runs over, in the row's unit. A driver may tell a minimum above the maximum.
+struct AdjustRange
+{
+    qint32 minimum = 0;
+    qint32 maximum = 0;
+};
+
+/// What one row shows and edits of a snapshot.
+struct AdjustRow
+{
+    const char *objectName;
+    QString Lang_OverClock::*caption;
+    qint32 &(*value)(OverClockingParam &param);
+    AdjustRange (*range)(const OverClockingParam &param);
+    bool (*editable)(const OverClockingParam &param);
+};
+
+/// In the order of AdjustRowIndex.
+extern const std::array<AdjustRow, AdjustRowCount> kAdjustRows;
+
+/// A card with a fan of one fixed level can't be controlled.
+[[nodiscard]] bool isFanControllable(const OverClockingParam &param);

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "overclock/OverClockingParam.h"
+
+#include <vector>
+
+class NvGpuControl;
+
+/// One order to a card, in the units of NvGpuControl's operations.
+struct CardWrite
+{
+    enum Operation
+    {
+        CoolerLevel,       ///< `id` a cooler policy, `value` percent
+        GpuClockOffset,    ///< `value` MHz
+        MemoryClockOffset, ///< `value` MHz
+        ThermalLimit,      ///< `id` a thermal policy, `value` degrees Celsius
+        PowerLimit,        ///< `id` a power policy, `value` percent
+        VoltageOffset,     ///< `value` microvolts
+    };
+
+    Operation operation;
+    qint32 id; ///< 0 where the operation has none
+    qint32 value;
+};
+
+/// The orders that bring a card to a snapshot, in the order in which they must reach it: the fan first, and the
+/// voltage last. The user's fan curve gets no order here, its thread drives the fan.
+[[nodiscard]] std::vector<CardWrite> writesFor(const OverClockingParam &param);
+
+/// Gives one order. A refusal is not told: what the driver took shows when the card is read again.
+void send(const CardWrite &write, NvGpuControl &gpu);
+
+/// Everything of a card that a snapshot holds; the link and the fan mode are left at their defaults.
+[[nodiscard]] OverClockingParam readSnapshot(NvGpuControl &gpu);

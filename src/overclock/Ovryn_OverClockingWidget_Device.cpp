@@ -1,0 +1,169 @@
+#include "overclock/Ovryn_OverClockingWidget.h"
+
+#include "device/NvGpuControl.h"
+#include "overclock/CardWrites.h"
+#include "overclock/Ovryn_SetUserDefineFanSpeedThread.h"
+#include "overclock/Ovryn_SliderWidget.h"
+
+#include <QCheckBox>
+#include <QPushButton>
+#include <QSignalBlocker>
+#include <QThread>
+
+// The road between the snapshot, the widgets and the card, from start-up to the end.
+
+namespace
+{
+
+constexpr qint32 kCoolerPolicyManual = 1;
+
+/// Number in a settings file that stands for "never adjusted", like every negative one.
+bool isSaved(qint32 number)
+{
+    return number >= 0;
+}
+
+} // namespace
+
+void Ovryn_OverClockingWidget::startFromCard()
+{
+    current.fanMode = current.cooler.currentPolicy == kCoolerPolicyManual ? FanManual : FanAuto;
+    applied = current;
+    showParam(current);
+}
+
+void Ovryn_OverClockingWidget::startFromSaved(const AdjustModuleInfo &saved)
+{
+    if (saved.EnableHighPerformance) {
+        startInHighPerformance();
+        return;
+    }
+    const QSignalBlocker silent(LinkCheckBox);
+    LinkCheckBox->setChecked(saved.LinkOfPowerWithTemperature);
+    current.linkOfPowerWithTemperature = saved.LinkOfPowerWithTemperature;
+    current.fanMode = saved.FanMode;
+    nodes = saved.Nodes;
+
+    const std::array<qint32, AdjustRowCount> numbers = {saved.GpuFreClock,    saved.FanSpeedLevel, saved.Voltage,
+                                                        saved.MemoryFreClock, saved.Power,         saved.Temperature};
+    for (std::size_t index = 0; index < numbers.size(); ++index) {
+        if (isSaved(numbers[index]))
+            kAdjustRows[index].value(current) = numbers[index];
+    }
+    applyParam();
+}
+
+Ovryn_OverClockingWidget::~Ovryn_OverClockingWidget()
+{
+    const bool fanFollowsCurve = current.fanMode == FanUserDefined;
+    delete fanThread; // first, or its next cycle would take the fan again
+    if (fanFollowsCurve && gpuControl)
+        gpuControl->setCoolerAuto();
+}
+
+void Ovryn_OverClockingWidget::getParameter(AdjustModuleInfo &out) const
+{
+    out.FanMode = current.fanMode;
+    out.Nodes = nodes;
+    out.LinkOfPowerWithTemperature = current.linkOfPowerWithTemperature;
+    out.GpuFreClock = current.clocks.gpuClock;
+    out.MemoryFreClock = current.clocks.memoryClock;
+    out.FanSpeedLevel = current.cooler.currentLevel;
+    out.Power = current.power.currentPower;
+    out.Temperature = current.thermal.currentTemp;
+    out.Voltage = current.voltage.currentVoltage;
+    out.EnableHighPerformance = highPerformance;
+}
+
+void Ovryn_OverClockingWidget::readDevice()
+{
+    if (!gpuControl)
+        return;
+    OverClockingParam read = readSnapshot(*gpuControl);
+    read.linkOfPowerWithTemperature = current.linkOfPowerWithTemperature;
+    read.fanMode = current.fanMode;
+    current = read;
+}
+
+void Ovryn_OverClockingWidget::showParam(OverClockingParam param)
+{
+    {
+        const QSignalBlocker silent(LinkCheckBox); // the rows come from the snapshot, not from the link
+        LinkCheckBox->setChecked(param.linkOfPowerWithTemperature);
+    }
+    for (AdjustRowIndex index : {RowGpuClock, RowMemoryClock, RowFan, RowTemperature, RowPower, RowVoltage}) {
+        const AdjustRow &row = kAdjustRows[index];
+        const AdjustRange range = row.range(param);
+        rows[index]->setRange(range.minimum, range.maximum);
+        rows[index]->setValue(row.value(param));
+        rows[index]->setEnabled(row.editable(param));
+    }
+
+    const bool controllable = isFanControllable(param);
+    if (!controllable || param.fanMode == FanAuto)
+        btnFanAuto->setChecked(true);
+    else if (param.fanMode == FanManual)
+        btnFanManual->setChecked(true);
+    else
+        btnFanUserDefined->setChecked(true);
+    for (QPushButton *button : {btnFanAuto, btnFanManual, btnFanUserDefined})
+        button->setEnabled(controllable);
+}
+
+void Ovryn_OverClockingWidget::readSliders()
+{
+    for (std::size_t index = 0; index < rows.size(); ++index)
+        kAdjustRows[index].value(current) = rows[index]->value();
+    current.linkOfPowerWithTemperature = LinkCheckBox->isChecked();
+    if (btnFanManual->isChecked())
+        current.fanMode = FanManual;
+    else if (btnFanUserDefined->isChecked())
+        current.fanMode = FanUserDefined;
+    else
+        current.fanMode = FanAuto;
+}
+
+void Ovryn_OverClockingWidget::applyParam()
+{
+    applyParam(current);
+}
+
+void Ovryn_OverClockingWidget::applyParam(OverClockingParam param)
+{
+    if (!gpuControl)
+        return;
+    if (param.fanMode == FanAuto || param.fanMode == FanManual) {
+        stopFanThread();
+    } else {
+        fanThread->setTemperatureToFanSpeedData(nodes);
+        fanThread->startWork();
+    }
+    for (const CardWrite &write : writesFor(param))
+        send(write, *gpuControl);
+    QThread::msleep(timings.settleMs);
+
+    readDevice();
+    showParam(current);
+    applied = current;
+}
+
+void Ovryn_OverClockingWidget::stopFanThread()
+{
+    fanThread->stopWork();
+    fanThread->wait();
+}
+
+void Ovryn_OverClockingWidget::restoreDefaults()
+{
+    stopFanThread();
+    gpuControl->restoreDefaults();
+    QThread::msleep(timings.settleMs);
+
+    current.fanMode = FanAuto;
+    current.linkOfPowerWithTemperature = false;
+    readDevice();
+    showParam(current);
+    applied = current;
+    hideApplyAndCancel();
+    endHighPerformance();
+}

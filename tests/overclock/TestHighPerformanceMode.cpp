@@ -1,0 +1,342 @@
+#include "overclock/AdjustPageWorld.h"
+#include "support/ModalAnswer.h"
+
+#include <QtTest>
+
+#include <functional>
+
+using Arrange = std::function<void(AdjustPageWorld &)>;
+Q_DECLARE_METATYPE(Arrange)
+
+namespace
+{
+
+const QString kFanAutoCall = "GPU_SetCoolerLevels gpu0 cooler=7 0x100A4 [4]=33 [8]=32";
+const QString kFanManualCall = "GPU_SetCoolerLevels gpu0 cooler=7 0x100A4 [4]=33 [8]=1";
+const QString kFanHandedBack = "GPU_SetCoolerLevels gpu0 cooler=7 0x100A4 [8]=32";
+const QList<QPoint> kCurve{{0, 0}, {52, 77}, {100, 100}}; // the card is at 52 degrees
+const QString kCurveCall = "GPU_SetCoolerLevels gpu0 cooler=7 0x100A4 [4]=77 [8]=1";
+
+/// The healthy card's orders of the preset: 1733 less 1607 MHz, 83 degrees, 120 percent.
+QStringList presetOrders(int gpuKHz = 126000)
+{
+    return QStringList{kFanAutoCall} + settingCalls(gpuKHz, 0, 83 * 256, 120000, 0);
+}
+
+/// Back to the healthy card as it stands, with its manual fan.
+QStringList orderBack()
+{
+    return QStringList{kFanManualCall} + settingCalls(0, 0, 80 * 256, 110000, 0);
+}
+
+AdjustModuleInfo savedMode()
+{
+    AdjustModuleInfo saved;
+    saved.EnableHighPerformance = true;
+    saved.GpuFreClock = 1800;
+    saved.FanSpeedLevel = 60;
+    saved.Voltage = 1072;
+    saved.MemoryFreClock = 4106;
+    saved.Power = 115;
+    saved.Temperature = 85;
+    saved.FanMode = FanUserDefined;
+    saved.Nodes = kCurve;
+    saved.LinkOfPowerWithTemperature = true;
+    return saved;
+}
+
+} // namespace
+
+/// The factory overclock: who may have it, what it asks of the card, how it ends, and what a restart makes of it.
+class TestHighPerformanceMode : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void eligibility_data();
+    void eligibility();
+    void onAndOff();
+    void onTwice();
+    void offWhenNotOn();
+    void endsByTheCardsLoss();
+    void endsByApply();
+    void endsByDefault();
+    void cancelKeepsIt();
+    void curveApplyKeepsIt();
+    void fromTheUsersCurve();
+    void dropsEditsThatWereNotApplied();
+    void start_data();
+    void start();
+    void startThenOff();
+    void startOnALostCard();
+    void withoutCard();
+};
+
+void TestHighPerformanceMode::eligibility_data()
+{
+    QTest::addColumn<Arrange>("arrange");
+    QTest::addColumn<bool>("granted");
+    QTest::addColumn<QStringList>("writes");
+
+    const auto row = [](const char *name, const QStringList &writes, const Arrange &arrange) {
+        QTest::newRow(name) << arrange << !writes.isEmpty() << writes;
+    };
+    const auto board = [](quint32 id) {
+        return [id](AdjustPageWorld &w) {
+            w.card().subSystemId = id;
+        };
+    };
+    row("0x111E", presetOrders(152000), board(0x111E7377));
+    row("0x111D", presetOrders(126000), board(0x111D7377));
+    row("0x11DC", presetOrders(101000), board(0x11DC7377));
+    row("0x112B", presetOrders(76000), board(0x112B7377));
+    row("0x1118 shows the switch and is not in the table", {}, board(0x11187377));
+    row("board of the table, other maker", {}, board(0x111D7378));
+    row("other model", {}, [](AdjustPageWorld &w) { w.card().fullName = "GeForce GTX 1070"; });
+    row("name can't be read", {}, [](AdjustPageWorld &w) { w.driver.fails("NvAPI_GPU_GetFullName", NVAPI_ERROR); });
+    row("identifiers can't be read", {},
+        [](AdjustPageWorld &w) { w.driver.fails("NvAPI_GPU_GetPCIIdentifiers", NVAPI_ERROR); });
+    row("offset beyond the card's range is cut", presetOrders(100000),
+        [](AdjustPageWorld &w) { w.card().p0Clock(0).freqDelta_kHz.valueRange.max = 100000; });
+}
+
+void TestHighPerformanceMode::eligibility()
+{
+    QFETCH(Arrange, arrange);
+    QFETCH(bool, granted);
+    QFETCH(QStringList, writes);
+    AdjustPageWorld world;
+    arrange(world);
+    world.open();
+    QSignalSpy modeSpy(world.page.get(), SIGNAL(highPerformanceModeChanged(bool)));
+    world.driver.forgetCalls();
+    QCOMPARE(world.page->setHighPerformance(true), granted);
+    QCOMPARE(world.page->isHighPerformance(), granted);
+    QCOMPARE(told(modeSpy), QList<bool>{granted});
+    QCOMPARE(world.writes(), writes);
+    QCOMPARE(world.parameters().EnableHighPerformance, granted);
+}
+
+void TestHighPerformanceMode::onAndOff()
+{
+    AdjustPageWorld world;
+    world.open();
+    QSignalSpy modeSpy(world.page.get(), SIGNAL(highPerformanceModeChanged(bool)));
+    QVERIFY(world.page->setHighPerformance(true));
+    QCOMPARE(world.fanMode(), QString("MAN")); // the page keeps its own mode
+    QCOMPARE(world.visibleButtons(), QStringList{"btnDefault"});
+
+    world.driver.forgetCalls();
+    QVERIFY(world.page->setHighPerformance(false));
+    QCOMPARE(world.writes(), orderBack());
+    QVERIFY(!world.page->isHighPerformance());
+    QCOMPARE(told(modeSpy), (QList<bool>{true, false}));
+    QCOMPARE(world.visibleButtons(), QStringList{"btnDefault"});
+}
+
+void TestHighPerformanceMode::onTwice()
+{
+    AdjustPageWorld world;
+    world.open();
+    QSignalSpy modeSpy(world.page.get(), SIGNAL(highPerformanceModeChanged(bool)));
+    QVERIFY(world.page->setHighPerformance(true));
+    world.driver.forgetCalls();
+    QVERIFY(world.page->setHighPerformance(true));
+    QCOMPARE(world.writes(), QStringList());
+    QCOMPARE(told(modeSpy), QList<bool>{true});
+}
+
+void TestHighPerformanceMode::offWhenNotOn()
+{
+    AdjustPageWorld world;
+    world.open();
+    QSignalSpy modeSpy(world.page.get(), SIGNAL(highPerformanceModeChanged(bool)));
+    world.driver.forgetCalls();
+    QVERIFY(world.page->setHighPerformance(false));
+    QCOMPARE(world.writes(), QStringList());
+    QCOMPARE(told(modeSpy), QList<bool>{false});
+}
+
+void TestHighPerformanceMode::endsByTheCardsLoss()
+{
+    AdjustPageWorld world;
+    world.open();
+    QVERIFY(world.page->setHighPerformance(true));
+    QSignalSpy modeSpy(world.page.get(), SIGNAL(highPerformanceModeChanged(bool)));
+    world.driver.fails("NvAPI_GPU_GetFullName", NVAPI_ERROR);
+    world.driver.forgetCalls();
+    QVERIFY(!world.page->setHighPerformance(false));
+    QVERIFY(!world.page->isHighPerformance());
+    QCOMPARE(told(modeSpy), QList<bool>{false});
+    QCOMPARE(world.writes(), QStringList());
+}
+
+void TestHighPerformanceMode::endsByApply()
+{
+    AdjustPageWorld world;
+    world.open();
+    QVERIFY(world.page->setHighPerformance(true));
+    QSignalSpy modeSpy(world.page.get(), SIGNAL(highPerformanceModeChanged(bool)));
+    world.type(RowGpuClock, 1700);
+    ModalAnswer answers({"msgBoxYesBtn"});
+    world.driver.forgetCalls();
+    world.click("btnApply");
+    QCOMPARE(world.writes(), QStringList{kFanManualCall} + settingCalls(93000, 0, 80 * 256, 110000, 0));
+    QVERIFY(!world.page->isHighPerformance());
+    QCOMPARE(told(modeSpy), QList<bool>{false});
+
+    world.driver.forgetCalls();
+    QVERIFY(world.page->setHighPerformance(false)); // nothing is left to go back to
+    QCOMPARE(world.writes(), QStringList());
+}
+
+void TestHighPerformanceMode::endsByDefault()
+{
+    AdjustPageWorld world;
+    world.open();
+    QVERIFY(world.page->setHighPerformance(true));
+    QSignalSpy modeSpy(world.page.get(), SIGNAL(highPerformanceModeChanged(bool)));
+    world.click("btnDefault");
+    QVERIFY(!world.page->isHighPerformance());
+    QCOMPARE(told(modeSpy), QList<bool>{false});
+}
+
+void TestHighPerformanceMode::cancelKeepsIt()
+{
+    AdjustPageWorld world;
+    world.open();
+    QVERIFY(world.page->setHighPerformance(true));
+    QSignalSpy modeSpy(world.page.get(), SIGNAL(highPerformanceModeChanged(bool)));
+    world.type(RowGpuClock, 1700);
+    world.click("btnCancel");
+    QVERIFY(world.page->isHighPerformance());
+    QCOMPARE(modeSpy.count(), 0);
+}
+
+void TestHighPerformanceMode::curveApplyKeepsIt()
+{
+    AdjustPageWorld world;
+    world.open();
+    QVERIFY(world.page->setHighPerformance(true));
+    world.click("btnUserDefineConfig");
+    ModalAnswer answers({"msgBoxYesBtn"});
+    world.click("btnApply");
+    QCOMPARE(answers.problems(), QStringList());
+    QVERIFY(world.page->isHighPerformance());
+}
+
+void TestHighPerformanceMode::fromTheUsersCurve()
+{
+    AdjustModuleInfo saved;
+    saved.FanMode = FanUserDefined;
+    saved.Nodes = kCurve;
+    saved.LinkOfPowerWithTemperature = true;
+    AdjustPageWorld world;
+    world.open(saved);
+    QTRY_VERIFY(world.fanWrites().contains(kCurveCall));
+
+    world.driver.forgetCalls();
+    QVERIFY(world.page->setHighPerformance(true));
+    // The worker is over before the driver gets the fan, and stays so.
+    QCOMPARE(world.fanWrites().last(), kFanAutoCall);
+    QCOMPARE(world.writesBesideFan(), settingCalls(126000, 0, 83 * 256, 120000, 0));
+    // The page's own mode and link stay, and are saved so.
+    QCOMPARE(world.fanMode(), QString("UDF"));
+    QVERIFY(world.linkBox()->isChecked());
+    QCOMPARE(world.parameters().FanMode, 2);
+    QVERIFY(world.parameters().LinkOfPowerWithTemperature);
+    QCOMPARE(world.parameters().Nodes, kCurve);
+
+    world.driver.forgetCalls();
+    QVERIFY(world.page->setHighPerformance(false));
+    QTRY_VERIFY(world.fanWrites().contains(kCurveCall));
+    QCOMPARE(world.distinctFanWrites(), QStringList{kCurveCall});
+
+    QVERIFY(world.page->setHighPerformance(true));
+    world.driver.forgetCalls();
+    world.page.reset(); // its mode is still the curve
+    QCOMPARE(world.writes(), QStringList{kFanHandedBack});
+}
+
+void TestHighPerformanceMode::dropsEditsThatWereNotApplied()
+{
+    AdjustPageWorld world;
+    world.open();
+    world.type(RowMemoryClock, 4300);
+    world.driver.forgetCalls();
+    QVERIFY(world.page->setHighPerformance(true));
+    QCOMPARE(world.writes(), presetOrders());
+    QCOMPARE(world.rowValues(), QVector<int>({1607, 33, 1062, 4006, 110, 80})); // this card keeps its values
+    QCOMPARE(world.visibleButtons(), QStringList{"btnDefault"});
+}
+
+void TestHighPerformanceMode::start_data()
+{
+    QTest::addColumn<int>("shows"); // how often the page was shown
+
+    QTest::newRow("first showing") << 1;
+    QTest::newRow("shown again") << 2;
+}
+
+void TestHighPerformanceMode::start()
+{
+    QFETCH(int, shows);
+    AdjustPageWorld world;
+    world.open(savedMode());
+    if (shows == 2) {
+        world.page->hide();
+        world.page->show();
+    }
+    QCOMPARE(world.writes(), presetOrders()); // no other saved number counts
+    QVERIFY(world.page->isHighPerformance());
+    QCOMPARE(world.rowValues(), QVector<int>({1607, 33, 1062, 4006, 110, 80}));
+    QCOMPARE(world.fanMode(), QString("AUT"));
+    QVERIFY(!world.linkBox()->isChecked());
+    QCOMPARE(world.visibleButtons(), QStringList{"btnDefault"});
+    QVERIFY(world.parameters().EnableHighPerformance);
+    QCOMPARE(world.parameters().FanMode, 0);
+    QCOMPARE(world.parameters().Nodes, QList<QPoint>());
+}
+
+void TestHighPerformanceMode::startThenOff()
+{
+    AdjustPageWorld world;
+    world.open(savedMode());
+    world.driver.forgetCalls();
+    QVERIFY(world.page->setHighPerformance(false));
+    // To the card's defaults: what stood before the mode isn't known any more.
+    QCOMPARE(world.writes(), QStringList{kFanAutoCall} + settingCalls(0, 0, 83 * 256, 100000, 0));
+}
+
+void TestHighPerformanceMode::startOnALostCard()
+{
+    AdjustPageWorld world;
+    world.card().subSystemId = 0x11187377;
+    world.open(savedMode());
+    QCOMPARE(world.writes(), QStringList());
+    QVERIFY(!world.page->isHighPerformance());
+    // Nothing was applied, and the showing goes back to just that.
+    QCOMPARE(world.rowValues(), QVector<int>(6, 0));
+    QCOMPARE(world.visibleButtons(), QStringList{"btnDefault"});
+    QCOMPARE(world.parameters().GpuFreClock, 0);
+
+    world.click("btnDefault");
+    QCOMPARE(world.rowValues(), QVector<int>({1607, 33, 1062, 4006, 110, 80}));
+    world.page->hide();
+    world.page->show();
+    QCOMPARE(world.rowValues(), QVector<int>({1607, 33, 1062, 4006, 110, 80}));
+}
+
+void TestHighPerformanceMode::withoutCard()
+{
+    AdjustPageWorld world;
+    world.openWithoutCard();
+    QSignalSpy modeSpy(world.page.get(), SIGNAL(highPerformanceModeChanged(bool)));
+    QVERIFY(!world.page->setHighPerformance(true));
+    QVERIFY(!world.page->setHighPerformance(false));
+    QCOMPARE(told(modeSpy), (QList<bool>{false, false}));
+    QCOMPARE(world.driver.calls(), QStringList());
+}
+
+QTEST_MAIN(TestHighPerformanceMode)
+#include "TestHighPerformanceMode.moc"

@@ -1,0 +1,548 @@
+#include "overclock/AdjustPageWorld.h"
+#include "overclock/Ovryn_UserDefineFanSpeed.h"
+#include "support/ConnectWarnings.h"
+#include "support/ModalAnswer.h"
+#include "ui/Fonts.h"
+
+#include <QDialog>
+#include <QStyleFactory>
+#include <QtTest>
+
+#include <functional>
+
+using Arrange = std::function<void(AdjustPageWorld &)>;
+Q_DECLARE_METATYPE(Arrange)
+
+namespace
+{
+
+const QStringList kAllButtons{"btnApply", "btnCancel", "btnDefault"};
+const QList<QPoint> kDefaultCurve{{0, 0}, {30, 20}, {50, 50}, {80, 90}, {100, 100}};
+const QList<QPoint> kCurve{{0, 0}, {40, 40}, {100, 100}};
+
+/// The eleven widgets of the rows' face.
+QWidgetList rowFace(const AdjustPageWorld &world)
+{
+    QWidgetList widgets{world.linkBox()};
+    for (int index = 0; index < AdjustRowCount; ++index)
+        widgets << world.row(static_cast<AdjustRowIndex>(index));
+    for (const char *name : {"btnFanAuto", "btnFanManual", "btnFanUserDefined", "btnUserDefineConfig"})
+        widgets << world.button(name);
+    return widgets;
+}
+
+Ovryn_UserDefineFanSpeed *editorOf(const AdjustPageWorld &world)
+{
+    return world.find<Ovryn_UserDefineFanSpeed>("fanCurveEditor");
+}
+
+void showsRows(const AdjustPageWorld &world)
+{
+    QVERIFY(!editorOf(world)->isVisible());
+    for (const QWidget *widget : rowFace(world))
+        QVERIFY2(widget->isVisible(), qPrintable(widget->objectName()));
+}
+
+void showsCurve(const AdjustPageWorld &world)
+{
+    QVERIFY(editorOf(world)->isVisible());
+    for (const QWidget *widget : rowFace(world))
+        QVERIFY2(!widget->isVisible(), qPrintable(widget->objectName()));
+}
+
+/// Takes the middle node out of the curve that the editor shows, by a double click.
+void removeMiddleNode(const AdjustPageWorld &world)
+{
+    Ovryn_UserDefineFanSpeed *editor = editorOf(world);
+    const FanCurvePlot plot = FanCurvePlot::forSize(editor->size());
+    const QList<QPoint> points = editor->getPoints();
+    QTest::mouseDClick(editor, Qt::LeftButton, Qt::NoModifier, plot.pixelOf(points.at(points.size() / 2)));
+    QCOMPARE(editor->getPoints().size(), points.size() - 1);
+}
+
+AdjustModuleInfo savedCurve()
+{
+    AdjustModuleInfo saved;
+    saved.Nodes = kCurve;
+    return saved;
+}
+
+} // namespace
+
+/// The page as the user sees it: rows, buttons, the link of the two targets, the two faces, the language and the
+/// looks.
+class TestOverClockingPage : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void connections();
+    void whatIsEditable_data();
+    void whatIsEditable();
+    void fanThatCantBeControlled_data();
+    void fanThatCantBeControlled();
+    void link_data();
+    void link();
+    void linkToggle();
+    void drag();
+    void cancel();
+    void curveFace();
+    void cancelOnTheCurve();
+    void defaultOnTheCurve();
+    void hidingThePage();
+    void hidingTheCurve();
+    void backgroundClickEndsTheEdit();
+    void returnKeyPressesNoButton();
+    void unappliedChoicesAreNotSaved();
+    void language_data();
+    void language();
+    void geometry();
+    void frame();
+    void buttonsOverTheCurve();
+};
+
+void TestOverClockingPage::initTestCase()
+{
+    QApplication::setStyle(QStyleFactory::create("Fusion"));
+    substituteFontFamilies();
+    registerApplicationFonts();
+}
+
+void TestOverClockingPage::connections()
+{
+    ConnectWarnings warnings;
+    AdjustPageWorld world;
+    world.open();
+    QCOMPARE(warnings.list(), QStringList());
+}
+
+void TestOverClockingPage::whatIsEditable_data()
+{
+    QTest::addColumn<Arrange>("arrange");
+    QTest::addColumn<QVector<int>>("disabledRows");
+
+    const auto row = [](const char *name, const QVector<int> &disabled, const Arrange &arrange) {
+        QTest::newRow(name) << arrange << disabled;
+    };
+    row("everything", {}, [](AdjustPageWorld &) {});
+    row("no graphics offset", {RowGpuClock}, [](AdjustPageWorld &w) { w.card().p0Clock(0).bIsEditable = 0; });
+    row("no memory offset", {RowMemoryClock}, [](AdjustPageWorld &w) { w.card().p0Clock(1).bIsEditable = 0; });
+    row("no voltage", {RowVoltage}, [](AdjustPageWorld &w) { w.card().p0Voltage(0).bIsEditable = 0; });
+    row("no power policy", {RowPower}, [](AdjustPageWorld &w) { w.card().powerPolicies.valid = 0; });
+    row("no thermal policy", {RowTemperature}, [](AdjustPageWorld &w) { w.card().thermalPolicies.flags = 0; });
+    row("fan by the driver", {RowFan}, [](AdjustPageWorld &w) { w.card().coolers.cooler[0].currentPolicy = 0x20; });
+}
+
+void TestOverClockingPage::whatIsEditable()
+{
+    QFETCH(Arrange, arrange);
+    QFETCH(QVector<int>, disabledRows);
+    AdjustPageWorld world;
+    arrange(world);
+    world.open();
+    for (int index = 0; index < AdjustRowCount; ++index)
+        QCOMPARE(world.row(static_cast<AdjustRowIndex>(index))->isEnabled(), !disabledRows.contains(index));
+}
+
+void TestOverClockingPage::fanThatCantBeControlled_data()
+{
+    QTest::addColumn<int>("fanMode");
+
+    QTest::newRow("auto") << 0;
+    QTest::newRow("manual") << 1;
+    QTest::newRow("user-defined") << 2;
+}
+
+void TestOverClockingPage::fanThatCantBeControlled()
+{
+    QFETCH(int, fanMode);
+    AdjustModuleInfo saved;
+    saved.FanMode = fanMode;
+    AdjustPageWorld world;
+    world.card().coolers.cooler[0].defaultMin = world.card().coolers.cooler[0].defaultMax = 40;
+    world.open(saved);
+    QCOMPARE(world.fanMode(), QString("AUT"));
+    QVERIFY(!world.row(RowFan)->isEnabled());
+    for (const char *name : {"btnFanAuto", "btnFanManual", "btnFanUserDefined"})
+        QVERIFY2(!world.button(name)->isEnabled(), name);
+    QCOMPARE(world.parameters().FanMode, fanMode);
+}
+
+void TestOverClockingPage::link_data()
+{
+    QTest::addColumn<bool>("linked");
+    QTest::addColumn<Arrange>("move");
+    QTest::addColumn<int>("power");
+    QTest::addColumn<int>("temperature");
+
+    // The card: 50, 100, 120 percent and 60, 83, 90 degrees; at 110 percent and 80 degrees.
+    const auto row = [](const char *name, bool linked, int power, int temperature, const Arrange &move) {
+        QTest::newRow(name) << linked << move << power << temperature;
+    };
+    row("power to its default", true, 100, 83, [](AdjustPageWorld &w) { w.type(RowPower, 100); });
+    row("power to its maximum", true, 120, 90, [](AdjustPageWorld &w) { w.type(RowPower, 120); });
+    row("power to its minimum", true, 50, 60, [](AdjustPageWorld &w) { w.type(RowPower, 50); });
+    row("power above its default, fraction dropped", true, 105, 84,
+        [](AdjustPageWorld &w) { w.type(RowPower, 105); });
+    row("power below its default, fraction dropped", true, 75, 71, [](AdjustPageWorld &w) { w.type(RowPower, 75); });
+    row("temperature on the power's high side", true, 114, 88,
+        [](AdjustPageWorld &w) { w.type(RowTemperature, 88); });
+    row("temperature below its default leaves power on its side", true, 62, 70, [](AdjustPageWorld &w) {
+        w.type(RowPower, 101);
+        w.type(RowTemperature, 70); // 100 - 13 / 7 * 20
+    });
+    row("temperature above its default leaves power on its side", true, 115, 90, [](AdjustPageWorld &w) {
+        w.type(RowPower, 99);
+        w.type(RowTemperature, 90); // 100 + 7 / 23 * 50
+    });
+    row("another row leaves both", true, 110, 86, [](AdjustPageWorld &w) { w.type(RowGpuClock, 1700); });
+    row("unlinked power", false, 120, 80, [](AdjustPageWorld &w) { w.type(RowPower, 120); });
+    row("unlinked temperature", false, 110, 88, [](AdjustPageWorld &w) { w.type(RowTemperature, 88); });
+    row("power outside the policy's range", true, 55, 83, [](AdjustPageWorld &w) {
+        w.type(RowPower, 100);
+        w.card().powerPolicies.entries[0].minPower = 60000; // the row still goes down to 50
+        w.type(RowPower, 55);
+    });
+    row("thermal policy gone", true, 120, 86, [](AdjustPageWorld &w) {
+        w.driver.fails("NvAPI_GPU_ClientThermalPoliciesGetInfo", NVAPI_ERROR);
+        w.type(RowPower, 120);
+    });
+    row("power policy gone", true, 110, 88, [](AdjustPageWorld &w) {
+        w.driver.fails("NvAPI_GPU_ClientPowerPoliciesGetInfo", NVAPI_ERROR);
+        w.type(RowTemperature, 88);
+    });
+}
+
+void TestOverClockingPage::link()
+{
+    QFETCH(bool, linked);
+    QFETCH(Arrange, move);
+    AdjustPageWorld world;
+    world.open();
+    if (linked)
+        world.clickLink();
+    world.driver.forgetCalls();
+    move(world);
+    QTEST(world.row(RowPower)->value(), "power");
+    QTEST(world.row(RowTemperature)->value(), "temperature");
+    QCOMPARE(world.visibleButtons(), kAllButtons);
+    QCOMPARE(world.writes(), QStringList());
+}
+
+void TestOverClockingPage::linkToggle()
+{
+    AdjustPageWorld world;
+    world.open();
+    world.clickLink();
+    QVERIFY(world.linkBox()->isChecked());
+    QCOMPARE(world.row(RowTemperature)->value(), 86); // where 110 percent pulls it
+    QCOMPARE(world.visibleButtons(), kAllButtons);
+
+    world.page->hide();
+    world.page->show();
+    world.linkBox()->blockSignals(true); // linked, with a temperature that the link would change
+    world.linkBox()->setChecked(true);
+    world.linkBox()->blockSignals(false);
+    QCOMPARE(world.visibleButtons(), QStringList{"btnDefault"});
+    world.clickLink();
+    QVERIFY(!world.linkBox()->isChecked());
+    QCOMPARE(world.rowValues(), QVector<int>({1607, 33, 1062, 4006, 110, 80}));
+    QCOMPARE(world.visibleButtons(), kAllButtons);
+}
+
+void TestOverClockingPage::drag()
+{
+    AdjustPageWorld world;
+    world.open();
+    QSignalSpy changed(world.page.get(), SIGNAL(adjustChanged(QString, QString, int)));
+    QSignalSpy closed(world.page.get(), SIGNAL(closeDisplayAdjustInfo()));
+    const QVector<QPair<int, int>> drags = {{RowGpuClock, 1700},    {RowFan, 30},    {RowVoltage, 1000},
+                                            {RowMemoryClock, 4200}, {RowPower, 120}, {RowTemperature, 60}};
+    const QVector<int> baselines = {1607, 33, 1062, 4006, 110, 80};
+    for (const auto &step : drags) {
+        QSlider *slider = world.slider(static_cast<AdjustRowIndex>(step.first));
+        changed.clear();
+        closed.clear();
+        slider->setSliderDown(true);
+        slider->setSliderPosition(step.second);
+        const int baseline = baselines.at(step.first);
+        QCOMPARE(changed.size(), 1);
+        QCOMPARE(changed.at(0),
+                 (QVariantList{QString::number(baseline), QString::number(step.second), step.second - baseline}));
+        QCOMPARE(closed.size(), 0);
+        slider->setSliderDown(false);
+        QCOMPARE(closed.size(), 1);
+    }
+    // A second drag starts from what is in force, not from where the first one ended.
+    QSlider *slider = world.slider(RowGpuClock);
+    changed.clear();
+    slider->setSliderDown(true);
+    slider->setSliderPosition(1600);
+    QCOMPARE(changed.at(0), (QVariantList{"1607", "1600", -7}));
+    slider->setSliderDown(false);
+
+    Ovryn_SliderWidget foreign;
+    world.page->onSliderMoved(&foreign, 5);
+    QCOMPARE(changed.size(), 1);
+}
+
+void TestOverClockingPage::cancel()
+{
+    AdjustPageWorld world;
+    world.open();
+    world.clickLink();
+    world.type(RowGpuClock, 1800);
+    world.click("btnFanUserDefined");
+    world.driver.forgetCalls();
+    world.click("btnCancel");
+    QCOMPARE(world.rowValues(), QVector<int>({1607, 33, 1062, 4006, 110, 80}));
+    QVERIFY(!world.linkBox()->isChecked());
+    QCOMPARE(world.fanMode(), QString("MAN"));
+    QVERIFY(world.row(RowFan)->isEnabled());
+    QCOMPARE(world.visibleButtons(), QStringList{"btnDefault"});
+    QCOMPARE(world.driver.calls(), QStringList());
+}
+
+void TestOverClockingPage::curveFace()
+{
+    AdjustPageWorld world;
+    world.open(savedCurve());
+    showsRows(world);
+    QCOMPARE(world.visibleButtons(), QStringList{"btnDefault"});
+    world.type(RowGpuClock, 1800);
+
+    world.click("btnUserDefineConfig");
+    showsCurve(world);
+    QCOMPARE(world.visibleButtons(), kAllButtons);
+    QCOMPARE(editorOf(world)->getPoints(), kCurve);
+
+    removeMiddleNode(world);
+    ModalAnswer answers({"msgBoxNoBtn", "msgBoxYesBtn"});
+    world.click("btnApply");
+    showsCurve(world);
+    QCOMPARE(world.parameters().Nodes, kCurve);
+
+    world.click("btnApply");
+    showsRows(world);
+    QCOMPARE(world.parameters().Nodes, (QList<QPoint>{{0, 0}, {100, 100}}));
+    QCOMPARE(world.visibleButtons(), QStringList());
+    QCOMPARE(world.rowValues().at(RowGpuClock), 1607); // the rows' edits are dropped by the change of faces
+    QCOMPARE(answers.problems(), QStringList());
+}
+
+void TestOverClockingPage::cancelOnTheCurve()
+{
+    AdjustPageWorld world;
+    world.open(savedCurve());
+    world.click("btnUserDefineConfig");
+    removeMiddleNode(world);
+    world.click("btnCancel");
+    showsRows(world);
+    QCOMPARE(world.visibleButtons(), QStringList{"btnDefault"});
+    QCOMPARE(world.parameters().Nodes, kCurve);
+    world.click("btnUserDefineConfig");
+    QCOMPARE(editorOf(world)->getPoints(), kCurve);
+}
+
+void TestOverClockingPage::defaultOnTheCurve()
+{
+    AdjustPageWorld world;
+    world.open(savedCurve());
+    world.click("btnUserDefineConfig");
+    world.driver.forgetCalls();
+    world.click("btnDefault");
+    QCOMPARE(editorOf(world)->getPoints(), kDefaultCurve);
+    showsCurve(world);
+    QCOMPARE(world.visibleButtons(), kAllButtons);
+    QCOMPARE(world.parameters().Nodes, kCurve);
+    QCOMPARE(world.driver.calls(), QStringList());
+}
+
+void TestOverClockingPage::hidingThePage()
+{
+    AdjustPageWorld world;
+    world.open();
+    world.clickLink();
+    world.type(RowMemoryClock, 4300);
+    world.click("btnFanAuto");
+    world.page->hide();
+    world.page->show();
+    QCOMPARE(world.rowValues(), QVector<int>({1607, 33, 1062, 4006, 110, 80}));
+    QVERIFY(!world.linkBox()->isChecked());
+    QCOMPARE(world.fanMode(), QString("MAN"));
+    QCOMPARE(world.visibleButtons(), QStringList{"btnDefault"});
+}
+
+void TestOverClockingPage::hidingTheCurve()
+{
+    AdjustPageWorld world;
+    world.open(savedCurve());
+    world.click("btnUserDefineConfig");
+    removeMiddleNode(world);
+    world.page->hide();
+    world.page->show();
+    showsCurve(world);
+    QCOMPARE(editorOf(world)->getPoints(), kCurve);
+    QCOMPARE(world.visibleButtons(), kAllButtons);
+}
+
+void TestOverClockingPage::backgroundClickEndsTheEdit()
+{
+    AdjustPageWorld world;
+    world.open();
+    ModifySpinBox *box = world.numberBox(RowGpuClock);
+    box->setFocus();
+    box->selectAll();
+    QTest::keyClicks(box, "1700");
+    QCOMPARE(world.row(RowGpuClock)->value(), 1607);
+    QTest::mouseClick(world.page.get(), Qt::LeftButton, Qt::NoModifier, QPoint(30, 385));
+    QVERIFY(world.page->hasFocus());
+    QCOMPARE(world.row(RowGpuClock)->value(), 1700);
+    QCOMPARE(world.visibleButtons(), kAllButtons);
+}
+
+void TestOverClockingPage::returnKeyPressesNoButton()
+{
+    QDialog dialog;
+    AdjustPageWorld world;
+    world.open();
+    world.page->setParent(&dialog);
+    dialog.show();
+    world.page->show();
+    QVERIFY(QTest::qWaitForWindowActive(&dialog));
+    world.driver.forgetCalls();
+    ModifySpinBox *box = world.numberBox(RowGpuClock);
+    box->setFocus();
+    QTest::keyClick(box, Qt::Key_Return);
+    QCOMPARE(world.writes(), QStringList()); // Default asks nothing, so a press of it would be here
+    world.page->setParent(nullptr);
+}
+
+void TestOverClockingPage::unappliedChoicesAreNotSaved()
+{
+    AdjustPageWorld world;
+    world.open();
+    world.clickLink();
+    world.click("btnFanUserDefined");
+    for (int index = 0; index < AdjustRowCount; ++index)
+        world.type(static_cast<AdjustRowIndex>(index), 1);
+    const AdjustModuleInfo out = world.parameters();
+    QCOMPARE(out.GpuFreClock, 1607);
+    QCOMPARE(out.FanSpeedLevel, 33);
+    QCOMPARE(out.Voltage, 1062);
+    QCOMPARE(out.MemoryFreClock, 4006);
+    QCOMPARE(out.Power, 110);
+    QCOMPARE(out.Temperature, 80);
+    QCOMPARE(out.FanMode, 1);
+    QCOMPARE(out.Nodes, QList<QPoint>());
+    QVERIFY(!out.LinkOfPowerWithTemperature);
+    QVERIFY(!out.EnableHighPerformance);
+}
+
+void TestOverClockingPage::language_data()
+{
+    QTest::addColumn<int>("number");
+    QTest::addColumn<QStringList>("captions");
+    QTest::addColumn<QString>("family");
+    QTest::addColumn<QString>("prompt");
+
+    QTest::newRow("Chinese") << 0 << QStringList({"应用", "取消", "默认"}) << "微软雅黑"
+                             << "确定应用当前设置？";
+    QTest::newRow("English") << 1 << QStringList({"Apply", "Cancel", "Default"}) << "Arial"
+                             << "Apply these settings ?";
+    QTest::newRow("any other number is English") << 7 << QStringList({"Apply", "Cancel", "Default"}) << "Arial"
+                                                 << "Apply these settings ?";
+}
+
+void TestOverClockingPage::language()
+{
+    QFETCH(int, number);
+    QFETCH(QStringList, captions);
+    QFETCH(QString, family);
+    AdjustPageWorld world;
+    world.open();
+    Ovryn_LanguageTable table;
+    table.setLanguage(number);
+    world.page->setLanguage(table.overClock, number);
+
+    const char *const names[] = {"btnApply", "btnCancel", "btnDefault"};
+    for (int index = 0; index < 3; ++index) {
+        const QPushButton *button = world.button(names[index]);
+        QCOMPARE(button->text(), captions.at(index));
+        QCOMPARE(button->font().family(), family);
+        QCOMPARE(button->font().weight(), 57);
+        QCOMPARE(button->font().pixelSize(), button->height() - 3);
+    }
+    for (int index = 0; index < AdjustRowCount; ++index)
+        QCOMPARE(world.row(static_cast<AdjustRowIndex>(index))->font().family(), family);
+    for (const char *name : {"btnFanAuto", "btnFanManual", "btnFanUserDefined"}) {
+        const QPushButton *button = world.button(name);
+        QCOMPARE(button->font().family(), QString("Arial"));
+        QCOMPARE(button->font().weight(), 50);
+        QCOMPARE(button->font().pixelSize(), button->height() - 1);
+    }
+    ModalAnswer answers({"msgBoxNoBtn"});
+    world.page->onBtnApplyClick();
+    QTEST(answers.texts().value(0), "prompt");
+}
+
+void TestOverClockingPage::geometry()
+{
+    AdjustPageWorld world;
+    world.open();
+    for (const QSize &size : {QSize(382, 394), QSize(500, 600)}) {
+        world.page->resize(size);
+        const AdjustPageLayout rects = adjustPageLayoutFor(size);
+        for (int index = 0; index < AdjustRowCount; ++index)
+            QCOMPARE(world.row(static_cast<AdjustRowIndex>(index))->geometry(),
+                     rects.rows[static_cast<std::size_t>(index)]);
+        QCOMPARE(editorOf(world)->geometry(), rects.editor);
+        QCOMPARE(world.button("btnApply")->geometry(), rects.applyButton);
+        QCOMPARE(world.button("btnCancel")->geometry(), rects.cancelButton);
+        QCOMPARE(world.button("btnDefault")->geometry(), rects.defaultButton);
+        QCOMPARE(world.button("btnFanAuto")->geometry(), rects.autoButton);
+        QCOMPARE(world.button("btnFanManual")->geometry(), rects.manualButton);
+        QCOMPARE(world.button("btnFanUserDefined")->geometry(), rects.userDefinedButton);
+        QCOMPARE(world.button("btnUserDefineConfig")->geometry(), rects.configButton);
+        QCOMPARE(world.linkBox()->geometry(), rects.linkBox);
+    }
+    world.page->resize(0, 0); // nothing to paint, and no harm
+    QCOMPARE(world.row(RowGpuClock)->height(), 0);
+}
+
+void TestOverClockingPage::frame()
+{
+    AdjustPageWorld world;
+    world.open();
+    QImage image(world.page->size(), QImage::Format_ARGB32);
+    image.fill(Qt::transparent);
+    world.page->render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
+    const QColor glass(252, 10, 53, 60);
+    const QColor edge(252, 10, 53, 255);
+    const auto isNear = [&image](int x, int y, const QColor &wanted) {
+        const QColor found = image.pixelColor(x, y);
+        return qAbs(found.alpha() - wanted.alpha()) <= 1 && qAbs(found.red() - wanted.red()) <= 4 &&
+               qAbs(found.green() - wanted.green()) <= 4 && qAbs(found.blue() - wanted.blue()) <= 4;
+    };
+    QVERIFY(isNear(20, 350, glass));
+    QVERIFY(isNear(2, 200, edge));
+    QVERIFY(isNear(150, 2, edge));
+    QVERIFY(isNear(363, 374, edge)); // on the cut, halfway
+    QCOMPARE(image.pixelColor(380, 392).alpha(), 0);
+    QCOMPARE(image.pixelColor(0, 0).alpha(), 0);
+}
+
+void TestOverClockingPage::buttonsOverTheCurve()
+{
+    AdjustPageWorld world;
+    world.open();
+    world.click("btnUserDefineConfig");
+    for (const char *name : {"btnApply", "btnCancel", "btnDefault"}) {
+        const QPushButton *button = world.button(name);
+        QCOMPARE(world.page->childAt(button->geometry().center()), static_cast<const QWidget *>(button));
+    }
+}
+
+QTEST_MAIN(TestOverClockingPage)
+#include "TestOverClockingPage.moc"
