@@ -138,7 +138,6 @@ void TestSliderWidget::layout_data()
     // 359: margin 17, usable 325; 325 / 6 = 54.2; 325 / 5 * 4 + 17 = 277.
     QTest::newRow("divisions truncate") << QSize(359, 64) << 17.0 << 325.0 << QRect(34, 0, 325, 43)
                                         << QRect(277, 43, 54, 21) << QRect(19, 43, 247, 21);
-    // 376: margin 18, usable 340; a fifth of a whole number first would move nothing here, in the next row it does.
     QTest::newRow("376 wide") << QSize(376, 62) << 18.0 << 340.0 << QRect(36, 0, 340, 42) << QRect(290, 42, 56, 20)
                               << QRect(19, 42, 260, 20);
     // 378: usable 342; 342 / 5 * 4 = 273.6 as a floating number, 272 in integers.
