@@ -9,15 +9,15 @@
 
 namespace
 {
-// The picture shows the view that a click leads to.
-const char kTopRightStyle[] = "QCheckBox{background-color:rgba(0,0,0,0);outline:none;}"
-                              "QCheckBox::indicator{width:%1px;height:%2px;}"
-                              "QCheckBox::indicator:unchecked{image:url(:/images/images/monitor/graphs.png);}"
-                              "QCheckBox::indicator:unchecked:hover{"
-                              "image:url(:/images/images/monitor/graphs_hover.png);}"
-                              "QCheckBox::indicator:checked{image:url(:/images/images/monitor/rows.png);}"
-                              "QCheckBox::indicator:checked:hover{"
-                              "image:url(:/images/images/monitor/rows_hover.png);}";
+// The picture shows the view that a click leads to. The edge makes it a cell of the band, which is there without a
+// picture too.
+const char kTopRightStyle[] =
+    "QCheckBox{background-color:rgba(0,0,0,0);border-left:1px solid rgba(252,10,53,110);outline:none;}"
+    "QCheckBox::indicator{width:%1px;height:%2px;}"
+    "QCheckBox::indicator:unchecked{image:url(:/images/images/monitor/graphs.png);}"
+    "QCheckBox::indicator:unchecked:hover{image:url(:/images/images/monitor/graphs_hover.png);}"
+    "QCheckBox::indicator:checked{image:url(:/images/images/monitor/rows.png);}"
+    "QCheckBox::indicator:checked:hover{image:url(:/images/images/monitor/rows_hover.png);}";
 } // namespace
 
 RowsAndGraphsLayout rowsAndGraphsLayoutFor(QSize page)
@@ -72,7 +72,7 @@ void RowsAndGraphsPage::resizeEvent(QResizeEvent *)
 {
     rects = rowsAndGraphsLayoutFor(size());
     ckbTopRight->setStyleSheet(
-        QString::fromLatin1(kTopRightStyle).arg(rects.topRightRect.width()).arg(rects.topRightRect.height()));
+        QString::fromLatin1(kTopRightStyle).arg(rects.topRightRect.width() - 1).arg(rects.topRightRect.height()));
     ckbTopRight->setGeometry(rects.topRightRect);
     rowsView->setGeometry(rects.viewRect);
     monitorView->setGeometry(rects.viewRect);

@@ -47,8 +47,7 @@ constexpr const char *kFontFiles[] = {
 void substituteFontFamilies()
 {
     const QStringList installed = QFontDatabase().families();
-    for (const Substitution &row : kSubstitutions)
-    {
+    for (const Substitution &row : kSubstitutions) {
         const QString wanted = QString::fromUtf8(row.wanted);
         if (row.use == Use::Always || !installed.contains(wanted, Qt::CaseInsensitive))
             QFont::insertSubstitution(wanted, QString::fromUtf8(row.registered));
@@ -57,8 +56,7 @@ void substituteFontFamilies()
 
 void registerApplicationFonts()
 {
-    for (const char *name : kFontFiles)
-    {
+    for (const char *name : kFontFiles) {
         QFile file(QString::fromUtf8(name));
         if (file.open(QIODevice::ReadOnly))
             QFontDatabase::addApplicationFontFromData(file.readAll());

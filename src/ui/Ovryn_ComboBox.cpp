@@ -60,8 +60,7 @@ void Ovryn_ComboBox::resizeEvent(QResizeEvent *event)
     QComboBox::resizeEvent(event);
     view()->setMinimumHeight(height());
     const int pixelSize = height() / 5 * 3;
-    if (pixelSize > 0)
-    {
+    if (pixelSize > 0) {
         QFont scaled = font();
         scaled.setPixelSize(pixelSize);
         setFont(scaled);

@@ -15,7 +15,10 @@ struct TextRow
     const char *chinese;
 };
 
-constexpr bool isFilled(const char *text) { return text != nullptr && *text != '\0'; }
+constexpr bool isFilled(const char *text)
+{
+    return text != nullptr && *text != '\0';
+}
 
 /// Every field of the group has a row, none has two, and no text is missing.
 template <typename Group, std::size_t rowCount>
@@ -23,8 +26,7 @@ constexpr bool isComplete(const TextRow<Group> (&rows)[rowCount])
 {
     if (rowCount * sizeof(QString) != sizeof(Group))
         return false;
-    for (std::size_t i = 0; i < rowCount; ++i)
-    {
+    for (std::size_t i = 0; i < rowCount; ++i) {
         if (!isFilled(rows[i].english) || !isFilled(rows[i].chinese))
             return false;
         for (std::size_t j = i + 1; j < rowCount; ++j)
@@ -210,7 +212,10 @@ static_assert(isComplete(kBoardInfoTexts), "one row for each text");
 
 } // namespace
 
-Ovryn_LanguageTable::Ovryn_LanguageTable() { setLanguage(kLanguageChinese); }
+Ovryn_LanguageTable::Ovryn_LanguageTable()
+{
+    setLanguage(kLanguageChinese);
+}
 
 void Ovryn_LanguageTable::setLanguage(LanguageType language)
 {

@@ -7,6 +7,12 @@ using LanguageType = int;
 constexpr LanguageType kLanguageChinese = 0;
 constexpr LanguageType kLanguageEnglish = 1;
 
+/// Number of the `Language` value of config.xml: Chinese for "lang_ch", English for every other text.
+inline LanguageType languageNumberOf(const QString &languageSetting)
+{
+    return languageSetting == QLatin1String("lang_ch") ? kLanguageChinese : kLanguageEnglish;
+}
+
 // One group of texts for each page, handed to it by value. Field order is the order of the table.
 
 struct Lang_MainDialog

@@ -95,8 +95,7 @@ void Ovryn_MessageBox::build(const QString &text, LanguageType language)
     textRow->addWidget(infoLabel);
     column->addLayout(textRow, 1);
 
-    if (flags & DontShowAgain)
-    {
+    if (flags & DontShowAgain) {
         dontShowAgainBox = new QCheckBox(inLanguage(language, "不再提示。", "Don't show again."), this);
         dontShowAgainBox->setObjectName(QStringLiteral("msgBoxCheckBox"));
         dontShowAgainBox->setFont(captionFont);
@@ -110,11 +109,10 @@ void Ovryn_MessageBox::build(const QString &text, LanguageType language)
     auto *buttonRow = new QHBoxLayout;
     buttonRow->setSpacing(kButtonGap);
     buttonRow->addStretch();
-    yesButton = makeButton("msgBoxYesBtn", twoButtons ? inLanguage(language, "是", "Yes")
-                                                      : inLanguage(language, "确定", "Confirm"));
+    yesButton = makeButton("msgBoxYesBtn",
+                           twoButtons ? inLanguage(language, "是", "Yes") : inLanguage(language, "确定", "Confirm"));
     buttonRow->addWidget(yesButton);
-    if (twoButtons)
-    {
+    if (twoButtons) {
         noButton = makeButton("msgBoxNoBtn", inLanguage(language, "否", "No"));
         buttonRow->addWidget(noButton);
     }
@@ -128,15 +126,17 @@ void Ovryn_MessageBox::growToText()
     ensurePolished();
     QSize size = kSmallest;
     int needed = layout()->totalHeightForWidth(size.width());
-    while (needed > size.width() / 2 && size.width() < kWidestBox)
-    {
+    while (needed > size.width() / 2 && size.width() < kWidestBox) {
         size.rwidth() += kGrowthStep;
         needed = layout()->totalHeightForWidth(size.width());
     }
     resize(size.width(), std::max(size.width() / 2, needed));
 }
 
-void Ovryn_MessageBox::setYesText(QString text) { yesButton->setText(text); }
+void Ovryn_MessageBox::setYesText(QString text)
+{
+    yesButton->setText(text);
+}
 
 void Ovryn_MessageBox::onBtnYesClicked()
 {
@@ -147,7 +147,10 @@ void Ovryn_MessageBox::onBtnYesClicked()
         done(ticked ? ConfirmDontShowAgain : Confirm);
 }
 
-void Ovryn_MessageBox::onBtnNoClicked() { done(No); }
+void Ovryn_MessageBox::onBtnNoClicked()
+{
+    done(No);
+}
 
 void Ovryn_MessageBox::resizeEvent(QResizeEvent *event)
 {

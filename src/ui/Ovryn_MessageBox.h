@@ -31,6 +31,9 @@ public:
         ConfirmDontShowAgain = 7
     };
 
+    /// Window flags that the program's own boxes pass: no buttons of the system, a title only (0x2001000).
+    static constexpr Qt::WindowFlags::Int usualWindowFlags = Qt::CustomizeWindowHint | Qt::WindowTitleHint;
+
     /// The box stays on top of everything when it has no parent. A text too long for 320 by 160 makes it grow.
     Ovryn_MessageBox(int flags, QString title, QString text, int language, QWidget *parent,
                      Qt::WindowFlags windowFlags);

@@ -10,4 +10,7 @@ Ovryn_MessageBox1::Ovryn_MessageBox1(int boxFlags, QString title, QString text, 
     resize(background.size());
 }
 
-void Ovryn_MessageBox1::paintEvent(QPaintEvent *) { QPainter(this).drawPixmap(0, 0, background); }
+void Ovryn_MessageBox1::paintEvent(QPaintEvent *)
+{
+    QPainter(this).drawPixmap(0, 0, background);
+}

@@ -60,31 +60,38 @@ void Ovryn_SettingParentWidget::setShowSettingWidget(bool bShow)
     slideTimer.start();
 }
 
-void Ovryn_SettingParentWidget::onDetectButtonClick() { emit detectUpdate(); }
+void Ovryn_SettingParentWidget::onDetectButtonClick()
+{
+    emit detectUpdate();
+}
 
-void Ovryn_SettingParentWidget::_languageChanged() { emit languageChanged(); }
+void Ovryn_SettingParentWidget::_languageChanged()
+{
+    emit languageChanged();
+}
 
-void Ovryn_SettingParentWidget::_pageEffectChanged() { emit pageEffectChanged(); }
+void Ovryn_SettingParentWidget::_pageEffectChanged()
+{
+    emit pageEffectChanged();
+}
 
-void Ovryn_SettingParentWidget::_refreshTimeChanged() { emit refreshTimeChanged(); }
+void Ovryn_SettingParentWidget::_refreshTimeChanged()
+{
+    emit refreshTimeChanged();
+}
 
 void Ovryn_SettingParentWidget::onSettingTimerTimeout()
 {
-    if (showing)
-    {
+    if (showing) {
         setVisible(true);
         slideX -= kPixelsPerTick;
-        if (slideX <= 0)
-        {
+        if (slideX <= 0) {
             slideX = 0;
             slideTimer.stop();
         }
-    }
-    else
-    {
+    } else {
         slideX += kPixelsPerTick;
-        if (slideX >= width())
-        {
+        if (slideX >= width()) {
             slideX = width();
             setVisible(false);
             slideTimer.stop();

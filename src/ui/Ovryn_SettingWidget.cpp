@@ -139,26 +139,36 @@ void Ovryn_SettingWidget::setLanguage(Lang_Setting group, LanguageType number)
     ui.btnDetectUpdate->setText(texts.detectUpdate);
     ui.btnUpdateLog->setText(texts.history);
 
-    if (ui.cmb_PageEffect->count() >= 2)
-    {
+    if (ui.cmb_PageEffect->count() >= 2) {
         ui.cmb_PageEffect->setItemText(0, texts.normal);
         ui.cmb_PageEffect->setItemText(1, texts.advanced);
     }
-    if (ui.cmb_UpdateFre->count() >= static_cast<int>(std::size(kCheckIntervals)))
-    {
+    if (ui.cmb_UpdateFre->count() >= static_cast<int>(std::size(kCheckIntervals))) {
         int index = 0;
         for (const ListText &row : kCheckIntervals)
             ui.cmb_UpdateFre->setItemText(index++, texts.*row.text);
     }
 }
 
-void Ovryn_SettingWidget::onBtnDectectUpdateClick() { emit dectectUpdate(); }
+void Ovryn_SettingWidget::onBtnDectectUpdateClick()
+{
+    emit dectectUpdate();
+}
 
-void Ovryn_SettingWidget::onCmbLanguageChanged(int) { emit _languageChanged(); }
+void Ovryn_SettingWidget::onCmbLanguageChanged(int)
+{
+    emit _languageChanged();
+}
 
-void Ovryn_SettingWidget::onCmbPageEffectChanged(int) { emit _pageEffectChanged(); }
+void Ovryn_SettingWidget::onCmbPageEffectChanged(int)
+{
+    emit _pageEffectChanged();
+}
 
-void Ovryn_SettingWidget::onCmbPageRefreshChanged(int) { emit _refreshTimeChanged(); }
+void Ovryn_SettingWidget::onCmbPageRefreshChanged(int)
+{
+    emit _refreshTimeChanged();
+}
 
 void Ovryn_SettingWidget::onBtnUpdateLogClick()
 {
@@ -166,4 +176,7 @@ void Ovryn_SettingWidget::onBtnUpdateLogClick()
     log.exec();
 }
 
-void Ovryn_SettingWidget::paintEvent(QPaintEvent *) { QPainter(this).drawPixmap(0, 0, background); }
+void Ovryn_SettingWidget::paintEvent(QPaintEvent *)
+{
+    QPainter(this).drawPixmap(0, 0, background);
+}

@@ -16,8 +16,8 @@ class Ovryn_SettingWidget : public QWidget
 public:
     explicit Ovryn_SettingWidget(QWidget *parent = nullptr);
 
-    void getGeneralSetting(GeneralSettingInfo &info); ///< as the controls show it
-    void getUpdateSetting(UpdateSettingInfo &info);   ///< UpdateMode is 0 or 2; UpdateStatus as it came in
+    void getGeneralSetting(GeneralSettingInfo &info);       ///< as the controls show it
+    void getUpdateSetting(UpdateSettingInfo &info);         ///< UpdateMode is 0 or 2; UpdateStatus as it came in
     void setGeneralSetting(const GeneralSettingInfo &info); ///< a value that no list holds selects nothing new
     void setUpdateSetting(const UpdateSettingInfo &info);
     void setLanguage(Lang_Setting group, LanguageType number); ///< changes captions, never a selection

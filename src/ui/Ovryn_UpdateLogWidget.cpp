@@ -20,8 +20,7 @@ constexpr int kEdgeMargin = 18;
 
 } // namespace
 
-Ovryn_UpdateLogWidget::Ovryn_UpdateLogWidget(int language, QWidget *parent)
-    : QDialog(parent, Qt::FramelessWindowHint)
+Ovryn_UpdateLogWidget::Ovryn_UpdateLogWidget(int language, QWidget *parent) : QDialog(parent, Qt::FramelessWindowHint)
 {
     setStyleSheet(UiStyle::updateLog());
     setWindowOpacity(1.0);
@@ -70,7 +69,10 @@ void Ovryn_UpdateLogWidget::loadText(LanguageType language)
     textEdit->setPlainText(stream.readAll());
 }
 
-void Ovryn_UpdateLogWidget::onBtnCloseClick() { close(); }
+void Ovryn_UpdateLogWidget::onBtnCloseClick()
+{
+    close();
+}
 
 void Ovryn_UpdateLogWidget::paintEvent(QPaintEvent *)
 {
@@ -104,4 +106,7 @@ void Ovryn_UpdateLogWidget::mouseMoveEvent(QMouseEvent *event)
         move(event->globalPos() - dragOffset);
 }
 
-void Ovryn_UpdateLogWidget::mouseReleaseEvent(QMouseEvent *) { dragging = false; }
+void Ovryn_UpdateLogWidget::mouseReleaseEvent(QMouseEvent *)
+{
+    dragging = false;
+}

@@ -15,7 +15,10 @@ const QColor kRuleColor(255, 0, 0, 200);
 
 } // namespace
 
-QColor PageFrame::bandColor() { return QColor(252, 10, 53, 60); }
+QColor PageFrame::bandColor()
+{
+    return QColor(252, 10, 53, 60);
+}
 
 QString PageFrame::fontFamily(LanguageType language)
 {
@@ -43,8 +46,8 @@ int PageFrame::titlePixelSize(QSize size, int bandHeight)
     return wished < highest ? wished : static_cast<int>(highest);
 }
 
-QPixmap PageFrame::background(QSize size, int bandHeight, const QRect &titleRect, const QString &title, int titlePixels,
-                              LanguageType language, BandRule rule)
+QPixmap PageFrame::background(QSize size, int bandHeight, const QRect &titleRect, const QString &title,
+                              int titlePixels, LanguageType language, BandRule rule)
 {
     QPixmap pixmap(size);
     pixmap.fill(QColor(0, 0, 0, 0));
@@ -58,8 +61,7 @@ QPixmap PageFrame::background(QSize size, int bandHeight, const QRect &titleRect
     painter.drawPath(cutCornerPath(size));
     painter.drawRect(0, 0, size.width(), bandHeight);
 
-    if (rule == BandRule::Drawn)
-    {
+    if (rule == BandRule::Drawn) {
         painter.setPen(QPen(kRuleColor, kRuleWidth));
         painter.drawLine(0, bandHeight, size.width(), bandHeight);
     }

@@ -35,8 +35,7 @@ void RollStackWidget::setCurrentWidget(QWidget *widget)
     if (!widgets.contains(widget) || widget == currentWidget)
         return;
 
-    if (rollTimer.isActive())
-    {
+    if (rollTimer.isActive()) {
         rollTimer.stop();
         if (previousWidget)
             previousWidget->hide();
@@ -57,35 +56,27 @@ void RollStackWidget::setCurrentWidget(QWidget *widget)
 
 void RollStackWidget::onSettingTimerTimeout()
 {
-    if (previousWidget)
-    {
+    if (previousWidget) {
         // It stays put once it is out: the timer runs on where clearCurrent() took the page that came in.
         if (oldX > -width())
             oldX -= kPixelsPerTick;
-        if (oldX <= -width())
-        {
+        if (oldX <= -width()) {
             previousWidget->hide();
             previousWidget->move(restX, oldY);
-        }
-        else
-        {
+        } else {
             previousWidget->move(oldX, oldY);
         }
     }
-    if (currentWidget)
-    {
+    if (currentWidget) {
         newX -= kPixelsPerTick;
         currentWidget->move(std::max(restX, newX), newY);
     }
 
     const bool arrived = newX <= restX;
-    if (previousWidget && oldX <= -width() && arrived)
-    {
+    if (previousWidget && oldX <= -width() && arrived) {
         previousWidget = nullptr;
         rollTimer.stop();
-    }
-    else if (!previousWidget && arrived)
-    {
+    } else if (!previousWidget && arrived) {
         rollTimer.stop();
     }
     if (!previousWidget && !currentWidget)
@@ -131,7 +122,9 @@ void RollStackWidget::childEvent(QChildEvent *event)
     if (!event->removed())
         return;
     // The pages are deleted before the stack is: a pointer to one must not outlive it.
-    const auto isChild = [event](QWidget *widget) { return widget == event->child(); };
+    const auto isChild = [event](QWidget *widget) {
+        return widget == event->child();
+    };
     widgets.erase(std::remove_if(widgets.begin(), widgets.end(), isChild), widgets.end());
     if (isChild(currentWidget))
         currentWidget = nullptr;

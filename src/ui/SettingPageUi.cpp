@@ -133,8 +133,7 @@ void SettingPageUi::layOut(QWidget *page)
     auto *update = column("verticalLayout_5", kRowGap);
     update->addWidget(lbl_UpdateInOnline);
     auto *updateControls = column("verticalLayout_6", kRowGap, kIndent);
-    updateControls->addLayout(
-        captionRow(named(new QHBoxLayout, "horizontalLayout_4"), lbl_UpdateFre, cmb_UpdateFre));
+    updateControls->addLayout(captionRow(named(new QHBoxLayout, "horizontalLayout_4"), lbl_UpdateFre, cmb_UpdateFre));
     auto *modes = named(new QWidget(container), "widget_4");
     auto *modeColumn = named(new QVBoxLayout(modes), "verticalLayout_7");
     modeColumn->setContentsMargins(0, 0, 0, 0);

@@ -50,7 +50,10 @@ QString comboArrow()
                           "image:url(:/images/images/combo/arrow_hover.png);}");
 }
 
-QString settingFont() { return QStringLiteral("QWidget{font-family:微软雅黑;}"); }
+QString settingFont()
+{
+    return QStringLiteral("QWidget{font-family:微软雅黑;}");
+}
 
 QString thinScrollBar()
 {

@@ -3,6 +3,23 @@
 #include "device/DeviceRecords.h"
 
 #include <QVector>
+#include <QtTest>
+
+#include <string>
+
+Q_DECLARE_METATYPE(std::string)
+
+namespace QTest
+{
+
+/// Lets a failing comparison of narrow texts show both.
+template <>
+inline char *toString(const std::string &text)
+{
+    return qstrdup(text.c_str());
+}
+
+} // namespace QTest
 
 /// The fields of the device layer's small records as lists in declaration order, for comparing in one line.
 

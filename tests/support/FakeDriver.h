@@ -85,6 +85,9 @@ public:
     [[nodiscard]] int releases() const;
     [[nodiscard]] int strayCalls() const; ///< calls that reached the driver while it was not loaded
 
+    /// What the library's one export gives; null for an operation that the driver lacks.
+    void *entryPoint(quint32 identifier);
+
     /// Every operation's name in the order of the list.
     static QStringList operations();
 
@@ -117,7 +120,6 @@ private:
     };
 
     Behaviour &behaviour(const char *operation);
-    void *entryPoint(quint32 identifier);
     [[nodiscard]] FakeCard *cardOf(NvPhysicalGpuHandle gpu);
     [[nodiscard]] QString cardName(NvPhysicalGpuHandle gpu) const;
     NvAPI_Status statusOf(const Call &call);

@@ -1,0 +1,26 @@
+#include "simulated/Call.h"
+
+#include "simulated/Hex.h"
+
+namespace simulated
+{
+
+std::string journalLine(const Call &call)
+{
+    nlohmann::ordered_json line;
+    line["t"] = call.timeMs;
+    line["thread"] = call.thread;
+    line["op"] = operationName(call.operation);
+    line["gpu"] = call.card ? nlohmann::ordered_json(*call.card) : nlohmann::ordered_json();
+    if (call.version)
+        line["version"] = hexWord(*call.version);
+    if (!call.arguments.is_null())
+        line["args"] = call.arguments;
+    if (!call.note.empty())
+        line["note"] = call.note;
+    line["status"] = call.status;
+    // texts that came from a caller need not be UTF-8
+    return line.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+}
+
+} // namespace simulated

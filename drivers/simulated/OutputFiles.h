@@ -1,0 +1,44 @@
+#pragma once
+
+#include "simulated/Card.h"
+
+#include <chrono>
+#include <fstream>
+#include <string>
+#include <vector>
+
+namespace simulated
+{
+
+/// The journal: lines appended to a file, each on the disk before the call returns.
+class JournalFile
+{
+public:
+    /// An empty path means no journal. A file that cannot be opened is told on standard error.
+    explicit JournalFile(const std::string &path);
+    [[nodiscard]] bool isOpen() const { return stream.is_open(); }
+    void write(const std::string &line);
+
+private:
+    std::ofstream stream;
+};
+
+/// The state of all cards in one file, replaced as a whole so that a reader never sees half of it.
+class StateFile
+{
+public:
+    explicit StateFile(const std::string &statePath) : path(statePath) {}
+    /// False without a file, and within 100 ms of the last write unless that does not matter.
+    [[nodiscard]] bool isDue(bool evenIfRecent) const;
+    void write(const std::string &text);
+
+private:
+    std::string path;
+    bool written = false;
+    std::chrono::steady_clock::time_point writtenAt;
+};
+
+/// The JSON text of the state file.
+std::string stateText(const std::vector<Card> &cards, qint64 timeMs);
+
+} // namespace simulated

@@ -1,0 +1,23 @@
+#pragma once
+
+class NvGpuControl;
+class Ovryn_GpuInfoCircleBox;
+class Ovryn_NvCardInfoWidget;
+class Ovryn_SendNvCardInfoThread;
+class QWidget;
+
+/// One card's pages and its sampling worker. The dialog owns every set; the pages themselves belong to
+/// the widget tree, the worker and the device object are deleted by hand, worker first.
+struct CardPageSet
+{
+    Ovryn_NvCardInfoWidget *monitorPage = nullptr;
+    QWidget *adjustPage = nullptr;   ///< an empty place so far
+    QWidget *ledPage = nullptr;      ///< an empty place so far
+    QWidget *lcdPage = nullptr;      ///< an empty place so far
+    Ovryn_GpuInfoCircleBox *circleBox = nullptr;
+    QWidget *colorPalette = nullptr; ///< an empty place so far
+    QWidget *fixedInfoPage = nullptr; ///< an empty place so far
+    Ovryn_SendNvCardInfoThread *infoWorker = nullptr;
+    NvGpuControl *gpuControl = nullptr;
+    QWidget *boardInfoPage = nullptr; ///< an empty place so far
+};

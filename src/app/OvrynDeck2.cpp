@@ -1,0 +1,296 @@
+#include "app/OvrynDeck2.h"
+
+#include "app/EmptyPage.h"
+#include "app/MainDialogStyle.h"
+#include "device/NvGpuControl.h"
+#include "monitor/Ovryn_BackgroundEffects.h"
+#include "monitor/Ovryn_GpuInfoCircleBox.h"
+#include "monitor/Ovryn_NvCardInfoWidget.h"
+#include "monitor/Ovryn_SendNvCardInfoThread.h"
+#include "ui/Ovryn_ComboBox.h"
+#include "ui/Ovryn_SettingParentWidget.h"
+#include "ui/RollStackWidget.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPushButton>
+#include <QStackedWidget>
+
+namespace
+{
+
+constexpr int kSlideIntervalMs = 15;
+constexpr QSize kSizeWithoutPicture(600, 435);
+const char *const kBackgroundPicture = ":/images/images/BKImage.png";
+
+} // namespace
+
+OvrynDeck2::OvrynDeck2(QWidget *parent) : QDialog(parent)
+{
+    setObjectName(QStringLiteral("OvrynDeck2"));
+    buildWidgets();
+    registerDeviceMetaTypes();
+    buildButtons();
+
+    {
+        NvGpuControl control;
+        detectedCards = int(control.gpuCount());
+        cardInfos = detectCards(control);
+    }
+
+    configFile.load(); // a file that can't be used leaves the defaults
+    configFile.getGeneralSetting(generalSetting);
+    configFile.getUpdateSetting(updateSetting);
+    languageTable.setLanguage(languageNumberOf(generalSetting.Language));
+
+    for (const GpuCardInfo &card : qAsConst(cardInfos))
+        buildCardPages(card);
+    settingPanel = new Ovryn_SettingParentWidget(generalSetting, updateSetting, this);
+    settingPanel->hide();
+
+    buildTray();
+    applyLanguage();
+    if (!cardInfos.isEmpty()) {
+        showCard(0);
+        backgroundEffects->hide();
+    }
+    connectWidgets();
+
+    resize(background.isNull() ? kSizeWithoutPicture : background.size());
+}
+
+OvrynDeck2::~OvrynDeck2()
+{
+    for (CardPageSet &pages : cardPageSets) {
+        delete pages.infoWorker;
+        delete pages.lcdPage;
+        delete pages.ledPage;
+        delete pages.adjustPage;
+        delete pages.gpuControl;
+    }
+}
+
+void OvrynDeck2::buildWidgets()
+{
+    background.load(QString::fromLatin1(kBackgroundPicture));
+
+    backgroundEffects = new Ovryn_BackgroundEffects(this);
+    backgroundEffects->hide();
+
+    circleStack = new QStackedWidget(this);
+    circleStack->setObjectName(QStringLiteral("circleStack"));
+    pageStack = new RollStackWidget(this);
+    pageStack->setObjectName(QStringLiteral("pageStack"));
+    pageStack->hide();
+
+    cmbGpu = new Ovryn_ComboBox(this);
+    cmbGpu->setObjectName(QStringLiteral("cmbGpu"));
+
+    moveCircleWidgetTimer.setInterval(kSlideIntervalMs);
+}
+
+void OvrynDeck2::buildButtons()
+{
+    const auto newButton = [this](const char *name, const QString &styleSheet, bool checkable) {
+        auto *button = new QPushButton(this);
+        button->setObjectName(QString::fromLatin1(name));
+        button->setStyleSheet(styleSheet);
+        button->setCheckable(checkable);
+        button->setFocusPolicy(Qt::NoFocus);
+        return button;
+    };
+    btnSetting = newButton("btnSetting", MainDialogStyle::pictureButton(QStringLiteral("setting")), false);
+    btnMinimize = newButton("btnMinimize", MainDialogStyle::pictureButton(QStringLiteral("minimize")), false);
+    btnClose = newButton("btnClose", MainDialogStyle::pictureButton(QStringLiteral("close")), false);
+    btnGpuFixedInfo = newButton("btnGpuFixedInfo", MainDialogStyle::pictureButton(QStringLiteral("info")), true);
+    btnMonitor = newButton("btnMonitor", MainDialogStyle::textButton(), true);
+    btnAdjust = newButton("btnAdjust", MainDialogStyle::textButton(), true);
+    btnBoardTempInfo = newButton("btnBoardTempInfo", MainDialogStyle::textButton(), true);
+    btnHighPerformance = newButton("btnHighPerformance", MainDialogStyle::highPerformanceSwitch(), true);
+    btnFirstSlot = newButton("btnFirstSlot", MainDialogStyle::slotButton(QStringLiteral("first")), true);
+    btnSecondSlot = newButton("btnSecondSlot", MainDialogStyle::slotButton(QStringLiteral("second")), true);
+
+    btnHighPerformance->hide();
+    btnBoardTempInfo->hide();
+    btnFirstSlot->hide();
+    btnSecondSlot->hide();
+    pageButtons = {btnMonitor, btnAdjust, btnBoardTempInfo, btnGpuFixedInfo, btnFirstSlot, btnSecondSlot};
+}
+
+void OvrynDeck2::connectWidgets()
+{
+    connect(btnMonitor, SIGNAL(clicked(bool)), this, SLOT(onBtnMonitorClicked(bool)));
+    connect(btnAdjust, SIGNAL(clicked(bool)), this, SLOT(onBtnAdjustClicked(bool)));
+    connect(btnGpuFixedInfo, SIGNAL(clicked(bool)), this, SLOT(onBtnGpuFixedClicked(bool)));
+    connect(btnHighPerformance, SIGNAL(clicked(bool)), this, SLOT(onBtnHighPerformanceClicked(bool)));
+    connect(btnSetting, SIGNAL(released()), this, SLOT(onBtnSettingClick()));
+    connect(btnClose, SIGNAL(released()), this, SLOT(onBtnCloseClick()));
+    connect(btnMinimize, SIGNAL(released()), this, SLOT(onBtnMinimizeClick()));
+    connect(cmbGpu, SIGNAL(currentIndexChanged(int)), this, SLOT(onGpuComboxCurrentIndexChanged(int)));
+    connect(settingPanel, SIGNAL(languageChanged()), this, SLOT(onSettingWidgetLanguageChanged()));
+    connect(settingPanel, SIGNAL(pageEffectChanged()), this, SLOT(onSettingWidgetPageEffectChanged()));
+    connect(settingPanel, SIGNAL(refreshTimeChanged()), this, SLOT(onSettingWidgetRefreshTimeChanged()));
+    connect(settingPanel, SIGNAL(detectUpdate()), this, SLOT(manualDetectUpdate()));
+    connect(&moveCircleWidgetTimer, SIGNAL(timeout()), this, SLOT(onMoveCircleWidgetTimerTimeout()));
+    // btnBoardTempInfo stays unconnected: no button leads to the board temperatures.
+}
+
+void OvrynDeck2::buildCardPages(const GpuCardInfo &card)
+{
+    CardPageSet pages;
+    pages.gpuControl = new NvGpuControl;
+    pages.gpuControl->setCurrentGpu(card.gpuIndex);
+
+    pages.ledPage = new EmptyPage(this);
+    pages.lcdPage = new EmptyPage(this);
+    pages.monitorPage = newMonitorPage(card, pages.gpuControl);
+    pages.adjustPage = new EmptyPage(this);
+    pages.boardInfoPage = new EmptyPage(this);
+    pages.circleBox = new Ovryn_GpuInfoCircleBox(this);
+    applyPageEffects(card, pages.circleBox);
+    pages.colorPalette = new QWidget(this);
+    pages.fixedInfoPage = new EmptyPage(this);
+    pages.infoWorker = new Ovryn_SendNvCardInfoThread(pages.gpuControl, this);
+
+    connectCardPages(pages);
+    pages.infoWorker->startSampling();
+
+    for (QWidget *page : {static_cast<QWidget *>(pages.monitorPage), pages.adjustPage, pages.ledPage, pages.lcdPage,
+                          pages.fixedInfoPage, pages.boardInfoPage})
+        pageStack->addWidget(page);
+    circleStack->addWidget(pages.circleBox);
+    circleStack->addWidget(pages.colorPalette);
+
+    cardPageSets.append(pages);
+    cmbGpu->addItem(card.displayName, card.gpuIndex);
+}
+
+void OvrynDeck2::connectCardPages(const CardPageSet &pages)
+{
+    connect(pages.infoWorker, SIGNAL(sendNvCardInfo(NvCardBaseInfo)), pages.monitorPage,
+            SLOT(recvNvCardInfo(NvCardBaseInfo)));
+    connect(pages.infoWorker, SIGNAL(sendNvCardInfo(NvCardBaseInfo)), pages.circleBox,
+            SLOT(recvNvCardInfo(NvCardBaseInfo)));
+}
+
+Ovryn_NvCardInfoWidget *OvrynDeck2::newMonitorPage(const GpuCardInfo &card, NvGpuControl *control)
+{
+    unsigned int selectOption = 0;
+    if (generalSetting.ApplyLastParamOnStart &&
+        configFile.getMonitorModule(card.gpuName, card.subSystemId, selectOption))
+        return new Ovryn_NvCardInfoWidget(selectOption, control, this);
+    return new Ovryn_NvCardInfoWidget(control, this);
+}
+
+const GpuCardInfo *OvrynDeck2::shownCardInfo() const
+{
+    return currentCard >= 0 && currentCard < cardInfos.size() ? &cardInfos.at(currentCard) : nullptr;
+}
+
+const CardPageSet *OvrynDeck2::shownPages() const
+{
+    return currentCard >= 0 && currentCard < cardPageSets.size() ? &cardPageSets.at(currentCard) : nullptr;
+}
+
+void OvrynDeck2::showCard(int index)
+{
+    currentCard = index;
+    const GpuCardInfo *card = shownCardInfo();
+    if (!card)
+        return;
+    assignSlotButtons(*card);
+    btnHighPerformance->setVisible(offersHighPerformance(*card));
+    btnHighPerformance->setChecked(false); // no page holds the mode yet
+}
+
+void OvrynDeck2::assignSlotButtons(const GpuCardInfo &card)
+{
+    for (QPushButton *button : {btnFirstSlot, btnSecondSlot}) {
+        disconnect(button, SIGNAL(clicked(bool)), this, SLOT(onBtnLEDClicked(bool)));
+        disconnect(button, SIGNAL(clicked(bool)), this, SLOT(onBtnLCDClicked(bool)));
+        button->hide();
+    }
+    QPushButton *next = btnFirstSlot;
+    if (card.hasLed) {
+        next->setText(QStringLiteral("LED"));
+        connect(next, SIGNAL(clicked(bool)), this, SLOT(onBtnLEDClicked(bool)));
+        next->show();
+        next = btnSecondSlot;
+    }
+    if (card.hasLcd) {
+        next->setText(QStringLiteral("LCD"));
+        connect(next, SIGNAL(clicked(bool)), this, SLOT(onBtnLCDClicked(bool)));
+        next->show();
+    }
+}
+
+void OvrynDeck2::onGpuComboxCurrentIndexChanged(int index)
+{
+    showCard(index);
+    const GpuCardInfo *card = shownCardInfo();
+    if (!card)
+        return;
+    backgroundEffects->setVisible(card->family == kFamilyOvryn);
+    selectPage();
+    afterShow();
+}
+
+void OvrynDeck2::keyPressEvent(QKeyEvent *event)
+{
+    // A dialog rejects itself on Escape, which would end the program without saving.
+    if (event->key() != Qt::Key_Escape)
+        QDialog::keyPressEvent(event);
+}
+
+void OvrynDeck2::mousePressEvent(QMouseEvent *event)
+{
+    if (event->button() != Qt::LeftButton)
+        return;
+    dragging = true;
+    // From the event, not from pos(): some window managers place the window without telling the toolkit.
+    dragOffset = event->pos();
+}
+
+void OvrynDeck2::mouseMoveEvent(QMouseEvent *event)
+{
+    if (dragging && (event->buttons() & Qt::LeftButton))
+        move(event->globalPos() - dragOffset);
+}
+
+void OvrynDeck2::mouseReleaseEvent(QMouseEvent *event)
+{
+    if (event->button() == Qt::LeftButton)
+        dragging = false;
+}
+
+void OvrynDeck2::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.drawPixmap(0, 0, background);
+}
+
+void OvrynDeck2::resizeEvent(QResizeEvent *)
+{
+    layoutRects = mainDialogLayout(size());
+    const QList<QPair<QWidget *, QRect>> places = {
+        {cmbGpu, layoutRects.selector},
+        {btnMonitor, layoutRects.monitorButton},
+        {btnAdjust, layoutRects.adjustButton},
+        {btnBoardTempInfo, layoutRects.boardTempButton},
+        {btnHighPerformance, layoutRects.highPerformanceButton},
+        {btnGpuFixedInfo, layoutRects.fixedInfoButton},
+        {btnSetting, layoutRects.settingButton},
+        {btnMinimize, layoutRects.minimizeButton},
+        {btnClose, layoutRects.closeButton},
+        {btnFirstSlot, layoutRects.firstSlotButton},
+        {btnSecondSlot, layoutRects.secondSlotButton},
+        {circleStack, pagePanelShown ? layoutRects.gaugeShown : layoutRects.gaugeHome},
+        {pageStack, layoutRects.pagePanel},
+    };
+    for (const auto &place : places)
+        place.first->setGeometry(place.second);
+    settingPanel->move(settingPanelPosition(size(), settingPanel->size()));
+    MainDialogStyle::setCaptionFonts({btnMonitor, btnAdjust, btnBoardTempInfo, btnHighPerformance}, {});
+    MainDialogStyle::setCaptionFonts({btnFirstSlot, btnSecondSlot}, QStringLiteral("Space Age"));
+}

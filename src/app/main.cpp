@@ -1,0 +1,93 @@
+#include "app/OvrynDeck2.h"
+#include "config/Ovryn_ConfigFile.h"
+#include "platform/QtSingleApplication.h"
+#include "ui/Fonts.h"
+#include "ui/Ovryn_LanguageTable.h"
+#include "ui/Ovryn_MessageBox.h"
+
+#include <QDate>
+#include <QDir>
+#include <QFont>
+#include <QIcon>
+
+namespace
+{
+
+const char *const kApplicationId = "Brindlex_OvrynDeck2";
+constexpr int kMessageTimeoutMs = 5000;
+
+/// Neither language is known yet when the installation folder can't be entered, so both stand there.
+int tellUnknownError()
+{
+    Ovryn_MessageBox box(0, QString(), QStringLiteral("未知错误发生\r\nAn unknown error has occurred"),
+                         kLanguageChinese, nullptr, Qt::WindowFlags(Ovryn_MessageBox::usualWindowFlags));
+    box.setYesText(QStringLiteral("确定/Comfirm"));
+    box.exec();
+    return 0;
+}
+
+/// Stamps the start into config.xml before any window exists and gives back the settings found there,
+/// or their defaults where the file can't be used.
+GeneralSettingInfo stampStart(Ovryn_ConfigFile &configFile)
+{
+    configFile.load();
+    configFile.setLastStartDate(QDate::currentDate());
+    configFile.save();
+
+    GeneralSettingInfo general;
+    configFile.getGeneralSetting(general);
+    return general;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QtSingleApplication application(QString::fromLatin1(kApplicationId), argc, argv);
+    if (application.isRunning()) {
+        application.sendMessage(QStringLiteral("show"), kMessageTimeoutMs);
+        return 0;
+    }
+
+    // The window may be hidden in the tray while a box closes; the close event alone ends the program.
+    QApplication::setQuitOnLastWindowClosed(false);
+    substituteFontFamilies();
+    if (!QDir::setCurrent(QCoreApplication::applicationDirPath()))
+        return tellUnknownError();
+
+    GeneralSettingInfo general;
+    {
+        Ovryn_ConfigFile configFile;
+        general = stampStart(configFile);
+    }
+    Ovryn_LanguageTable languageTable;
+    languageTable.setLanguage(languageNumberOf(general.Language));
+
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/images/images/icon.png")));
+    registerApplicationFonts();
+    QFont font;
+    font.setFamily(QStringLiteral("微软雅黑"));
+    QApplication::setFont(font);
+
+    OvrynDeck2 dialog;
+    dialog.setWindowTitle(QStringLiteral("OvrynDeckII"));
+    application.setActivationWindow(&dialog, true);
+    QObject::connect(&dialog, SIGNAL(closed()), &application, SLOT(quit()));
+    dialog.setWindowOpacity(1.0);
+    dialog.setAttribute(Qt::WA_TranslucentBackground, true);
+    dialog.setWindowFlags(Qt::FramelessWindowHint | Qt::WindowMinimizeButtonHint);
+
+    if (dialog.cardCount() <= 0) {
+        Ovryn_MessageBox box(0, QString(), languageTable.noCard, languageTable.language(), nullptr,
+                             Qt::WindowFlags(Ovryn_MessageBox::usualWindowFlags));
+        box.exec();
+        return 0;
+    }
+    if (general.MinimizeOnStart) {
+        dialog.hide();
+    } else {
+        dialog.show();
+        dialog.afterShow();
+    }
+    return QApplication::exec();
+}

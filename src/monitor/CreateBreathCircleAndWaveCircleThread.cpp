@@ -1,0 +1,132 @@
+#include "monitor/CreateBreathCircleAndWaveCircleThread.h"
+
+#include "monitor/SharedGaugeAnimation.h"
+
+#include <QMutexLocker>
+
+namespace
+{
+
+constexpr unsigned long kEndTimeoutMs = 1000;
+
+QImage emptyImage(int side)
+{
+    return QImage(side, side, QImage::Format_ARGB32_Premultiplied);
+}
+
+} // namespace
+
+CreateBreathCircleAndWaveCircleThread::CreateBreathCircleAndWaveCircleThread(QObject *parent) : QThread(parent)
+{
+    image = emptyImage(size);
+}
+
+CreateBreathCircleAndWaveCircleThread::~CreateBreathCircleAndWaveCircleThread()
+{
+    stopRender();
+    wait(kEndTimeoutMs);
+    terminate(); // a thread that has ended takes no notice
+    wait();      // terminate() returns before the thread has ended
+}
+
+void CreateBreathCircleAndWaveCircleThread::startRender()
+{
+    QMutexLocker locker(&mutex);
+    if (!stopped)
+        return;
+    if (leaving) {
+        // start() would do nothing while the old run is on its way out
+        wait();
+        leaving = false;
+    }
+    start(QThread::InheritPriority);
+    stopped = false;
+}
+
+void CreateBreathCircleAndWaveCircleThread::stopRender()
+{
+    QMutexLocker locker(&mutex);
+    stopped = true;
+}
+
+void CreateBreathCircleAndWaveCircleThread::setSize(int side)
+{
+    QMutexLocker locker(&mutex);
+    size = qBound(0, side, kMaxSide);
+    image = emptyImage(size);
+}
+
+void CreateBreathCircleAndWaveCircleThread::setBreathEnabled(bool enabled)
+{
+    QMutexLocker locker(&mutex);
+    breathEnabled = enabled;
+}
+
+void CreateBreathCircleAndWaveCircleThread::setWaveEnabled(bool enabled)
+{
+    QMutexLocker locker(&mutex);
+    waveEnabled = enabled;
+}
+
+void CreateBreathCircleAndWaveCircleThread::setWaveLevel(double level)
+{
+    QMutexLocker locker(&mutex);
+    waveLevel = level;
+}
+
+void CreateBreathCircleAndWaveCircleThread::setBreathRadius(double r)
+{
+    QMutexLocker locker(&mutex);
+    breathRadius = r - 1.0;
+}
+
+void CreateBreathCircleAndWaveCircleThread::setWaveRadius(double r)
+{
+    QMutexLocker locker(&mutex);
+    waveRadius = r + 1.0;
+}
+
+void CreateBreathCircleAndWaveCircleThread::setSleepMs(unsigned long milliseconds)
+{
+    QMutexLocker locker(&mutex);
+    sleepMs = milliseconds;
+}
+
+QImage CreateBreathCircleAndWaveCircleThread::renderFrame()
+{
+    QMutexLocker locker(&mutex);
+    paintFrame();
+    return image;
+}
+
+void CreateBreathCircleAndWaveCircleThread::run()
+{
+    for (;;) {
+        mutex.lock();
+        paintFrame();
+        emit sendImage(image);
+        if ((!breathEnabled && !waveEnabled) || stopped) {
+            stopped = true;
+            leaving = true;
+            mutex.unlock();
+            return;
+        }
+        const unsigned long pause = sleepMs;
+        mutex.unlock();
+        msleep(pause);
+    }
+}
+
+void CreateBreathCircleAndWaveCircleThread::paintFrame()
+{
+    if (!image.isDetached())
+        image = emptyImage(size); // fill() would copy first what it then overwrites
+    if (image.isNull())
+        return;
+    image.fill(Qt::transparent);
+
+    if (breathEnabled)
+        paintGlow(image, breathRadius, SharedGaugeAnimation::stepPulse().breathPos, glowColor);
+    const WaveDisc disc = {image.width(), waveRadius, waveEnabled ? waveLevel : 0.0, lightBrush, darkBrush};
+    paintWaveDisc(image, disc, disc.hasWave() ? SharedGaugeAnimation::stepWave(disc.shape()) : WaveMotion());
+}

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "monitor/BreathAndWave.h"
+
+#include <QBrush>
+#include <QColor>
+#include <QImage>
+#include <QMutex>
+#include <QThread>
+
+/// Worker that paints the gauge's background 50 times a second and hands it over by signal. Owned by a
+/// gauge box, whose GUI thread calls everything here but run(). Nothing fails: sizes, radii and levels
+/// that make no picture give an empty one. The thread ends by itself when both effects are off, and
+/// startRender() starts it again.
+///
+/// The state of pulse and waves is one for the program (SharedGaugeAnimation), not a member.
+class CreateBreathCircleAndWaveCircleThread : public QThread
+{
+    Q_OBJECT
+
+public:
+    explicit CreateBreathCircleAndWaveCircleThread(QObject *parent);
+    ~CreateBreathCircleAndWaveCircleThread() override;
+
+    void startRender(); ///< does nothing while it runs
+    void stopRender();  ///< a request: the loop sees it at the end of a frame
+
+    void setSize(int side); ///< side of the picture in pixels; held to 0 up to kMaxSide
+    void setBreathEnabled(bool enabled);
+    void setWaveEnabled(bool enabled);
+    void setWaveLevel(double level); ///< 0 empty to 1 full
+    /// The glow starts one pixel inside the ring's outer edge `r`.
+    void setBreathRadius(double r);
+    /// The disc overlaps the edge `r` of the ring's hole by one pixel.
+    void setWaveRadius(double r);
+    void setSleepMs(unsigned long milliseconds); ///< pause between two frames
+
+    /// Steps the animation and paints the next frame as the loop does, for a caller without the thread.
+    [[nodiscard]] QImage renderFrame();
+
+    static constexpr int kMaxSide = 8192; ///< no screen shows a larger gauge
+
+signals:
+    /// Emitted on the worker's thread with its mutex held: connect queued.
+    void sendImage(QImage pixmap);
+
+protected:
+    void run() override;
+
+private:
+    void paintFrame();
+
+    // all guarded by mutex
+    double breathRadius = 0;
+    double waveRadius = 0;
+    double waveLevel = 0;
+    unsigned long sleepMs = 20;
+    QMutex mutex;
+    bool stopped = true;
+    QImage image;
+    bool breathEnabled = true;
+    bool waveEnabled = true;
+    int size = 100;
+    QBrush lightBrush = QColor(236, 9, 40, 50);
+    QBrush darkBrush = QColor(236, 9, 40, 150);
+    QColor glowColor = QColor(236, 9, 40, 180);
+    bool leaving = false; ///< the loop has decided to end and takes the mutex no more
+};

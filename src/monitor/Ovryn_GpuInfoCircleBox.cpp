@@ -1,0 +1,218 @@
+#include "monitor/Ovryn_GpuInfoCircleBox.h"
+
+#include "monitor/CreateBreathCircleAndWaveCircleThread.h"
+#include "monitor/GaugeLayout.h"
+#include "monitor/Ovryn_CircleButton.h"
+#include "ui/PageFrame.h"
+
+#include <QPainter>
+#include <QRegion>
+
+#include <utility>
+
+namespace
+{
+
+constexpr int kFadeIntervalMs = 20;
+constexpr int kFadeStep = 10; // the fade takes 26 ticks
+constexpr int kOpaque = 255;
+
+LCDDisplayMode lcdModeFor(GaugeDisplayMode mode)
+{
+    switch (mode) {
+    case GaugeDisplayTemperature:
+        return LcdDisplayTemperature;
+    case GaugeDisplayMemory:
+        return LcdDisplayMemory;
+    case GaugeDisplayClock:
+        break;
+    }
+    return LcdDisplayClock;
+}
+
+} // namespace
+
+Ovryn_GpuInfoCircleBox::Ovryn_GpuInfoCircleBox(QWidget *parent)
+    : QWidget(parent),
+      btnFreClock(new Ovryn_CircleButton(RingSegmentClock, this)),
+      btnTemperature(new Ovryn_CircleButton(RingSegmentTemperature, this)),
+      btnMemory(new Ovryn_CircleButton(RingSegmentMemory, this)),
+      fadeTimer(new QTimer(this)),
+      renderer(new CreateBreathCircleAndWaveCircleThread(this))
+{
+    qRegisterMetaType<LCDDisplayMode>("LCDDisplayMode");
+    btnFreClock->setObjectName(QStringLiteral("btnFreClock"));
+    btnTemperature->setObjectName(QStringLiteral("btnTemperature"));
+    btnMemory->setObjectName(QStringLiteral("btnMemory"));
+    fadeTimer->setObjectName(QStringLiteral("fadeTimer"));
+    fadeTimer->setInterval(kFadeIntervalMs);
+    renderer->setBreathEnabled(false);
+    renderer->setWaveEnabled(false);
+    updateReadoutTexts();
+    updateOverlayTexts();
+
+    connect(btnFreClock, SIGNAL(onMouseClick()), this, SLOT(btnFreClock_MouseClick()));
+    connect(btnTemperature, SIGNAL(onMouseClick()), this, SLOT(btnTemperature_MouseClick()));
+    connect(btnMemory, SIGNAL(onMouseClick()), this, SLOT(btnMemory_MouseClick()));
+    connect(fadeTimer, SIGNAL(timeout()), this, SLOT(onTimer1Timerout()));
+    connect(renderer, SIGNAL(sendImage(QImage)), this, SLOT(recvRenderedImage(QImage)), Qt::QueuedConnection);
+}
+
+Ovryn_GpuInfoCircleBox::~Ovryn_GpuInfoCircleBox()
+{
+    delete renderer; // it must have ended before the box that it sends to goes
+}
+
+void Ovryn_GpuInfoCircleBox::setAdjustInfo(QString currentValue, QString changedValue, int changedSize)
+{
+    adjustCurrent = std::move(currentValue);
+    adjustChanged = std::move(changedValue);
+    adjustSize = changedSize;
+    updateOverlayTexts();
+    fadeTimer->stop();
+    overlayAlpha = 0;
+    update();
+}
+
+void Ovryn_GpuInfoCircleBox::closeDisplayInfo()
+{
+    if (overlayAlpha < kOpaque)
+        fadeTimer->start();
+    update();
+}
+
+void Ovryn_GpuInfoCircleBox::onTimer1Timerout()
+{
+    overlayAlpha += kFadeStep;
+    if (overlayAlpha >= kOpaque) {
+        overlayAlpha = kOpaque;
+        fadeTimer->stop();
+    }
+    update();
+}
+
+void Ovryn_GpuInfoCircleBox::recvNvCardInfo(NvCardBaseInfo info)
+{
+    nvCardBaseInfo = info;
+    waveLevel = nvCardBaseInfo.memoryUsagePercent.currentValue / 100.0;
+    renderer->setWaveLevel(waveLevel);
+    updateReadoutTexts();
+    update();
+}
+
+void Ovryn_GpuInfoCircleBox::setEnableBreathingCircle(bool enable)
+{
+    renderer->setBreathEnabled(enable);
+    if (isVisible())
+        renderer->startRender();
+}
+
+void Ovryn_GpuInfoCircleBox::setEnableWave(bool enable)
+{
+    enableWave = enable;
+    if (displayMode == GaugeDisplayMemory)
+        renderer->setWaveEnabled(enable);
+    if (isVisible())
+        renderer->startRender();
+}
+
+void Ovryn_GpuInfoCircleBox::setLanguage(Lang_BreathCircle lang, LanguageType langType)
+{
+    words = std::move(lang);
+    language = langType;
+    btnFreClock->setText(words.clock);
+    btnTemperature->setText(words.temp);
+    btnMemory->setText(words.memory);
+    updateOverlayTexts();
+    update();
+}
+
+void Ovryn_GpuInfoCircleBox::btnFreClock_MouseClick()
+{
+    selectDisplayMode(GaugeDisplayClock);
+}
+
+void Ovryn_GpuInfoCircleBox::btnTemperature_MouseClick()
+{
+    selectDisplayMode(GaugeDisplayTemperature);
+}
+
+void Ovryn_GpuInfoCircleBox::btnMemory_MouseClick()
+{
+    selectDisplayMode(GaugeDisplayMemory);
+}
+
+void Ovryn_GpuInfoCircleBox::selectDisplayMode(GaugeDisplayMode mode)
+{
+    displayMode = mode;
+    overlayAlpha = kOpaque;
+    updateReadoutTexts();
+    const bool wave = mode == GaugeDisplayMemory && enableWave;
+    renderer->setWaveEnabled(wave);
+    if (wave)
+        renderer->startRender();
+    emit setLcdDisplayMode(lcdModeFor(mode));
+    update();
+}
+
+void Ovryn_GpuInfoCircleBox::recvRenderedImage(const QImage &image)
+{
+    recvBkImg(QPixmap::fromImage(image));
+}
+
+void Ovryn_GpuInfoCircleBox::recvBkImg(QPixmap pixmap)
+{
+    background = std::move(pixmap);
+    update();
+}
+
+void Ovryn_GpuInfoCircleBox::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    const RingLayout ring = ringLayoutFor(size(), ringRatio);
+    ringSize = ring.ringSize;
+    holeRadius = ring.holeRadius;
+    readoutLayout = readoutLayoutFor(ring.side, holeRadius);
+    overlayLayout = overlayLayoutFor(ring.side, holeRadius, ringRatio);
+    setMask(QRegion(0, 0, ring.side, ring.side, QRegion::Ellipse));
+
+    for (Ovryn_CircleButton *button : {btnFreClock, btnTemperature, btnMemory}) {
+        button->setThickness(ring.thickness);
+        button->setGeometry(ring.button);
+    }
+    renderer->setSize(ring.side);
+    renderer->setBreathRadius(ringSize * 0.5);
+    renderer->setWaveRadius(holeRadius);
+}
+
+void Ovryn_GpuInfoCircleBox::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.drawPixmap(0, 0, background);
+    if (overlayAlpha > 0)
+        paintReadout(painter, readoutLayout, readoutTexts, overlayAlpha);
+    if (overlayAlpha < kOpaque)
+        paintOverlay(painter, overlayLayout, overlayTexts, PageFrame::fontFamily(language), kOpaque - overlayAlpha);
+}
+
+void Ovryn_GpuInfoCircleBox::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    renderer->startRender();
+}
+
+void Ovryn_GpuInfoCircleBox::hideEvent(QHideEvent *event)
+{
+    QWidget::hideEvent(event);
+    renderer->stopRender();
+}
+
+void Ovryn_GpuInfoCircleBox::updateReadoutTexts()
+{
+    readoutTexts = readoutTextsFor(displayMode, nvCardBaseInfo);
+}
+
+void Ovryn_GpuInfoCircleBox::updateOverlayTexts()
+{
+    overlayTexts = overlayTextsFor(words, adjustCurrent, adjustChanged, adjustSize);
+}

@@ -1,0 +1,160 @@
+#include "platform/SingleInstanceChannel.h"
+
+#include "platform/UserScope.h"
+
+#include <QDeadlineTimer>
+#include <QLocalSocket>
+#include <QThread>
+#include <QTimer>
+#include <QUrl>
+#include <QtEndian>
+
+namespace
+{
+
+// A message is its length in bytes, big-endian, and its text in UTF-8. The answer is one byte.
+constexpr int kLengthBytes = 4;
+constexpr char kTaken = 'T';
+
+constexpr int kPeersMax = 64;
+constexpr int kRetryMs = 20;      // between two tries to connect, while the first process is still coming up
+constexpr int kLockWriteMs = 200; // more than it takes from making a lock file to naming its process in it
+
+QString baseName(const QString &id)
+{
+    return QString::fromLatin1(QUrl::toPercentEncoding(id)) + QLatin1Char('-') + userId();
+}
+
+} // namespace
+
+QString SingleInstanceChannel::lockFileName(const QString &id)
+{
+    return userRuntimeFolder() + QLatin1Char('/') + baseName(id) + QStringLiteral(".lock");
+}
+
+QString SingleInstanceChannel::serverAddress(const QString &id)
+{
+    return userServerAddress(baseName(id));
+}
+
+SingleInstanceChannel::SingleInstanceChannel(const QString &id, QObject *parent)
+    : QObject(parent), address(serverAddress(id)), lock(lockFileName(id))
+{
+    lock.setStaleLockTime(0); // a lock never grows stale by age, only by the end of its process
+    connect(&server, SIGNAL(newConnection()), this, SLOT(onNewConnection()));
+    if (takeLock())
+        listen();
+}
+
+bool SingleInstanceChannel::isFirst()
+{
+    if (lock.isLocked())
+        return true;
+    if (takeLock()) {
+        listen();
+        return true;
+    }
+    return lock.error() != QLockFile::LockFailedError; // without lock files nobody could ever start otherwise
+}
+
+bool SingleInstanceChannel::takeLock()
+{
+    if (lock.tryLock())
+        return true;
+    if (lock.error() != QLockFile::LockFailedError || !lockNamesNobody())
+        return false;
+    // Its process is just writing its name, or was killed before it could. The file of a living one cannot be
+    // removed: it is locked in the system's sense, too.
+    if (lock.tryLock(kLockWriteMs))
+        return true;
+    return lockNamesNobody() && lock.removeStaleLockFile() && lock.tryLock();
+}
+
+bool SingleInstanceChannel::lockNamesNobody() const
+{
+    qint64 processId = 0;
+    QString host;
+    QString program;
+    return !lock.getLockInfo(&processId, &host, &program);
+}
+
+void SingleInstanceChannel::listen()
+{
+    QLocalServer::removeServer(address); // of a first process that was killed
+    server.setSocketOptions(QLocalServer::UserAccessOption);
+    server.listen(address);
+}
+
+bool SingleInstanceChannel::send(const QString &message, int timeoutMs) const
+{
+    const QByteArray text = message.toUtf8();
+    if (quint32(text.size()) > kMessageBytesMax)
+        return false;
+    QByteArray frame(kLengthBytes, '\0');
+    qToBigEndian(quint32(text.size()), frame.data());
+    frame += text;
+
+    const QDeadlineTimer deadline(timeoutMs);
+    const auto remainingMs = [&deadline]() {
+        return int(deadline.remainingTime());
+    };
+    QLocalSocket socket;
+    socket.connectToServer(address);
+    while (!socket.waitForConnected(remainingMs())) {
+        if (deadline.hasExpired())
+            return false;
+        QThread::msleep(kRetryMs);
+        socket.abort();
+        socket.connectToServer(address);
+    }
+    socket.write(frame);
+    while (socket.bytesToWrite() > 0) {
+        if (!socket.waitForBytesWritten(remainingMs()))
+            return false;
+    }
+    char answer = 0;
+    return (socket.bytesAvailable() > 0 || socket.waitForReadyRead(remainingMs())) && socket.getChar(&answer) &&
+           answer == kTaken;
+}
+
+void SingleInstanceChannel::onNewConnection()
+{
+    while (QLocalSocket *peer = server.nextPendingConnection()) {
+        if (server.findChildren<QLocalSocket *>(QString(), Qt::FindDirectChildrenOnly).size() > kPeersMax) {
+            delete peer;
+            continue;
+        }
+        peer->setReadBufferSize(kLengthBytes + kMessageBytesMax);
+        connect(peer, SIGNAL(readyRead()), this, SLOT(onReadyRead()));
+        connect(peer, SIGNAL(disconnected()), peer, SLOT(deleteLater()));
+        auto *patience = new QTimer(peer);
+        connect(patience, SIGNAL(timeout()), peer, SLOT(deleteLater()));
+        patience->start(peerTimeoutMs);
+        readFrom(peer);
+    }
+}
+
+void SingleInstanceChannel::onReadyRead()
+{
+    readFrom(qobject_cast<QLocalSocket *>(sender()));
+}
+
+/// Takes the message once it is complete. What follows it is not read.
+void SingleInstanceChannel::readFrom(QLocalSocket *peer)
+{
+    if (!peer || peer->bytesAvailable() < kLengthBytes)
+        return;
+    const quint32 length = qFromBigEndian<quint32>(peer->peek(kLengthBytes).constData());
+    if (length <= kMessageBytesMax && peer->bytesAvailable() < kLengthBytes + qint64(length))
+        return;
+    disconnect(peer, SIGNAL(readyRead()), this, SLOT(onReadyRead()));
+    if (length > kMessageBytesMax) {
+        peer->abort();
+        return;
+    }
+    const QByteArray text = peer->read(kLengthBytes + qint64(length)).mid(kLengthBytes);
+    peer->putChar(kTaken);
+    peer->flush();
+    peer->disconnectFromServer();
+    emit messageReceived(QString::fromUtf8(text.constData(), text.size())); // last: a receiver may run an event loop, in which the peer goes
+}

@@ -1,0 +1,23 @@
+#include "platform/UserScope.h"
+
+#include <QStandardPaths>
+
+#include <unistd.h>
+
+QString userId()
+{
+    return QString::number(getuid());
+}
+
+QString userRuntimeFolder()
+{
+    // Empty where the folder belongs to somebody else; the temporary folder is shared, but nobody's locks hold there
+    // for longer than their process lives.
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+    return folder.isEmpty() ? QStandardPaths::writableLocation(QStandardPaths::TempLocation) : folder;
+}
+
+QString userServerAddress(const QString &name)
+{
+    return userRuntimeFolder() + QLatin1Char('/') + name;
+}

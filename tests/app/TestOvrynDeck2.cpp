@@ -1,0 +1,573 @@
+#include "app/OvrynDeck2.h"
+#include "monitor/Ovryn_BackgroundEffects.h"
+#include "monitor/Ovryn_GpuInfoCircleBox.h"
+#include "monitor/Ovryn_NvCardInfoWidget.h"
+#include "support/ConnectWarnings.h"
+#include "support/FakeDriver.h"
+#include "support/ModalAnswer.h"
+#include "ui/Ovryn_ComboBox.h"
+#include "ui/Ovryn_SettingParentWidget.h"
+#include "ui/RollStackWidget.h"
+
+#include <QDir>
+#include <QPushButton>
+#include <QStackedWidget>
+#include <QTemporaryDir>
+#include <QTest>
+
+/// The main dialog on a stand-in for the driver, in a folder of its own. The two questions that are asked once a
+/// run are process-wide, so the rows about them stand in the order in which a run meets them.
+class TestOvrynDeck2 : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void promptOfTheHighPerformanceModeComesOnce();
+    void adjustWarningComesOnce();
+    void everyConnectionIsGood();
+    void detectionOfTwoCards();
+    void noCard();
+    void cardWithoutAName();
+    void identicalCardsHaveTheirOwnSections();
+    void slotButtons_data();
+    void slotButtons();
+    void lcdAloneUnchecksItsOwnButton();
+    void pageButtons_data();
+    void pageButtons();
+    void secondClickClosesThePage();
+    void pageToPageKeepsThePanelOpen();
+    void ledPageTakesTheGaugesPlace();
+    void gaugeSlidesTenPixelsATick();
+    void changeOfCardKeepsThePage();
+    void effectsShowForTheMakersCards();
+    void highPerformanceSwitchShows_data();
+    void highPerformanceSwitchShows();
+    void storedSelectionIsUsed_data();
+    void storedSelectionIsUsed();
+    void languageOfTheFile_data();
+    void languageOfTheFile();
+    void changeOfLanguageReachesEveryWord();
+    void closingWritesTheFile();
+    void escapeKeepsTheDialog();
+    void boardTemperatureButtonLeadsNowhere();
+    void everythingEndsWithTheDialog();
+
+private:
+    static QPushButton *button(const OvrynDeck2 &dialog, const char *name);
+    static void finishSlide(OvrynDeck2 &dialog);
+    static void writeConfig(const char *xml);
+    static QString savedText();
+
+    QString formerFolder;
+    QTemporaryDir *folder = nullptr;
+    FakeDriver *driver = nullptr;
+};
+
+namespace
+{
+
+constexpr quint8 kLedAddress = 0xA0;
+constexpr quint8 kLcdAddress = 0xAC;
+
+void makeForeign(FakeCard &card, const char *name)
+{
+    card.fullName = name;
+    card.subSystemId = 0x85AA1043;
+    card.i2cListeners.clear();
+}
+
+QStackedWidget *circleStack(const OvrynDeck2 &dialog)
+{
+    return dialog.findChild<QStackedWidget *>(QStringLiteral("circleStack"));
+}
+
+} // namespace
+
+void TestOvrynDeck2::init()
+{
+    formerFolder = QDir::currentPath();
+    folder = new QTemporaryDir;
+    QVERIFY(folder->isValid());
+    QVERIFY(QDir::setCurrent(folder->path()));
+    driver = new FakeDriver;
+}
+
+void TestOvrynDeck2::cleanup()
+{
+    delete driver;
+    driver = nullptr;
+    QDir::setCurrent(formerFolder);
+    delete folder;
+    folder = nullptr;
+}
+
+QPushButton *TestOvrynDeck2::button(const OvrynDeck2 &dialog, const char *name)
+{
+    return dialog.findChild<QPushButton *>(QString::fromLatin1(name));
+}
+
+void TestOvrynDeck2::finishSlide(OvrynDeck2 &dialog)
+{
+    for (int tick = 0; tick < 200; ++tick)
+        dialog.onMoveCircleWidgetTimerTimeout();
+}
+
+void TestOvrynDeck2::writeConfig(const char *xml)
+{
+    QFile file(QStringLiteral("config.xml"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(xml);
+}
+
+QString TestOvrynDeck2::savedText()
+{
+    QFile file(QStringLiteral("config.xml"));
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+void TestOvrynDeck2::promptOfTheHighPerformanceModeComesOnce()
+{
+    // a card without the switch leaves the question for a later one
+    driver->cards.resize(2);
+    makeForeign(driver->card(0), "GeForce GTX 1080");
+    OvrynDeck2 dialog;
+    dialog.show();
+    ModalAnswer answer({QStringLiteral("msgBoxYesBtn")}, QStringLiteral("msgBoxCheckBox"));
+    dialog.afterShow();
+    QCOMPARE(answer.texts(), QStringList());
+
+    dialog.findChild<Ovryn_ComboBox *>()->setCurrentIndex(1);
+    QCOMPARE(answer.problems(), QStringList());
+    QCOMPARE(answer.texts(), QStringList({QStringLiteral("检测到GeForce GTX 1070 Ti，可激活高性能模式。")}));
+    dialog.findChild<Ovryn_ComboBox *>()->setCurrentIndex(0);
+    dialog.findChild<Ovryn_ComboBox *>()->setCurrentIndex(1);
+    dialog.afterShow();
+    QCOMPARE(answer.texts().size(), 1);
+
+    QVERIFY(savedText().contains(QLatin1String("NotPromptHPS=\"0\""))); // in memory only until the close
+    dialog.close();
+    QVERIFY(savedText().contains(QLatin1String("NotPromptHPS=\"1\"")));
+}
+
+void TestOvrynDeck2::adjustWarningComesOnce()
+{
+    OvrynDeck2 dialog;
+    dialog.show();
+    QPushButton *adjust = button(dialog, "btnAdjust");
+    ModalAnswer answer({QStringLiteral("msgBoxNoBtn"), QStringLiteral("msgBoxYesBtn")});
+
+    adjust->click(); // refused: stays armed
+    QVERIFY(!adjust->isChecked());
+    QCOMPARE(dialog.shownPage(), int(OvrynDeck2::HomePage));
+
+    adjust->click(); // accepted
+    QVERIFY(adjust->isChecked());
+    QCOMPARE(dialog.shownPage(), int(OvrynDeck2::AdjustPage));
+
+    adjust->click(); // the way out asks nothing
+    QCOMPARE(dialog.shownPage(), int(OvrynDeck2::HomePage));
+    adjust->click(); // nor does a later opening
+    QCOMPARE(dialog.shownPage(), int(OvrynDeck2::AdjustPage));
+
+    QCOMPARE(answer.problems(), QStringList());
+    QCOMPARE(answer.texts().size(), 2);
+    QCOMPARE(answer.texts().at(0), QStringLiteral("不正当的调节可能造成系统不稳定，严重可能损坏显卡，是否继续?"));
+}
+
+void TestOvrynDeck2::everyConnectionIsGood()
+{
+    driver->cards.resize(2);
+    ConnectWarnings warnings;
+    OvrynDeck2 dialog;
+    dialog.show();
+    dialog.findChild<Ovryn_ComboBox *>()->setCurrentIndex(1);
+    QStringList found;
+    for (const QString &warning : warnings.list())
+        if (!warning.contains(QLatin1String("systemTrayWindowChanged"))) // the toolkit's own, off a real screen
+            found << warning;
+    QCOMPARE(found, QStringList());
+}
+
+void TestOvrynDeck2::detectionOfTwoCards()
+{
+    driver->cards.resize(2);
+    makeForeign(driver->card(1), "GeForce GTX 1080");
+    OvrynDeck2 dialog;
+    QCOMPARE(dialog.cardCount(), 2);
+
+    const QStringList calls = driver->calls();
+    QStringList begin;
+    for (const QString &call : calls.mid(0, 8))
+        begin << call.section(QLatin1Char(' '), 0, 1);
+    QCOMPARE(begin.at(0), QStringLiteral("Initialize"));
+
+    // Each card in turn: identifiers, name, the frame of five bytes to its LEDs, the LCD's frame of 35 bytes.
+    const QStringList identity = calls.filter(QStringLiteral("GPU_GetPCIIdentifiers"));
+    QVERIFY(identity.size() >= 2);
+    const int first = calls.indexOf(identity.at(0));
+    QVERIFY2(calls.at(first + 1).startsWith(QLatin1String("GPU_GetFullName gpu0")), qPrintable(calls.at(first + 1)));
+    QCOMPARE(calls.at(first + 2), QStringLiteral("I2CWrite gpu0 0x3002C addr=A0 reg=00 regSize=0 size=5 speed=FFFF/6 "
+                                                 "port=1/1 data=05 0A 00 00 F0"));
+    const QStringList lcdFrames = calls.filter(QStringLiteral("I2CWrite gpu0 0x3002C addr=AC"));
+    QVERIFY(!lcdFrames.isEmpty());
+    QVERIFY2(lcdFrames.at(0).contains(QLatin1String("data=AA 88")), qPrintable(lcdFrames.at(0)));
+    const int second = calls.indexOf(QRegularExpression(QStringLiteral("^GPU_GetPCIIdentifiers gpu1.*")));
+    QVERIFY(second > calls.indexOf(lcdFrames.at(0)));
+
+    const GpuCardInfo &maker = dialog.cards().at(0);
+    QCOMPARE(maker.displayName, QStringLiteral("Ovryn 1070 Ti"));
+    QVERIFY(maker.hasLed);
+    QVERIFY(maker.hasLcd);
+    const GpuCardInfo &foreign = dialog.cards().at(1);
+    QCOMPARE(foreign.displayName, QStringLiteral("GTX 1080"));
+    QVERIFY(!foreign.hasLed);
+    QVERIFY(!foreign.hasLcd);
+    QCOMPARE(dialog.findChild<Ovryn_ComboBox *>()->itemText(1), QStringLiteral("GTX 1080"));
+    QCOMPARE(dialog.findChild<Ovryn_ComboBox *>()->itemData(1).toInt(), 1);
+}
+
+void TestOvrynDeck2::noCard()
+{
+    driver->libraryExists = false;
+    OvrynDeck2 dialog;
+    QCOMPARE(dialog.cardCount(), 0);
+    QVERIFY(dialog.cards().isEmpty());
+    QCOMPARE(dialog.findChild<Ovryn_ComboBox *>()->count(), 0);
+    dialog.show();
+    button(dialog, "btnMonitor")->click(); // nothing to show, nothing to fail
+    finishSlide(dialog);
+    dialog.afterShow();
+}
+
+void TestOvrynDeck2::cardWithoutAName()
+{
+    driver->fails("NvAPI_GPU_GetFullName", NVAPI_ERROR);
+    OvrynDeck2 dialog;
+    QCOMPARE(dialog.cardCount(), 1);
+    QCOMPARE(dialog.cards().at(0).gpuName, QString());
+}
+
+void TestOvrynDeck2::identicalCardsHaveTheirOwnSections()
+{
+    driver->cards.resize(2);
+    {
+        OvrynDeck2 dialog;
+        QCOMPARE(dialog.cards().at(1).gpuName, QStringLiteral("GeForce GTX 1070 Ti 1"));
+        QCOMPARE(dialog.cards().at(1).displayName, QStringLiteral("Ovryn 1070 Ti 1"));
+        const QList<Ovryn_NvCardInfoWidget *> pages = dialog.findChildren<Ovryn_NvCardInfoWidget *>();
+        QCOMPARE(pages.size(), 2);
+        dialog.close();
+    }
+    Ovryn_ConfigFile config;
+    QVERIFY(config.load());
+    quint32 option = 0;
+    QVERIFY(config.getMonitorModule(QStringLiteral("GeForce GTX 1070 Ti"), 0x111D7377, option));
+    QVERIFY(config.getMonitorModule(QStringLiteral("GeForce GTX 1070 Ti 1"), 0x111D7377, option));
+    QVERIFY(!config.getMonitorModule(QStringLiteral("GeForce GTX 1070 Ti 2"), 0x111D7377, option));
+}
+
+void TestOvrynDeck2::slotButtons_data()
+{
+    QTest::addColumn<bool>("led");
+    QTest::addColumn<bool>("lcd");
+    QTest::addColumn<QString>("first");
+    QTest::addColumn<QString>("second");
+
+    QTest::newRow("LED and LCD") << true << true << "LED" << "LCD";
+    QTest::newRow("LED alone") << true << false << "LED" << "";
+    QTest::newRow("LCD alone stands first") << false << true << "LCD" << "";
+    QTest::newRow("neither") << false << false << "" << "";
+}
+
+void TestOvrynDeck2::slotButtons()
+{
+    QFETCH(bool, led);
+    QFETCH(bool, lcd);
+    driver->card().i2cListeners.clear();
+    if (led)
+        driver->card().i2cListeners.insert(kLedAddress);
+    if (lcd)
+        driver->card().i2cListeners.insert(kLcdAddress);
+    OvrynDeck2 dialog;
+    dialog.show();
+    const auto caption = [&](const char *name) {
+        return button(dialog, name)->isVisible() ? button(dialog, name)->text() : QString();
+    };
+    QTEST(caption("btnFirstSlot"), "first");
+    QTEST(caption("btnSecondSlot"), "second");
+}
+
+void TestOvrynDeck2::lcdAloneUnchecksItsOwnButton()
+{
+    driver->card().i2cListeners = {kLcdAddress};
+    OvrynDeck2 dialog;
+    dialog.show();
+    button(dialog, "btnFirstSlot")->click();
+    QVERIFY(!button(dialog, "btnFirstSlot")->isChecked());
+    QCOMPARE(dialog.shownPage(), int(OvrynDeck2::LcdPage));
+    QVERIFY(dialog.findChild<RollStackWidget *>()->isVisible());
+}
+
+void TestOvrynDeck2::pageButtons_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<int>("page");
+
+    QTest::newRow("monitor") << QByteArray("btnMonitor") << int(OvrynDeck2::MonitorPage);
+    QTest::newRow("LED") << QByteArray("btnFirstSlot") << int(OvrynDeck2::LedPage);
+    QTest::newRow("LCD") << QByteArray("btnSecondSlot") << int(OvrynDeck2::LcdPage);
+    QTest::newRow("card information") << QByteArray("btnGpuFixedInfo") << int(OvrynDeck2::FixedInfoPage);
+}
+
+void TestOvrynDeck2::pageButtons()
+{
+    QFETCH(QByteArray, name);
+    OvrynDeck2 dialog;
+    dialog.show();
+    auto *roll = dialog.findChild<RollStackWidget *>();
+    QVERIFY(!roll->isVisible());
+
+    QTest::mouseClick(button(dialog, name.constData()), Qt::LeftButton);
+    QTEST(dialog.shownPage(), "page");
+    QVERIFY(roll->isVisible());
+    QVERIFY(!roll->isShown()); // its contents wait for the end of the gauge's slide
+    finishSlide(dialog);
+    QVERIFY(roll->isShown());
+    QCOMPARE(circleStack(dialog)->geometry(), mainDialogLayout(dialog.size()).gaugeShown);
+
+    QTest::mouseClick(button(dialog, name.constData()), Qt::LeftButton);
+    QCOMPARE(dialog.shownPage(), int(OvrynDeck2::HomePage));
+    QVERIFY(!roll->isVisible());
+    finishSlide(dialog);
+    QCOMPARE(circleStack(dialog)->geometry(), mainDialogLayout(dialog.size()).gaugeHome);
+    QVERIFY(qobject_cast<Ovryn_GpuInfoCircleBox *>(circleStack(dialog)->currentWidget()));
+}
+
+void TestOvrynDeck2::secondClickClosesThePage()
+{
+    OvrynDeck2 dialog;
+    dialog.show();
+    button(dialog, "btnMonitor")->click();
+    button(dialog, "btnMonitor")->click();
+    for (const char *name : {"btnMonitor", "btnAdjust", "btnGpuFixedInfo", "btnFirstSlot", "btnSecondSlot"})
+        QVERIFY2(!button(dialog, name)->isChecked(), name);
+    QCOMPARE(dialog.shownPage(), int(OvrynDeck2::HomePage));
+}
+
+void TestOvrynDeck2::pageToPageKeepsThePanelOpen()
+{
+    OvrynDeck2 dialog;
+    dialog.show();
+    button(dialog, "btnMonitor")->click();
+    finishSlide(dialog);
+    button(dialog, "btnGpuFixedInfo")->click();
+    QVERIFY(!button(dialog, "btnMonitor")->isChecked());
+    QVERIFY(button(dialog, "btnGpuFixedInfo")->isChecked());
+    QCOMPARE(dialog.shownPage(), int(OvrynDeck2::FixedInfoPage));
+    dialog.onMoveCircleWidgetTimerTimeout(); // the gauge stands already: the first tick selects the page
+    QCOMPARE(circleStack(dialog)->x(), mainDialogLayout(dialog.size()).gaugeShown.x());
+    QVERIFY(dialog.findChild<RollStackWidget *>()->isShown());
+}
+
+void TestOvrynDeck2::ledPageTakesTheGaugesPlace()
+{
+    OvrynDeck2 dialog;
+    dialog.show();
+    button(dialog, "btnFirstSlot")->click();
+    finishSlide(dialog);
+    QVERIFY(!qobject_cast<Ovryn_GpuInfoCircleBox *>(circleStack(dialog)->currentWidget()));
+    button(dialog, "btnMonitor")->click();
+    finishSlide(dialog);
+    QVERIFY(qobject_cast<Ovryn_GpuInfoCircleBox *>(circleStack(dialog)->currentWidget()));
+}
+
+void TestOvrynDeck2::gaugeSlidesTenPixelsATick()
+{
+    OvrynDeck2 dialog;
+    dialog.show();
+    const MainDialogLayout layout = mainDialogLayout(dialog.size());
+    const int y = circleStack(dialog)->y();
+    button(dialog, "btnMonitor")->click();
+    dialog.onMoveCircleWidgetTimerTimeout();
+    QCOMPARE(circleStack(dialog)->x(), layout.gaugeHome.x() - 10);
+    dialog.onMoveCircleWidgetTimerTimeout();
+    QCOMPARE(circleStack(dialog)->x(), layout.gaugeHome.x() - 20);
+    button(dialog, "btnMonitor")->click(); // turns back in mid-slide
+    dialog.onMoveCircleWidgetTimerTimeout();
+    QCOMPARE(circleStack(dialog)->x(), layout.gaugeHome.x() - 10);
+    QCOMPARE(circleStack(dialog)->y(), y);
+}
+
+void TestOvrynDeck2::changeOfCardKeepsThePage()
+{
+    driver->cards.resize(2);
+    makeForeign(driver->card(1), "GeForce GTX 1080");
+    OvrynDeck2 dialog;
+    dialog.show();
+    QWidget *firstGauge = circleStack(dialog)->currentWidget();
+    button(dialog, "btnMonitor")->click();
+    finishSlide(dialog);
+    const QList<Ovryn_NvCardInfoWidget *> pages = dialog.findChildren<Ovryn_NvCardInfoWidget *>();
+    QVERIFY(pages.at(0)->isVisible());
+    QVERIFY(!pages.at(1)->isVisible());
+
+    dialog.findChild<Ovryn_ComboBox *>()->setCurrentIndex(1);
+    QCOMPARE(dialog.shownCard(), 1);
+    QCOMPARE(dialog.shownPage(), int(OvrynDeck2::MonitorPage));
+    QVERIFY(pages.at(1)->isVisible());
+    QVERIFY(circleStack(dialog)->currentWidget() != firstGauge);
+    QVERIFY(!button(dialog, "btnFirstSlot")->isVisible());
+}
+
+void TestOvrynDeck2::effectsShowForTheMakersCards()
+{
+    driver->cards.resize(2);
+    makeForeign(driver->card(1), "GeForce GTX 1080");
+    OvrynDeck2 dialog;
+    dialog.show();
+    auto *effects = dialog.findChild<Ovryn_BackgroundEffects *>();
+    QVERIFY(!effects->isVisible()); // at the start never
+    auto *selector = dialog.findChild<Ovryn_ComboBox *>();
+    selector->setCurrentIndex(1);
+    QVERIFY(!effects->isVisible());
+    selector->setCurrentIndex(0);
+    QVERIFY(effects->isVisible());
+}
+
+void TestOvrynDeck2::highPerformanceSwitchShows_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<quint32>("subSystemId");
+    QTest::addColumn<bool>("shown");
+
+    QTest::newRow("1070 Ti of the maker, variant 13") << "GeForce GTX 1070 Ti" << 0x111D7377u << true;
+    QTest::newRow("variant 2") << "GeForce GTX 1070 Ti" << 0x11127377u << false;
+    QTest::newRow("foreign GTX 1080") << "GeForce GTX 1080" << 0x85AA1043u << false;
+}
+
+void TestOvrynDeck2::highPerformanceSwitchShows()
+{
+    QFETCH(QString, name);
+    QFETCH(quint32, subSystemId);
+    driver->card().fullName = name.toStdString();
+    driver->card().subSystemId = subSystemId;
+    OvrynDeck2 dialog;
+    dialog.show();
+    QTEST(button(dialog, "btnHighPerformance")->isVisible(), "shown");
+}
+
+void TestOvrynDeck2::storedSelectionIsUsed_data()
+{
+    QTest::addColumn<bool>("apply");
+    QTest::addColumn<int>("mask");
+    QTest::newRow("applied") << true << 37;
+    QTest::newRow("not applied") << false << 0;
+}
+
+void TestOvrynDeck2::storedSelectionIsUsed()
+{
+    QFETCH(bool, apply);
+    {
+        Ovryn_ConfigFile config;
+        config.load();
+        GeneralSettingInfo general;
+        general.ApplyLastParamOnStart = apply;
+        config.setGeneralSetting(general);
+        config.setMonitorModule(QStringLiteral("GeForce GTX 1070 Ti"), 0x111D7377, 37);
+        QVERIFY(config.save());
+    }
+    OvrynDeck2 dialog;
+    int mask = -1;
+    dialog.findChild<Ovryn_NvCardInfoWidget *>()->getSelectOption(&mask);
+    QTEST(mask, "mask");
+}
+
+void TestOvrynDeck2::languageOfTheFile_data()
+{
+    QTest::addColumn<QByteArray>("language");
+    QTest::addColumn<QString>("caption");
+    QTest::newRow("Chinese") << QByteArray("lang_ch") << QStringLiteral("监控窗口");
+    QTest::newRow("English") << QByteArray("lang_en") << "Monitor";
+    QTest::newRow("any other text is English") << QByteArray("klingon") << "Monitor";
+}
+
+void TestOvrynDeck2::languageOfTheFile()
+{
+    QFETCH(QByteArray, language);
+    writeConfig("<OvrynParameter><GeneralSetting Language=\"" + language + "\"/></OvrynParameter>");
+    OvrynDeck2 dialog;
+    QTEST(button(dialog, "btnMonitor")->text(), "caption");
+}
+
+void TestOvrynDeck2::changeOfLanguageReachesEveryWord()
+{
+    OvrynDeck2 dialog;
+    dialog.show();
+    QCOMPARE(button(dialog, "btnAdjust")->text(), QStringLiteral("调节选项"));
+    auto *language = dialog.findChild<QComboBox *>(QStringLiteral("cmb_language"));
+    QVERIFY(language);
+    language->setCurrentIndex(1);
+    QCOMPARE(button(dialog, "btnMonitor")->text(), QStringLiteral("Monitor"));
+    QCOMPARE(button(dialog, "btnAdjust")->text(), QStringLiteral("Adjust"));
+    QCOMPARE(button(dialog, "btnBoardTempInfo")->text(), QStringLiteral("Temp"));
+    QCOMPARE(button(dialog, "btnHighPerformance")->text(), QStringLiteral("On   Off"));
+    QVERIFY(!savedText().contains(QLatin1String("lang_en"))); // the file waits for the close
+    dialog.close();
+    QVERIFY(savedText().contains(QLatin1String("Language=\"lang_en\"")));
+}
+
+void TestOvrynDeck2::closingWritesTheFile()
+{
+    OvrynDeck2 dialog;
+    dialog.show();
+    QPushButton *close = button(dialog, "btnClose");
+    {
+        ModalAnswer answer({QStringLiteral("msgBoxNoBtn")});
+        QTest::mouseClick(close, Qt::LeftButton);
+        QCOMPARE(answer.texts(), QStringList({QStringLiteral("确定退出程序吗?")}));
+        QVERIFY(dialog.isVisible());
+        QVERIFY(!savedText().contains(QLatin1String("GeForce")));
+    }
+    ModalAnswer answer({QStringLiteral("msgBoxYesBtn")});
+    QTest::mouseClick(close, Qt::LeftButton);
+    QCOMPARE(answer.problems(), QStringList());
+    QVERIFY(!dialog.isVisible());
+    QVERIFY(savedText().contains(QLatin1String("GpuName=\"GeForce GTX 1070 Ti\"")));
+    QVERIFY(savedText().contains(QDate::currentDate().toString(QStringLiteral("yyyy/MM/dd"))));
+}
+
+void TestOvrynDeck2::escapeKeepsTheDialog()
+{
+    OvrynDeck2 dialog;
+    dialog.show();
+    QTest::keyClick(&dialog, Qt::Key_Escape);
+    QVERIFY(dialog.isVisible());
+}
+
+void TestOvrynDeck2::boardTemperatureButtonLeadsNowhere()
+{
+    OvrynDeck2 dialog;
+    dialog.show();
+    QVERIFY(!button(dialog, "btnBoardTempInfo")->isVisible());
+    button(dialog, "btnBoardTempInfo")->click();
+    QCOMPARE(dialog.shownPage(), int(OvrynDeck2::HomePage));
+}
+
+void TestOvrynDeck2::everythingEndsWithTheDialog()
+{
+    driver->cards.resize(2);
+    {
+        OvrynDeck2 dialog;
+        dialog.show();
+        QTRY_VERIFY(driver->calls("NvAPI_GPU_GetTachReading").size() > 4);
+    }
+    QCOMPARE(nvApiLoadCount(), 0);
+    QCOMPARE(driver->releases(), driver->loads());
+    QCOMPARE(driver->strayCalls(), 0); // no worker outlived its card
+}
+
+QTEST_MAIN(TestOvrynDeck2)
+#include "TestOvrynDeck2.moc"

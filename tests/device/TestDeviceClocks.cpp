@@ -1,0 +1,531 @@
+#include "device/NvGpuControl.h"
+
+#include "support/DeviceFields.h"
+#include "support/FakeDriver.h"
+
+#include <QtTest>
+
+#include <functional>
+
+using Arrange = std::function<void(FakeDriver &)>;
+Q_DECLARE_METATYPE(Arrange)
+
+namespace
+{
+
+// Where the words of a performance-state record lie, in bytes from its start.
+constexpr int kNumPstatesAt = 8;
+constexpr int kNumClocksAt = 12;
+constexpr int kNumBaseVoltagesAt = 16;
+constexpr int kClockDomainAt = 28;
+constexpr int kClockDeltaAt = 40;
+constexpr int kVoltageDeltaAt = 20 + 360 + 12;
+constexpr int kNumOverVoltagesAt = 7316;
+constexpr int kOverVoltageDeltaAt = 7320 + 12;
+
+QString words(std::initializer_list<QPair<int, qint32>> values)
+{
+    QString text;
+    for (const QPair<int, qint32> &value : values) {
+        if (value.second)
+            text += QString(" [%1]=%2").arg(value.first).arg(value.second);
+    }
+    return text;
+}
+
+QString clockWrite(quint32 version, qint32 domain, qint32 deltaKHz)
+{
+    return QString("GPU_SetPstates20 gpu0 0x%1").arg(QString::number(version, 16).toUpper()) +
+           words({{kNumPstatesAt, 1}, {kNumClocksAt, 1}, {kClockDomainAt, domain}, {kClockDeltaAt, deltaKHz}});
+}
+
+QString voltageWrite(quint32 version, qint32 deltaMicroVolt)
+{
+    return QString("GPU_SetPstates20 gpu0 0x%1").arg(QString::number(version, 16).toUpper()) +
+           words({{kNumPstatesAt, 1}, {kNumBaseVoltagesAt, 1}, {kVoltageDeltaAt, deltaMicroVolt}});
+}
+
+const char *const kReadPstates = "GPU_GetPstates20 gpu0 0x31CF8";
+const char *const kReadBaseClocks = "GPU_GetAllClockFrequencies gpu0 0x30108 [4]=1";
+const char *const kReadRamType = "GPU_GetRamType gpu0";
+
+} // namespace
+
+/// Clock offsets and core voltage: reading, ranges, and the exact records of the writes.
+class TestDeviceClocks : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void baseClocks_data();
+    void baseClocks();
+    void failedPstatesZeroTheClocks_data();
+    void failedPstatesZeroTheClocks();
+    void clockRanges_data();
+    void clockRanges();
+    void rangeCalls();
+    void voltage_data();
+    void voltage();
+    void failedVoltageReadLeavesZeros();
+    void clockOffsets_data();
+    void clockOffsets();
+    void clockOffsetCalls();
+    void memoryLadder_data();
+    void memoryLadder();
+    void voltageOffsets_data();
+    void voltageOffsets();
+    void overVoltage();
+    void overVoltageWithoutCardGoesToTheDriver();
+};
+
+void TestDeviceClocks::baseClocks_data()
+{
+    QTest::addColumn<Arrange>("arrange");
+    QTest::addColumn<bool>("wantDefault");
+    QTest::addColumn<bool>("result");
+    QTest::addColumn<FieldList>("MHz"); // graphics, memory, processor
+    const auto row = [](const char *name, bool wantDefault, bool result, const FieldList &MHz,
+                        const Arrange &arrange) {
+        QTest::newRow(name) << arrange << wantDefault << result << MHz;
+    };
+    const auto offsets = [](FakeDriver &driver) {
+        driver.card().p0Clock(0).freqDelta_kHz.value = 150000;
+        driver.card().p0Clock(1).freqDelta_kHz.value = 500000;
+    };
+    const auto singleMemory = [offsets](FakeDriver &driver) {
+        offsets(driver);
+        driver.card().p0Clock(1).typeId = kPstateClockTypeSingle;
+    };
+    const auto p0Behind = [](FakeDriver &driver) {
+        NV_GPU_PERF_PSTATES20_INFO &record = driver.card().pstates;
+        record.pstates[0].clocks[0].freqDelta_kHz.value = 150000;
+        record.pstates[0].clocks[1].freqDelta_kHz.value = 500000;
+        std::swap(record.pstates[0], record.pstates[1]);
+    };
+    const auto noP0 = [](FakeDriver &driver) {
+        driver.card().pstates.pstates[0].pstateId = 5;
+        driver.card().p0Clock(0).freqDelta_kHz.value = 150000;
+        driver.card().p0Clock(1) = driver.card().p0Clock(0);
+    };
+    const auto noClocks = [](FakeDriver &driver, const Arrange &before) {
+        before(driver);
+        driver.card().pstates.numClocks = 0;
+    };
+
+    row("default, no offset", true, true, {1607, 4006, 1450}, [](FakeDriver &) {});
+    row("customised, no offset", false, true, {1607, 4006, 1450}, [](FakeDriver &) {});
+    row("default, offset on a range memory clock stays in", true, true, {1607, 4006, 1450}, offsets);
+    row("default, memory offset of +500 on a single clock is taken out", true, true, {1607, 3506, 1450},
+        singleMemory);
+    row("customised, both offsets are added", false, true, {1757, 4506, 1450}, offsets);
+    row("customised, single memory clock adds as well", false, true, {1757, 4506, 1450}, singleMemory);
+    row("customised, negative offset truncates towards zero", false, true, {1606, 4006, 1450},
+        [](FakeDriver &driver) {
+            driver.card().p0Clock(0).freqDelta_kHz.value = -1999;
+            driver.card().p0Clock(1).freqDelta_kHz.value = -999;
+        });
+    row("default, negative single memory offset", true, true, {1607, 4007, 1450}, [](FakeDriver &driver) {
+        driver.card().p0Clock(1).typeId = kPstateClockTypeSingle;
+        driver.card().p0Clock(1).freqDelta_kHz.value = -1999;
+    });
+    row("customised, P0 behind another state", false, true, {1757, 4506, 1450}, p0Behind);
+    row("default, no P0", true, true, {1607, 4006, 1450}, noP0);
+    row("customised, no P0", false, true, {1607, 4006, 1450}, noP0);
+    row("default, no clocks", true, true, {1607, 4006, 1450},
+        [=](FakeDriver &driver) { noClocks(driver, singleMemory); });
+    row("customised, no clocks", false, true, {1607, 4006, 1450},
+        [=](FakeDriver &driver) { noClocks(driver, singleMemory); });
+    row("customised, P0 behind the count", false, true, {1607, 4006, 1450}, [p0Behind](FakeDriver &driver) {
+        p0Behind(driver);
+        driver.card().pstates.numPstates = 1;
+    });
+    row("counts far beyond the record, no P0", false, true, {1607, 4006, 1450}, [](FakeDriver &driver) {
+        for (auto &state : driver.card().pstates.pstates)
+            state.pstateId = 9;
+        driver.card().pstates.numPstates = 0xFFFFFFFF;
+        driver.card().pstates.numClocks = 0xFFFFFFFF;
+    });
+    row("counts far beyond the record, P0 last", false, true, {1757, 4506, 1450}, [](FakeDriver &driver) {
+        NV_GPU_PERF_PSTATES20_INFO &record = driver.card().pstates;
+        record.pstates[15] = record.pstates[0];
+        for (int i = 0; i < 15; ++i)
+            record.pstates[i].pstateId = 9;
+        NV_GPU_PERF_PSTATES20_INFO::Pstate &p0 = record.pstates[15];
+        for (auto &clock : p0.clocks)
+            clock.domainId = 99;
+        p0.clocks[6] = record.pstates[0].clocks[0];
+        p0.clocks[7] = record.pstates[0].clocks[1];
+        p0.clocks[6].freqDelta_kHz.value = 150000;
+        p0.clocks[7].freqDelta_kHz.value = 500000;
+        record.numPstates = 0xFFFFFFFF;
+        record.numClocks = 0xFFFFFFFF;
+    });
+    row("count of 9 clocks reads 8", false, true, {1607, 4006, 1450}, [](FakeDriver &driver) {
+        for (auto &clock : driver.card().pstates.pstates[0].clocks)
+            clock.domainId = 99;
+        driver.card().pstates.numClocks = 9;
+        driver.card().p0Voltage(0) = {0, 0, 777000, {777000, {777000, 777000}}}; // what lies behind the clocks
+    });
+
+    // Without base frequencies the customised clocks come out of the state record.
+    const auto noFrequencies = [](FakeDriver &driver) {
+        driver.fails("NvAPI_GPU_GetAllClockFrequencies", -1);
+    };
+    row("default, no base frequencies", true, false, {0, 0, 0}, noFrequencies);
+    row("customised, no base frequencies, range type", false, true, {1911, 4006, 0}, noFrequencies);
+    row("customised, no base frequencies, single type", false, true, {1733, 4003, 0},
+        [noFrequencies](FakeDriver &driver) {
+            noFrequencies(driver);
+            driver.card().p0Clock(0).data.single.freq_kHz = 1733999;
+            driver.card().p0Clock(1).typeId = kPstateClockTypeSingle;
+            driver.card().p0Clock(1).data.single.freq_kHz = 4003999;
+        });
+    row("customised, no base frequencies, single memory clock through a float", false, true, {1733, 16778, 0},
+        [noFrequencies](FakeDriver &driver) {
+            noFrequencies(driver);
+            driver.card().p0Clock(0).data.single.freq_kHz = 1733999;
+            driver.card().p0Clock(1).typeId = kPstateClockTypeSingle;
+            driver.card().p0Clock(1).data.single.freq_kHz = 16777999; // the nearest float is 16778000
+        });
+    row("customised, no base frequencies, a third type", false, true, {139, 4006, 0},
+        [noFrequencies](FakeDriver &driver) {
+            noFrequencies(driver);
+            driver.card().p0Clock(1).typeId = 2; // neither single nor range: single for one, range for the other
+        });
+    row("customised, no base frequencies, clocks in other places", false, true, {405, 4006, 0},
+        [noFrequencies](FakeDriver &driver) {
+            // The words of the first two entries are taken whatever domain stands in them.
+            noFrequencies(driver);
+            NV_GPU_PERF_PSTATES20_INFO &record = driver.card().pstates;
+            std::swap(record.pstates[0].clocks[0], record.pstates[0].clocks[1]);
+            record.pstates[0].clocks[1].typeId = kPstateClockTypeSingle;
+            record.pstates[0].clocks[1].data.single.freq_kHz = 4006000;
+        });
+    row("customised, no base frequencies, words of the first state", false, true, {555, 666, 0},
+        [noFrequencies, p0Behind](FakeDriver &driver) {
+            noFrequencies(driver);
+            p0Behind(driver);
+            NV_GPU_PERF_PSTATES20_INFO::Pstate &first = driver.card().pstates.pstates[0];
+            first.clocks[0].data.range.maxFreq_kHz = 555000;
+            first.clocks[1].typeId = kPstateClockTypeRange;
+            first.clocks[1].data.range.maxFreq_kHz = 666000;
+        });
+    row("customised, neither frequencies nor P0", false, true, {0, 0, 0}, [noFrequencies, noP0](FakeDriver &driver) {
+        noFrequencies(driver);
+        noP0(driver);
+    });
+    row("customised, no frequencies and no memory clock", false, true, {1911, 0, 0},
+        [noFrequencies](FakeDriver &driver) {
+            noFrequencies(driver);
+            driver.card().p0Clock(1).domainId = 8;
+        });
+}
+
+void TestDeviceClocks::baseClocks()
+{
+    QFETCH(Arrange, arrange);
+    QFETCH(bool, wantDefault);
+    QFETCH(bool, result);
+    QFETCH(FieldList, MHz);
+    FakeDriver driver;
+    arrange(driver);
+    NvGpuControl gpu;
+    NvClockSet out{7, 8, 9};
+    QCOMPARE(gpu.getBaseClocks(out, wantDefault), result);
+    QCOMPARE(fields(out), MHz);
+}
+
+void TestDeviceClocks::failedPstatesZeroTheClocks_data()
+{
+    QTest::addColumn<bool>("wantDefault");
+    QTest::addColumn<bool>("cardMissing");
+    QTest::newRow("default, states unreadable") << true << false;
+    QTest::newRow("customised, states unreadable") << false << false;
+    QTest::newRow("default, no card") << true << true;
+    QTest::newRow("customised, no card") << false << true;
+}
+
+void TestDeviceClocks::failedPstatesZeroTheClocks()
+{
+    QFETCH(bool, wantDefault);
+    QFETCH(bool, cardMissing);
+    FakeDriver driver;
+    if (cardMissing)
+        driver.cards.clear();
+    else
+        driver.fails("NvAPI_GPU_GetPstates20", NVAPI_ERROR);
+    NvGpuControl gpu;
+    NvClockSet out{7, 8, 9};
+    QCOMPARE(gpu.getBaseClocks(out, wantDefault), false);
+    QCOMPARE(fields(out), (FieldList{0, 0, 0}));
+}
+
+void TestDeviceClocks::clockRanges_data()
+{
+    QTest::addColumn<Arrange>("arrange");
+    QTest::addColumn<FieldList>("graphics"); // base clock, lowest and highest offset, editable
+    QTest::addColumn<FieldList>("memory");
+    const auto row = [](const char *name, const FieldList &graphics, const FieldList &memory,
+                        const Arrange &arrange) {
+        QTest::newRow(name) << arrange << graphics << memory;
+    };
+    const FieldList zero = {0, 0, 0, 0};
+    row("healthy card", {1607, -200, 1000, 1}, {4006, -502, 1000, 1}, [](FakeDriver &) {});
+    row("offsets truncate towards zero", {1607, -1, 1, 1}, {4006, 0, 0, 1}, [](FakeDriver &driver) {
+        driver.card().p0Clock(0).freqDelta_kHz.valueRange = {-1999, 1999};
+        driver.card().p0Clock(1).freqDelta_kHz.valueRange = {-999, 999};
+    });
+    row("not editable", {1607, 0, 0, 0}, {4006, -502, 1000, 0}, [](FakeDriver &driver) {
+        driver.card().p0Clock(0).bIsEditable = 0;
+        driver.card().p0Clock(0).freqDelta_kHz.valueRange = {0, 0};
+        driver.card().p0Clock(1).bIsEditable = 0xFFFFFFFE;
+    });
+    row("states unreadable", zero, zero, [](FakeDriver &driver) { driver.fails("NvAPI_GPU_GetPstates20", -1); });
+    row("base frequencies unreadable", zero, zero,
+        [](FakeDriver &driver) { driver.fails("NvAPI_GPU_GetAllClockFrequencies", -1); });
+    row("no P0", {1607, 0, 0, 0}, {4006, 0, 0, 0},
+        [](FakeDriver &driver) { driver.card().pstates.pstates[0].pstateId = 2; });
+    row("no clock of the domain", {1607, 0, 0, 0}, {4006, 0, 0, 0}, [](FakeDriver &driver) {
+        driver.card().p0Clock(0).domainId = 7;
+        driver.card().p0Clock(1).domainId = 8;
+    });
+    row("the first clock of the domain", {1607, -200, 1000, 1}, {4006, 0, 0, 0}, [](FakeDriver &driver) {
+        driver.card().p0Clock(1) = driver.card().p0Clock(0);
+        driver.card().p0Clock(1).freqDelta_kHz.valueRange = {-1000, 1000};
+    });
+    row("counts far beyond the record", {1607, 0, 0, 0}, {4006, 0, 0, 0}, [](FakeDriver &driver) {
+        for (auto &state : driver.card().pstates.pstates) {
+            for (auto &clock : state.clocks)
+                clock.domainId = 99;
+        }
+        driver.card().pstates.numPstates = 0xFFFFFFFF;
+        driver.card().pstates.numClocks = 0xFFFFFFFF;
+    });
+}
+
+void TestDeviceClocks::clockRanges()
+{
+    QFETCH(Arrange, arrange);
+    QFETCH(FieldList, graphics);
+    QFETCH(FieldList, memory);
+    FakeDriver driver;
+    arrange(driver);
+    NvGpuControl gpu;
+    NvClockOffsetRange out{9, 9, 9, true};
+    gpu.getGpuClockRange(out);
+    QCOMPARE(fields(out), graphics);
+    out = {9, 9, 9, true};
+    gpu.getMemoryClockRange(out);
+    QCOMPARE(fields(out), memory);
+}
+
+void TestDeviceClocks::rangeCalls()
+{
+    FakeDriver driver;
+    NvGpuControl gpu;
+    NvClockOffsetRange out;
+    driver.forgetCalls();
+    gpu.getGpuClockRange(out);
+    QCOMPARE(driver.calls(), (QStringList{kReadPstates, kReadBaseClocks}));
+    driver.forgetCalls();
+    gpu.getMemoryClockRange(out);
+    QCOMPARE(driver.calls(), (QStringList{kReadPstates, kReadBaseClocks, kReadRamType}));
+}
+
+void TestDeviceClocks::voltage_data()
+{
+    QTest::addColumn<Arrange>("arrange");
+    QTest::addColumn<FieldList>("milliVolt"); // highest, lowest, base, base again, current, editable
+    const auto row = [](const char *name, const FieldList &milliVolt, const Arrange &arrange) {
+        QTest::newRow(name) << arrange << milliVolt;
+    };
+    const FieldList zero = {0, 0, 0, 0, 0, 0};
+    row("no offset", {1162, 962, 1062, 1062, 1062, 1}, [](FakeDriver &) {});
+    row("base leaves the offset out", {1112, 912, 1012, 1012, 1062, 1},
+        [](FakeDriver &driver) { driver.card().p0Voltage(0).voltDelta_uV.value = 50000; });
+    row("negative offset", {1212, 1012, 1112, 1112, 1062, 1},
+        [](FakeDriver &driver) { driver.card().p0Voltage(0).voltDelta_uV.value = -50000; });
+    row("range truncates towards zero", {1063, 1061, 1062, 1062, 1062, 1}, [](FakeDriver &driver) {
+        driver.card().p0Voltage(0).voltDelta_uV.valueRange = {-1999, 1999};
+    });
+    row("not editable", {1162, 962, 1062, 1062, 1062, 0},
+        [](FakeDriver &driver) { driver.card().p0Voltage(0).bIsEditable = 2; });
+    row("another domain has no current voltage", {1162, 962, 1062, 1062, 0, 1},
+        [](FakeDriver &driver) { driver.card().p0Voltage(0).domainId = 1; });
+    row("the last voltage stands", {910, 890, 900, 900, 1062, 0}, [](FakeDriver &driver) {
+        driver.card().pstates.numBaseVoltages = 2;
+        driver.card().p0Voltage(1) = {1, 0, 900000, {0, {-10000, 10000}}};
+    });
+    row("no P0", zero, [](FakeDriver &driver) { driver.card().pstates.pstates[0].pstateId = 3; });
+    row("no states", zero, [](FakeDriver &driver) { driver.card().pstates.numPstates = 0; });
+    row("no voltages", zero, [](FakeDriver &driver) { driver.card().pstates.numBaseVoltages = 0; });
+    row("count far beyond the record", {810, 790, 800, 800, 800, 1}, [](FakeDriver &driver) {
+        for (auto &voltage : driver.card().pstates.pstates[0].baseVoltages)
+            voltage = {0, 0, 700000, {0, {0, 0}}};
+        driver.card().p0Voltage(3) = {0, 1, 800000, {0, {-10000, 10000}}};
+        driver.card().pstates.pstates[1] = {}; // what lies behind the voltages
+        driver.card().pstates.numBaseVoltages = 0xFFFFFFFF;
+    });
+}
+
+void TestDeviceClocks::voltage()
+{
+    QFETCH(Arrange, arrange);
+    QFETCH(FieldList, milliVolt);
+    FakeDriver driver;
+    arrange(driver);
+    NvGpuControl gpu;
+    driver.forgetCalls();
+    NvVoltageInfo out{9, 9, 9, 9, 9, true};
+    QCOMPARE(gpu.getVoltageInfo(out), true);
+    QCOMPARE(fields(out), milliVolt);
+    QCOMPARE(driver.calls(), QStringList{kReadPstates});
+}
+
+void TestDeviceClocks::failedVoltageReadLeavesZeros()
+{
+    FakeDriver driver;
+    driver.fails("NvAPI_GPU_GetPstates20", NVAPI_ERROR);
+    NvGpuControl gpu;
+    NvVoltageInfo out{9, 9, 9, 9, 9, true};
+    QCOMPARE(gpu.getVoltageInfo(out), false);
+    QCOMPARE(fields(out), (FieldList{0, 0, 0, 0, 0, 0}));
+}
+
+void TestDeviceClocks::clockOffsets_data()
+{
+    QTest::addColumn<Arrange>("arrange");
+    QTest::addColumn<qint32>("offsetMHz");
+    QTest::addColumn<qint32>("graphicsKHz");
+    QTest::addColumn<qint32>("memoryKHz");
+    const auto row = [](const char *name, qint32 offset, qint32 graphics, qint32 memory, const Arrange &arrange) {
+        QTest::newRow(name) << arrange << offset << graphics << memory;
+    };
+    const auto nothing = [](FakeDriver &) {
+    };
+    row("in range", 100, 100000, 100000, nothing);
+    row("zero", 0, 0, 0, nothing);
+    row("negative in range", -100, -100000, -100000, nothing);
+    row("at the top", 1000, 1000000, 1000000, nothing);
+    row("one above the top", 1001, 1000000, 1000000, nothing);
+    row("one below the bottom", -503, -200000, -502000, nothing);
+    row("the largest number", std::numeric_limits<qint32>::max(), 1000000, 1000000, nothing);
+    row("the smallest number", std::numeric_limits<qint32>::min(), -200000, -502000, nothing);
+    row("range unreadable", 100, 0, 0, [](FakeDriver &driver) { driver.fails("NvAPI_GPU_GetPstates20", -1); });
+    row("base frequencies unreadable", -100, 0, 0,
+        [](FakeDriver &driver) { driver.fails("NvAPI_GPU_GetAllClockFrequencies", -1); });
+    row("fixed clocks have a range of 0 to 0", 100, 0, 0, [](FakeDriver &driver) {
+        for (int i = 0; i < 2; ++i) {
+            driver.card().p0Clock(i).bIsEditable = 0;
+            driver.card().p0Clock(i).freqDelta_kHz.valueRange = {0, 0};
+        }
+    });
+    row("bottom above the top wins", 100, 300000, 300000, [](FakeDriver &driver) {
+        for (int i = 0; i < 2; ++i)
+            driver.card().p0Clock(i).freqDelta_kHz.valueRange = {300000, 50000};
+    });
+    row("widest range a driver can tell", 2147483, 2147483000, 2147483000, [](FakeDriver &driver) {
+        for (int i = 0; i < 2; ++i)
+            driver.card().p0Clock(i).freqDelta_kHz.valueRange = {std::numeric_limits<qint32>::min(),
+                                                                 std::numeric_limits<qint32>::max()};
+    });
+}
+
+void TestDeviceClocks::clockOffsets()
+{
+    QFETCH(Arrange, arrange);
+    QFETCH(qint32, offsetMHz);
+    QFETCH(qint32, graphicsKHz);
+    QFETCH(qint32, memoryKHz);
+    FakeDriver driver;
+    arrange(driver);
+    NvGpuControl gpu;
+    QCOMPARE(gpu.setGpuClockOffset(offsetMHz), true);
+    QCOMPARE(gpu.setMemoryClockOffset(offsetMHz), true);
+    QCOMPARE(driver.calls("NvAPI_GPU_SetPstates20"),
+             (QStringList{clockWrite(0x31CF8, 0, graphicsKHz), clockWrite(0x11C94, 4, memoryKHz)}));
+}
+
+void TestDeviceClocks::clockOffsetCalls()
+{
+    FakeDriver driver;
+    NvGpuControl gpu;
+    driver.forgetCalls();
+    QVERIFY(gpu.setGpuClockOffset(100));
+    QCOMPARE(driver.calls(), (QStringList{kReadPstates, kReadBaseClocks, clockWrite(0x31CF8, 0, 100000)}));
+    driver.forgetCalls();
+    QVERIFY(gpu.setMemoryClockOffset(100));
+    QCOMPARE(driver.calls(),
+             (QStringList{kReadPstates, kReadBaseClocks, kReadRamType, clockWrite(0x11C94, 4, 100000)}));
+}
+
+void TestDeviceClocks::memoryLadder_data()
+{
+    QTest::addColumn<std::vector<int>>("statuses");
+    QTest::addColumn<QStringList>("versions");
+    QTest::addColumn<bool>("result");
+    using Statuses = std::vector<int>;
+    QTest::newRow("oldest version taken") << Statuses{0} << QStringList{"0x11C94"} << true;
+    QTest::newRow("oldest refused") << Statuses{-9, 0} << QStringList{"0x11C94", "0x21CF8"} << true;
+    QTest::newRow("oldest taken at the third attempt")
+        << Statuses{-9, -1, 0} << QStringList{"0x11C94", "0x21CF8", "0x11C94"} << true;
+    QTest::newRow("all refused") << Statuses{-9, -9, -9} << QStringList{"0x11C94", "0x21CF8", "0x11C94"} << false;
+}
+
+void TestDeviceClocks::memoryLadder()
+{
+    QFETCH(std::vector<int>, statuses);
+    QFETCH(QStringList, versions);
+    QFETCH(bool, result);
+    FakeDriver driver;
+    driver.answersInTurn("NvAPI_GPU_SetPstates20", statuses);
+    NvGpuControl gpu;
+    QCOMPARE(gpu.setMemoryClockOffset(100), result);
+    QCOMPARE(driver.versionsTried("NvAPI_GPU_SetPstates20"), versions);
+}
+
+void TestDeviceClocks::voltageOffsets_data()
+{
+    QTest::addColumn<qint32>("microVolt");
+    QTest::newRow("in range") << 50000;
+    QTest::newRow("zero") << 0;
+    QTest::newRow("beyond the range goes down as given") << 999999;
+    QTest::newRow("below the range goes down as given") << -999999;
+    QTest::newRow("smallest number") << std::numeric_limits<qint32>::min();
+}
+
+void TestDeviceClocks::voltageOffsets()
+{
+    QFETCH(qint32, microVolt);
+    FakeDriver driver;
+    NvGpuControl gpu;
+    driver.forgetCalls();
+    QCOMPARE(gpu.setVoltageOffset(microVolt), true);
+    QCOMPARE(driver.calls(), QStringList{voltageWrite(0x31CF8, microVolt)});
+}
+
+void TestDeviceClocks::overVoltage()
+{
+    FakeDriver driver;
+    NvGpuControl gpu;
+    driver.forgetCalls();
+    QCOMPARE(gpu.setOverVoltage(-12500), true);
+    QCOMPARE(driver.calls(), QStringList{"GPU_SetPstates20 gpu0 0x31CF8" +
+                                         words({{kNumOverVoltagesAt, 1}, {kOverVoltageDeltaAt, -12500}})});
+}
+
+void TestDeviceClocks::overVoltageWithoutCardGoesToTheDriver()
+{
+    FakeDriver driver;
+    driver.cards.clear();
+    NvGpuControl gpu;
+    driver.forgetCalls();
+    QCOMPARE(gpu.setOverVoltage(0), false);
+    const QString content = words({{kNumOverVoltagesAt, 1}});
+    QCOMPARE(driver.calls(), (QStringList{"GPU_SetPstates20 null 0x31CF8" + content + " -> -10",
+                                          "GPU_SetPstates20 null 0x21CF8" + content + " -> -10",
+                                          "GPU_SetPstates20 null 0x11C94 -> -10"}));
+}
+
+QTEST_APPLESS_MAIN(TestDeviceClocks)
+#include "TestDeviceClocks.moc"

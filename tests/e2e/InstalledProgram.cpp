@@ -1,0 +1,173 @@
+#include "e2e/InstalledProgram.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QJsonDocument>
+#include <QTest>
+
+namespace
+{
+
+constexpr int kStartTimeoutMs = 30000;
+const char *const kWindowTitle = "OvrynDeckII";
+
+} // namespace
+
+InstalledProgram::InstalledProgram(const VirtualScreen &ofScreen) : screen(ofScreen)
+{
+    QFile::copy(QStringLiteral(OVRYN_PROGRAM), folder.filePath(QStringLiteral("OvrynDeck2")));
+    QDir(folder.path()).mkdir(QStringLiteral("runtime"));
+    QFile::setPermissions(folder.filePath(QStringLiteral("runtime")),
+                          QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
+InstalledProgram::~InstalledProgram()
+{
+    if (process.state() != QProcess::NotRunning) {
+        process.kill();
+        process.waitForFinished(5000);
+    }
+}
+
+void InstalledProgram::useScene(const QString &name)
+{
+    scene = QStringLiteral(OVRYN_SCENES) + QLatin1Char('/') + name;
+}
+
+void InstalledProgram::writeConfig(const QByteArray &xml)
+{
+    QFile file(folder.filePath(QStringLiteral("config.xml")));
+    if (file.open(QIODevice::WriteOnly))
+        file.write(xml);
+}
+
+QProcessEnvironment InstalledProgram::environment() const
+{
+    QProcessEnvironment environment = screen.environment();
+    environment.insert(QStringLiteral("LD_LIBRARY_PATH"), QStringLiteral(OVRYN_SIMULATED_DRIVER_FOLDER));
+    environment.insert(QStringLiteral("NVAPI_SIM_JOURNAL"), folder.filePath(QStringLiteral("journal.jsonl")));
+    if (!scene.isEmpty())
+        environment.insert(QStringLiteral("NVAPI_SIM_SCENARIO"), scene);
+    // A runtime folder of its own, so that an instance of the person at the machine is no first instance.
+    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), folder.filePath(QStringLiteral("runtime")));
+    environment.insert(QStringLiteral("TMPDIR"), folder.filePath(QStringLiteral("runtime")));
+    environment.insert(QStringLiteral("HOME"), folder.path());
+    return environment;
+}
+
+bool InstalledProgram::start()
+{
+    process.setProcessEnvironment(environment());
+    process.setWorkingDirectory(QDir::rootPath()); // it must find its folder by itself
+    process.start(folder.filePath(QStringLiteral("OvrynDeck2")), QStringList());
+    return process.waitForStarted(kStartTimeoutMs);
+}
+
+int InstalledProgram::startAgain()
+{
+    QProcess second;
+    second.setProcessEnvironment(environment());
+    second.setWorkingDirectory(QDir::rootPath());
+    second.start(folder.filePath(QStringLiteral("OvrynDeck2")), QStringList());
+    if (!second.waitForFinished(kStartTimeoutMs)) {
+        second.kill();
+        second.waitForFinished(5000);
+        return -1;
+    }
+    return second.exitStatus() == QProcess::NormalExit ? second.exitCode() : -1;
+}
+
+bool InstalledProgram::isRunning() const
+{
+    return process.state() == QProcess::Running;
+}
+
+bool InstalledProgram::waitForEnd(int timeoutMs)
+{
+    return process.state() == QProcess::NotRunning || process.waitForFinished(timeoutMs);
+}
+
+bool InstalledProgram::endedNormally() const
+{
+    return process.state() == QProcess::NotRunning && process.exitStatus() == QProcess::NormalExit;
+}
+
+qint64 InstalledProgram::mainWindow() const
+{
+    return screen.findWindow(QString::fromLatin1(kWindowTitle));
+}
+
+QList<qint64> InstalledProgram::otherWindows() const
+{
+    const qint64 main = mainWindow();
+    QList<qint64> others;
+    for (const QString &id : screen.windowsOf(process.processId())) {
+        const qint64 window = id.toLongLong();
+        // toolkit helpers and the tray's icon are no larger than a few pixels
+        if (window != main && screen.geometryOf(window).width() > 64)
+            others.append(window);
+    }
+    return others;
+}
+
+qint64 InstalledProgram::waitForMainWindow() const
+{
+    qint64 window = 0;
+    return QTest::qWaitFor([&] { return (window = mainWindow()) != 0; }, kStartTimeoutMs) ? window : 0;
+}
+
+qint64 InstalledProgram::waitForBox() const
+{
+    QList<qint64> windows;
+    return QTest::qWaitFor([&] { return !(windows = otherWindows()).isEmpty(); }, kStartTimeoutMs) ? windows.last()
+                                                                                                   : 0;
+}
+
+void InstalledProgram::clickIn(qint64 window, QPoint position) const
+{
+    screen.click(screen.geometryOf(window).topLeft() + position);
+}
+
+QDomElement InstalledProgram::config() const
+{
+    QFile file(folder.filePath(QStringLiteral("config.xml")));
+    document.clear();
+    if (file.open(QIODevice::ReadOnly))
+        document.setContent(&file);
+    return document.documentElement();
+}
+
+QString InstalledProgram::configAttribute(const QString &element, const QString &attribute) const
+{
+    return config().firstChildElement(element).attribute(attribute);
+}
+
+QString InstalledProgram::configText(const QString &element) const
+{
+    return config().firstChildElement(element).text();
+}
+
+QList<QDomElement> InstalledProgram::cardSections() const
+{
+    QList<QDomElement> sections;
+    const QDomElement list = config().firstChildElement(QStringLiteral("GpuSettings"));
+    for (QDomElement card = list.firstChildElement(QStringLiteral("GPU")); !card.isNull();
+         card = card.nextSiblingElement(QStringLiteral("GPU")))
+        sections.append(card);
+    return sections;
+}
+
+QList<QJsonObject> InstalledProgram::journal() const
+{
+    QList<QJsonObject> calls;
+    QFile file(folder.filePath(QStringLiteral("journal.jsonl")));
+    if (!file.open(QIODevice::ReadOnly))
+        return calls;
+    while (!file.atEnd()) {
+        const QJsonDocument line = QJsonDocument::fromJson(file.readLine());
+        if (line.isObject()) // the last line may be half written
+            calls.append(line.object());
+    }
+    return calls;
+}

@@ -1,0 +1,191 @@
+#include "e2e/VirtualScreen.h"
+
+#include <QElapsedTimer>
+#include <QThread>
+
+namespace
+{
+
+constexpr int kStartTimeoutMs = 20000;
+constexpr int kCommandTimeoutMs = 20000;
+constexpr int kPollMs = 50;
+
+} // namespace
+
+VirtualScreen::~VirtualScreen()
+{
+    for (auto part = parts.rbegin(); part != parts.rend(); ++part) {
+        (*part)->terminate();
+        if (!(*part)->waitForFinished(3000)) {
+            (*part)->kill();
+            (*part)->waitForFinished(3000);
+        }
+    }
+}
+
+bool VirtualScreen::startPart(const QString &program, const QStringList &arguments)
+{
+    auto process = std::make_unique<QProcess>();
+    process->setProcessEnvironment(environment());
+    process->setStandardErrorFile(QProcess::nullDevice());
+    if (parts.empty()) {
+        process->setProcessChannelMode(QProcess::SeparateChannels);
+    } else {
+        process->setStandardOutputFile(QProcess::nullDevice());
+    }
+    process->start(program, arguments);
+    if (!process->waitForStarted(kStartTimeoutMs)) {
+        problem = program + QStringLiteral(": ") + process->errorString();
+        return false;
+    }
+    parts.push_back(std::move(process));
+    return true;
+}
+
+bool VirtualScreen::start()
+{
+    // The server picks a free number itself and writes it to its standard output.
+    if (!startPart(QStringLiteral("Xvfb"), {QStringLiteral("-displayfd"), QStringLiteral("1"),
+                                            QStringLiteral("-screen"), QStringLiteral("0"),
+                                            QStringLiteral("1280x900x24"), QStringLiteral("-noreset"),
+                                            QStringLiteral("-nolisten"), QStringLiteral("tcp")}))
+        return false;
+    if (!parts.front()->waitForReadyRead(kStartTimeoutMs)) {
+        problem = QStringLiteral("Xvfb tells no display");
+        return false;
+    }
+    displayName = QLatin1Char(':') + QString::fromLatin1(parts.front()->readAllStandardOutput()).trimmed();
+
+    if (!startPart(QStringLiteral("openbox"), {QStringLiteral("--config-file"), QStringLiteral(OVRYN_WINDOW_MANAGER_CONFIG)}))
+        return false;
+    QElapsedTimer timer;
+    timer.start();
+    while (!run(QStringLiteral("xprop"), {QStringLiteral("-root"), QStringLiteral("_NET_SUPPORTING_WM_CHECK")})
+                .contains(QLatin1Char('#'))) {
+        if (timer.hasExpired(kStartTimeoutMs)) {
+            problem = QStringLiteral("no window manager came up");
+            return false;
+        }
+        QThread::msleep(kPollMs);
+    }
+    return startPart(QStringLiteral("picom"), {QStringLiteral("--backend"), QStringLiteral("xrender"),
+                                               QStringLiteral("--config"), QStringLiteral("/dev/null")}) &&
+           startPart(QStringLiteral("trayer"), {QStringLiteral("--edge"), QStringLiteral("top"),
+                                                QStringLiteral("--align"), QStringLiteral("right"),
+                                                QStringLiteral("--width"), QStringLiteral("8"),
+                                                QStringLiteral("--height"), QStringLiteral("24")});
+}
+
+QProcessEnvironment VirtualScreen::environment() const
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("DISPLAY"), displayName);
+    environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+    environment.remove(QStringLiteral("FONTCONFIG_FILE")); // the program is to find the machine's own fonts
+    return environment;
+}
+
+QString VirtualScreen::run(const QString &program, const QStringList &arguments) const
+{
+    QProcess process;
+    process.setProcessEnvironment(environment());
+    process.start(program, arguments);
+    if (!process.waitForFinished(kCommandTimeoutMs))
+        return {};
+    return QString::fromUtf8(process.readAllStandardOutput());
+}
+
+qint64 VirtualScreen::findWindow(const QString &title) const
+{
+    const QString found = run(QStringLiteral("xdotool"), {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                                                          QStringLiteral("--name"), QStringLiteral("^%1$").arg(title)});
+    return found.section(QLatin1Char('\n'), 0, 0).toLongLong();
+}
+
+QStringList VirtualScreen::windowsOf(qint64 processId) const
+{
+    const QString found =
+        run(QStringLiteral("xdotool"), {QStringLiteral("search"), QStringLiteral("--all"),
+                                        QStringLiteral("--onlyvisible"), QStringLiteral("--pid"),
+                                        QString::number(processId), QStringLiteral("--name"), QStringLiteral(".*")});
+    return found.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+}
+
+qint64 VirtualScreen::activeWindow() const
+{
+    return run(QStringLiteral("xdotool"), {QStringLiteral("getactivewindow")}).trimmed().toLongLong();
+}
+
+QRect VirtualScreen::geometryOf(qint64 window) const
+{
+    const QStringList lines = run(QStringLiteral("xdotool"), {QStringLiteral("getwindowgeometry"),
+                                                              QStringLiteral("--shell"), QString::number(window)})
+                                  .split(QLatin1Char('\n'));
+    QRect geometry;
+    int x = 0;
+    int y = 0;
+    for (const QString &line : lines) {
+        const int value = line.section(QLatin1Char('='), 1).toInt();
+        if (line.startsWith(QLatin1String("X=")))
+            x = value;
+        else if (line.startsWith(QLatin1String("Y=")))
+            y = value;
+        else if (line.startsWith(QLatin1String("WIDTH=")))
+            geometry.setWidth(value);
+        else if (line.startsWith(QLatin1String("HEIGHT=")))
+            geometry.setHeight(value);
+    }
+    geometry.moveTopLeft(QPoint(x, y));
+    return geometry;
+}
+
+void VirtualScreen::movePointer(QPoint position) const
+{
+    (void)run(QStringLiteral("xdotool"), {QStringLiteral("mousemove"), QString::number(position.x()),
+                                          QString::number(position.y())});
+}
+
+void VirtualScreen::click(QPoint position) const
+{
+    (void)run(QStringLiteral("xdotool"),
+              {QStringLiteral("mousemove"), QString::number(position.x()), QString::number(position.y()),
+               QStringLiteral("sleep"), QStringLiteral("0.05"), QStringLiteral("mousedown"), QStringLiteral("1"),
+               QStringLiteral("sleep"), QStringLiteral("0.05"), QStringLiteral("mouseup"), QStringLiteral("1")});
+}
+
+void VirtualScreen::drag(QPoint from, QPoint to) const
+{
+    QStringList arguments = {QStringLiteral("mousemove"), QString::number(from.x()), QString::number(from.y()),
+                             QStringLiteral("sleep"),     QStringLiteral("0.05"),    QStringLiteral("mousedown"),
+                             QStringLiteral("1")};
+    constexpr int kSteps = 10;
+    for (int i = 1; i <= kSteps; ++i) {
+        const QPoint at = from + (to - from) * i / kSteps;
+        arguments << QStringLiteral("mousemove") << QString::number(at.x()) << QString::number(at.y())
+                  << QStringLiteral("sleep") << QStringLiteral("0.02");
+    }
+    arguments << QStringLiteral("mouseup") << QStringLiteral("1");
+    (void)run(QStringLiteral("xdotool"), arguments);
+}
+
+void VirtualScreen::key(const QString &name) const
+{
+    (void)run(QStringLiteral("xdotool"), {QStringLiteral("key"), QStringLiteral("--clearmodifiers"), name});
+}
+
+void VirtualScreen::activate(qint64 window) const
+{
+    (void)run(QStringLiteral("xdotool"), {QStringLiteral("windowactivate"), QString::number(window)});
+}
+
+QImage VirtualScreen::picture() const
+{
+    QProcess process;
+    process.setProcessEnvironment(environment());
+    process.start(QStringLiteral("import"), {QStringLiteral("-silent"), QStringLiteral("-window"),
+                                             QStringLiteral("root"), QStringLiteral("png:-")});
+    if (!process.waitForFinished(kCommandTimeoutMs))
+        return {};
+    return QImage::fromData(process.readAllStandardOutput(), "PNG").convertToFormat(QImage::Format_RGB32);
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QImage>
+#include <QPoint>
+#include <QProcess>
+#include <QRect>
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+#include <vector>
+
+/// An X server of the test's own, with window manager, compositor and tray host, and the hands and eyes
+/// to use it. Everything ends with the object.
+class VirtualScreen
+{
+public:
+    ~VirtualScreen();
+
+    /// False with `error()` set when a part of it can't be started.
+    bool start();
+    [[nodiscard]] QString error() const { return problem; }
+    [[nodiscard]] QString display() const { return displayName; }
+
+    /// Visible window of exactly that title, 0 when there is none.
+    [[nodiscard]] qint64 findWindow(const QString &title) const;
+    /// Visible windows of a process.
+    [[nodiscard]] QStringList windowsOf(qint64 processId) const;
+    [[nodiscard]] qint64 activeWindow() const;
+    [[nodiscard]] QRect geometryOf(qint64 window) const;
+
+    void movePointer(QPoint screenPosition) const;
+    void click(QPoint screenPosition) const; ///< left button, with a pause that a hand would make too
+    void drag(QPoint from, QPoint to) const; ///< left button held
+    void key(const QString &name) const;     ///< as xdotool names it
+    void activate(qint64 window) const;
+
+    [[nodiscard]] QImage picture() const; ///< the whole screen
+
+    /// Runs a program on this screen and gives back what it printed.
+    [[nodiscard]] QString run(const QString &program, const QStringList &arguments) const;
+    [[nodiscard]] QProcessEnvironment environment() const;
+
+private:
+    bool startPart(const QString &program, const QStringList &arguments);
+
+    std::vector<std::unique_ptr<QProcess>> parts; ///< the server first; ended in reverse
+    QString displayName;
+    QString problem;
+};

@@ -1,0 +1,159 @@
+#include "monitor/Ovryn_BaseInfoRow.h"
+
+#include "monitor/WidgetPainting.h"
+
+#include <QCheckBox>
+#include <QSignalSpy>
+#include <QtTest>
+
+/// The caption row: its rectangles, what it paints where, and its check box.
+class TestBaseInfoRow : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { useProgramFonts(); }
+
+    void layout_data();
+    void layout();
+    void checkBoxTakesTitleAndColumns();
+    void clickTellsTheNewState();
+    void valuesStandInTheirSlots();
+    void titleIsPaintedOnlyWithoutTheCheckBox();
+    void tinyRowsPaintWithoutComplaint_data();
+    void tinyRowsPaintWithoutComplaint();
+};
+
+void TestBaseInfoRow::layout_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<QRect>("check");
+    QTest::addColumn<QRect>("name");
+    QTest::addColumn<QRect>("value");
+    QTest::addColumn<QRect>("box");
+    QTest::addColumn<QRect>("loneTitle");
+    QTest::addColumn<QRect>("thirdSlot");
+    QTest::addColumn<int>("valueFontPixels");
+    QTest::newRow("row of the monitor page")
+        << QSize(344, 52) << QRect(0, 0, 28, 52) << QRect(28, 0, 114, 52) << QRect(172, 0, 172, 52)
+        << QRect(0, 0, 142, 52) << QRect(0, 0, 114, 52) << QRect(240, 0, 34, 52) << 14;
+    QTest::newRow("caption of a graph") << QSize(315, 30) << QRect(0, 0, 26, 30) << QRect(26, 0, 105, 30)
+                                        << QRect(157, 0, 157, 30) << QRect(0, 0, 131, 30) << QRect(0, 0, 105, 30)
+                                        << QRect(219, 0, 31, 30) << 12;
+    QTest::newRow("every division truncates")
+        << QSize(23, 7) << QRect(0, 0, 1, 7) << QRect(1, 0, 7, 7) << QRect(11, 0, 11, 7) << QRect(0, 0, 8, 7)
+        << QRect(0, 0, 7, 7) << QRect(15, 0, 2, 7) << 1;
+}
+
+void TestBaseInfoRow::layout()
+{
+    QFETCH(QSize, size);
+    const InfoRowLayout rects = infoRowLayoutFor(size);
+    QTEST(rects.checkRect, "check");
+    QTEST(rects.nameRect, "name");
+    QTEST(rects.valueRect, "value");
+    QTEST(rects.checkBoxRect(), "box");
+    QTEST(rects.loneTitleRect(), "loneTitle");
+    QTEST(rects.slotRect(2), "thirdSlot");
+    QTEST(rects.valueFontPixels(), "valueFontPixels");
+}
+
+void TestBaseInfoRow::checkBoxTakesTitleAndColumns()
+{
+    Ovryn_BaseInfoRow row;
+    row.resize(344, 52);
+    row.setText(QStringLiteral("GPU Clock"));
+    row.grab(); // delivers the resize
+    const auto *checkBox = row.findChild<QCheckBox *>();
+    QCOMPARE(checkBox->text(), QStringLiteral("GPU Clock"));
+    QCOMPARE(checkBox->geometry(), QRect(0, 0, 142, 52));
+    QCOMPARE(checkBox->font().pixelSize(), 14);
+}
+
+void TestBaseInfoRow::clickTellsTheNewState()
+{
+    Ovryn_BaseInfoRow row;
+    row.resize(344, 52);
+    row.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&row));
+    QSignalSpy checked(&row, SIGNAL(onChecked(bool)));
+    auto *checkBox = row.findChild<QCheckBox *>();
+    QTest::mouseClick(checkBox, Qt::LeftButton, Qt::NoModifier, QPoint(8, 26));
+    QVERIFY(row.isChecked());
+    row.setChecked(true); // no change, no signal
+    row.setChecked(false);
+    QVERIFY(!row.isChecked());
+    QCOMPARE(checked.size(), 2);
+    QCOMPARE(checked.at(0).at(0).toBool(), true);
+    QCOMPARE(checked.at(1).at(0).toBool(), false);
+}
+
+void TestBaseInfoRow::valuesStandInTheirSlots()
+{
+    Ovryn_BaseInfoRow row;
+    row.setCheckBoxVisible(false);
+    row.resize(600, 40);
+    const InfoRowLayout rects = infoRowLayoutFor(row.size());
+    const auto usedSlots = [&] {
+        const QImage image = paintingOf(row);
+        QString used;
+        for (int slot = 0; slot < 5; ++slot)
+            used += whiteBounds(image, rects.slotRect(slot)).isEmpty() ? QLatin1Char('-') : QLatin1Char('#');
+        return used;
+    };
+    QCOMPARE(usedSlots(), QStringLiteral("-#-#-")); // "MAX:" and "MIN:" alone
+    row.setValues(QStringLiteral("1"), QString(), QString());
+    QCOMPARE(usedSlots(), QStringLiteral("##-#-"));
+    row.setValues(QString(), QStringLiteral("1"), QString());
+    QCOMPARE(usedSlots(), QStringLiteral("-###-"));
+    row.setValues(QString(), QString(), QStringLiteral("1"));
+    QCOMPARE(usedSlots(), QStringLiteral("-#-##"));
+    // Left-aligned and vertically centred.
+    const QRect slot = rects.slotRect(4);
+    const QRect ink = whiteBounds(paintingOf(row), slot);
+    QVERIFY(ink.left() - slot.left() < slot.width() / 4);
+    QVERIFY(qAbs(ink.center().y() - slot.center().y()) <= 2);
+}
+
+void TestBaseInfoRow::titleIsPaintedOnlyWithoutTheCheckBox()
+{
+    Ovryn_BaseInfoRow row;
+    row.setText(QStringLiteral("HHH"));
+    row.resize(344, 30);
+    row.setCheckBoxVisible(false);
+    const QRect left(0, 0, 172, 30);
+    const QRect lone = whiteBounds(paintingOf(row), left);
+    QVERIFY(lone.left() <= 2);    // at the far left
+    QVERIFY(lone.height() <= 10); // capitals of 12 pixels
+    QVERIFY(lone.height() >= 7);
+
+    row.setCheckBoxVisible(true);
+    const QRect beside = whiteBounds(paintingOf(row), left);
+    QVERIFY(beside.left() >= 14); // the box's own text, behind its mark
+    row.findChild<QCheckBox *>()->setText(QString());
+    QVERIFY(whiteBounds(paintingOf(row), left.adjusted(24, 0, 0, 0)).isEmpty()); // the row itself paints no title
+}
+
+void TestBaseInfoRow::tinyRowsPaintWithoutComplaint_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("no size") << QSize(0, 0);
+    QTest::newRow("one pixel") << QSize(1, 1);
+    QTest::newRow("slot of no width") << QSize(9, 30);
+}
+
+void TestBaseInfoRow::tinyRowsPaintWithoutComplaint()
+{
+    QFETCH(QSize, size);
+    Ovryn_BaseInfoRow row;
+    row.resize(size);
+    row.setCheckBoxVisible(false);
+    row.setValues(QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3"));
+    QImage image(40, 40, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    row.render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
+    QCOMPARE(infoRowLayoutFor(size).valueFontPixels(), 1);
+}
+
+QTEST_MAIN(TestBaseInfoRow)
+#include "TestBaseInfoRow.moc"

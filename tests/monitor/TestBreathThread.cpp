@@ -1,0 +1,323 @@
+#include "monitor/CreateBreathCircleAndWaveCircleThread.h"
+#include "monitor/SharedGaugeAnimation.h"
+
+#include <QtTest>
+
+#include <memory>
+#include <random>
+
+namespace
+{
+
+constexpr int kPatienceMs = 20000; // the machine may be busy
+
+/// Collects the pictures on the test's own thread.
+class Receiver : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit Receiver(const CreateBreathCircleAndWaveCircleThread &renderer)
+    {
+        connect(&renderer, SIGNAL(sendImage(QImage)), this, SLOT(recvImage(QImage)), Qt::QueuedConnection);
+        connect(&renderer, SIGNAL(finished()), this, SLOT(recvEnd()), Qt::QueuedConnection);
+    }
+
+    int frames = 0;
+    int ends = 0;
+    QImage last;
+
+public slots:
+    void recvImage(const QImage &image)
+    {
+        ++frames;
+        last = image;
+    }
+    void recvEnd() { ++ends; }
+};
+
+bool isEmptyPicture(const QImage &image)
+{
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (image.pixel(x, y) != 0)
+                return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+class TestBreathThread : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void withBothEffectsOffItEndsAfterOneEmptyFrame();
+    void withBothEffectsOffTheDiscIsPale();
+    void aDisabledWaveIsEmptyAtAnyLevel();
+    void radiiOverlapTheRingByAPixel();
+    void startingARunningThreadDoesNothing();
+    void itStartsAgainAfterItEndedByItself();
+    void itGoesOnWhenStartedBeforeItSawTheStop();
+    void switchingBothEffectsOffEndsIt();
+    void twoRenderersMoveTheAnimationTwiceAsFast();
+    void aFullDiscLeavesTheWavesAlone();
+    void sizes_data();
+    void sizes();
+    void startStopAndResizeAtRandom();
+    void destructionWhileItRuns();
+    void destructionWithoutAStart();
+};
+
+void TestBreathThread::withBothEffectsOffItEndsAfterOneEmptyFrame()
+{
+    CreateBreathCircleAndWaveCircleThread renderer(nullptr);
+    Receiver receiver(renderer);
+    renderer.setBreathEnabled(false);
+    renderer.setWaveEnabled(false);
+    renderer.startRender();
+    QTRY_COMPARE_WITH_TIMEOUT(receiver.ends, 1, kPatienceMs);
+    QCOMPARE(receiver.frames, 1);
+    QCOMPARE(receiver.last.size(), QSize(100, 100));
+    QVERIFY(isEmptyPicture(receiver.last)); // no radius, no disc
+    QVERIFY(!renderer.isRunning());
+}
+
+void TestBreathThread::withBothEffectsOffTheDiscIsPale()
+{
+    CreateBreathCircleAndWaveCircleThread renderer(nullptr);
+    renderer.setSize(200);
+    renderer.setBreathRadius(60);
+    renderer.setWaveRadius(40);
+    renderer.setWaveLevel(1.0);
+    renderer.setBreathEnabled(false);
+    renderer.setWaveEnabled(false);
+    const QImage picture = renderer.renderFrame();
+    QCOMPARE(qAlpha(picture.pixel(100, 100)), 50);
+    QCOMPARE(qAlpha(picture.pixel(100, 30)), 0);
+}
+
+void TestBreathThread::aDisabledWaveIsEmptyAtAnyLevel()
+{
+    CreateBreathCircleAndWaveCircleThread renderer(nullptr);
+    renderer.setSize(200);
+    renderer.setWaveRadius(40);
+    renderer.setWaveLevel(0.9);
+    renderer.setBreathEnabled(false);
+    QVERIFY(qAlpha(renderer.renderFrame().pixel(100, 130)) > 200);
+    renderer.setWaveEnabled(false);
+    QCOMPARE(qAlpha(renderer.renderFrame().pixel(100, 130)), 50);
+}
+
+void TestBreathThread::radiiOverlapTheRingByAPixel()
+{
+    CreateBreathCircleAndWaveCircleThread renderer(nullptr);
+    renderer.setSize(200);
+    renderer.setBreathRadius(60);
+    renderer.setWaveRadius(40);
+    const QImage picture = renderer.renderFrame();
+    QVERIFY(qAlpha(picture.pixel(140, 100)) > 0);  // 40 to 41 from the centre
+    QCOMPARE(qAlpha(picture.pixel(141, 100)), 0);  // 41 to 42
+    QVERIFY(qAlpha(picture.pixel(158, 100)) <= 2); // 58 to 59
+    QVERIFY(qAlpha(picture.pixel(159, 100)) > 50); // 59 to 60
+}
+
+void TestBreathThread::startingARunningThreadDoesNothing()
+{
+    CreateBreathCircleAndWaveCircleThread renderer(nullptr);
+    Receiver receiver(renderer);
+    renderer.setSleepMs(1);
+    renderer.startRender();
+    QTRY_VERIFY_WITH_TIMEOUT(receiver.frames >= 3, kPatienceMs);
+    renderer.startRender();
+    renderer.startRender();
+    const int before = receiver.frames;
+    QTRY_VERIFY_WITH_TIMEOUT(receiver.frames >= before + 3, kPatienceMs);
+    QCOMPARE(receiver.ends, 0);
+    renderer.stopRender();
+    QTRY_COMPARE_WITH_TIMEOUT(receiver.ends, 1, kPatienceMs);
+    const int atTheEnd = receiver.frames;
+    QVERIFY(renderer.wait(kPatienceMs));
+    QCoreApplication::processEvents();
+    QCOMPARE(receiver.frames, atTheEnd);
+}
+
+void TestBreathThread::itStartsAgainAfterItEndedByItself()
+{
+    CreateBreathCircleAndWaveCircleThread renderer(nullptr);
+    Receiver receiver(renderer);
+    renderer.setBreathEnabled(false);
+    renderer.setWaveEnabled(false);
+    // Each start comes as soon as the last picture is here, often before the thread has quite ended.
+    for (int start = 1; start <= 300; ++start) {
+        renderer.startRender();
+        QElapsedTimer clock;
+        clock.start();
+        while (receiver.frames < start && clock.elapsed() < kPatienceMs)
+            QCoreApplication::processEvents();
+        QCOMPARE(receiver.frames, start);
+    }
+    QTRY_COMPARE_WITH_TIMEOUT(receiver.ends, 300, kPatienceMs);
+}
+
+void TestBreathThread::itGoesOnWhenStartedBeforeItSawTheStop()
+{
+    CreateBreathCircleAndWaveCircleThread renderer(nullptr);
+    Receiver receiver(renderer);
+    renderer.setSleepMs(300);
+    renderer.startRender();
+    QTRY_VERIFY_WITH_TIMEOUT(receiver.frames >= 1, kPatienceMs);
+    renderer.setSleepMs(1);
+    renderer.stopRender();
+    renderer.startRender();
+    const int before = receiver.frames;
+    QTRY_VERIFY_WITH_TIMEOUT(receiver.frames >= before + 3, kPatienceMs);
+    QVERIFY(renderer.isRunning());
+}
+
+void TestBreathThread::switchingBothEffectsOffEndsIt()
+{
+    CreateBreathCircleAndWaveCircleThread renderer(nullptr);
+    Receiver receiver(renderer);
+    renderer.startRender();
+    QTRY_VERIFY_WITH_TIMEOUT(receiver.frames >= 2, kPatienceMs);
+    renderer.setBreathEnabled(false);
+    const int withOneEffect = receiver.frames;
+    QTRY_VERIFY_WITH_TIMEOUT(receiver.frames >= withOneEffect + 2, kPatienceMs);
+    QCOMPARE(receiver.ends, 0);
+    renderer.setWaveEnabled(false);
+    QTRY_COMPARE_WITH_TIMEOUT(receiver.ends, 1, kPatienceMs);
+    renderer.setBreathEnabled(true);
+    renderer.startRender();
+    const int before = receiver.frames;
+    QTRY_VERIFY_WITH_TIMEOUT(receiver.frames >= before + 2, kPatienceMs);
+}
+
+void TestBreathThread::twoRenderersMoveTheAnimationTwiceAsFast()
+{
+    BreathPulse expected = SharedGaugeAnimation::pulse();
+    CreateBreathCircleAndWaveCircleThread first(nullptr);
+    CreateBreathCircleAndWaveCircleThread second(nullptr);
+    Receiver firstReceiver(first);
+    Receiver secondReceiver(second);
+    for (CreateBreathCircleAndWaveCircleThread *renderer : {&first, &second}) {
+        renderer->setSleepMs(0);
+        renderer->startRender();
+    }
+    QTRY_VERIFY_WITH_TIMEOUT(firstReceiver.frames >= 50 && secondReceiver.frames >= 50, kPatienceMs);
+    first.stopRender();
+    second.stopRender();
+    QTRY_VERIFY_WITH_TIMEOUT(firstReceiver.ends == 1 && secondReceiver.ends == 1, kPatienceMs);
+
+    for (int frame = 0; frame < firstReceiver.frames + secondReceiver.frames; ++frame)
+        expected = stepped(expected);
+    QCOMPARE(SharedGaugeAnimation::pulse().breathPos, expected.breathPos);
+    QCOMPARE(SharedGaugeAnimation::pulse().breathFalling, expected.breathFalling);
+}
+
+void TestBreathThread::aFullDiscLeavesTheWavesAlone()
+{
+    CreateBreathCircleAndWaveCircleThread renderer(nullptr);
+    renderer.setWaveRadius(20);
+    const double before = SharedGaugeAnimation::wave().wavePhase;
+    for (const double level : {0.0, 1.0}) {
+        renderer.setWaveLevel(level);
+        QVERIFY(!renderer.renderFrame().isNull());
+        QCOMPARE(SharedGaugeAnimation::wave().wavePhase, before);
+    }
+    renderer.setWaveLevel(0.5);
+    QVERIFY(!renderer.renderFrame().isNull());
+    QVERIFY(SharedGaugeAnimation::wave().wavePhase != before);
+}
+
+void TestBreathThread::sizes_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::addColumn<int>("side");
+    QTest::newRow("negative") << -7 << 0;
+    QTest::newRow("nothing") << 0 << 0;
+    QTest::newRow("one pixel") << 1 << 1;
+    QTest::newRow("home page") << 639 << 639;
+    QTest::newRow("beyond any screen") << std::numeric_limits<int>::max()
+                                       << CreateBreathCircleAndWaveCircleThread::kMaxSide;
+}
+
+void TestBreathThread::sizes()
+{
+    QFETCH(int, size);
+    QFETCH(int, side);
+    CreateBreathCircleAndWaveCircleThread renderer(nullptr);
+    renderer.setBreathEnabled(false);
+    renderer.setSize(size);
+    renderer.setWaveRadius(0.2 * size);
+    QCOMPARE(renderer.renderFrame().size(), QSize(side, side));
+}
+
+void TestBreathThread::startStopAndResizeAtRandom()
+{
+    std::mt19937 random(20181); // any seed, the same each run
+    CreateBreathCircleAndWaveCircleThread renderer(nullptr);
+    Receiver receiver(renderer);
+    renderer.setSleepMs(0);
+    for (int step = 0; step < 3000; ++step) {
+        const int side = static_cast<int>(random() % 60) - 2;
+        switch (random() % 8) {
+        case 0:
+            renderer.startRender();
+            break;
+        case 1:
+            renderer.stopRender();
+            break;
+        case 2:
+            renderer.setSize(side);
+            break;
+        case 3:
+            renderer.setBreathRadius(0.3 * side);
+            break;
+        case 4:
+            renderer.setWaveRadius(0.2 * side);
+            break;
+        case 5:
+            renderer.setWaveLevel(static_cast<double>(random() % 13) / 10.0 - 0.1);
+            break;
+        case 6:
+            renderer.setBreathEnabled(random() % 2 == 0);
+            break;
+        default:
+            renderer.setWaveEnabled(random() % 2 == 0);
+            QCoreApplication::processEvents();
+            break;
+        }
+    }
+    renderer.setWaveEnabled(true);
+    renderer.setSize(64);
+    renderer.startRender();
+    const int before = receiver.frames;
+    QTRY_VERIFY_WITH_TIMEOUT(receiver.frames > before && receiver.last.width() == 64, kPatienceMs);
+}
+
+void TestBreathThread::destructionWhileItRuns()
+{
+    for (int round = 0; round < 20; ++round) {
+        auto renderer = std::make_unique<CreateBreathCircleAndWaveCircleThread>(nullptr);
+        renderer->setSleepMs(1);
+        renderer->startRender();
+        QVERIFY(renderer->isRunning());
+        renderer.reset();
+    }
+}
+
+void TestBreathThread::destructionWithoutAStart()
+{
+    QElapsedTimer clock;
+    clock.start();
+    {
+        const CreateBreathCircleAndWaveCircleThread renderer(nullptr);
+    }
+    QVERIFY(clock.elapsed() < 1000); // it did not wait for the end of what never ran
+}
+
+QTEST_MAIN(TestBreathThread)
+#include "TestBreathThread.moc"

@@ -1,0 +1,52 @@
+# Sourced by run.sh and test.sh: the Debian packages that the project needs, and how they get here.
+
+build_packages=(
+    cmake ninja-build g++ ccache pkg-config
+    qtbase5-dev libqt5x11extras5-dev libxcb-keysyms1-dev libquazip1-qt5-dev
+    nlohmann-json3-dev libbenchmark-dev
+)
+# A virtual screen with a window manager, a compositor and a tray, and the tools that click and look.
+screen_packages=(
+    xvfb openbox picom trayer xdotool wmctrl x11-utils x11-xserver-utils imagemagick
+    dbus-x11 xauth
+)
+
+# ensure_packages NAME...: installs what is missing, as root or through sudo; elsewhere names it and ends.
+ensure_packages() {
+    local missing=() name
+    if ! command -v dpkg-query >/dev/null; then
+        command -v cmake >/dev/null && command -v ninja >/dev/null && return 0
+        echo "This system has no apt. Install the equivalents of these Debian packages, then try again:" >&2
+        printf '  %s\n' "$@" >&2
+        exit 1
+    fi
+    for name in "$@"; do
+        dpkg-query -W -f='${Status}' "$name" 2>/dev/null | grep -q 'install ok installed' || missing+=("$name")
+    done
+    [ ${#missing[@]} -eq 0 ] && return 0
+
+    local root=()
+    if [ "$(id -u)" -ne 0 ]; then
+        if ! command -v sudo >/dev/null; then
+            echo "These packages are missing, and neither root nor sudo is here to install them:" >&2
+            printf '  %s\n' "${missing[@]}" >&2
+            exit 1
+        fi
+        root=(sudo)
+    fi
+    if ! command -v apt-get >/dev/null; then
+        echo "These packages are missing:" >&2
+        printf '  %s\n' "${missing[@]}" >&2
+        exit 1
+    fi
+    echo "Installing: ${missing[*]}"
+    "${root[@]}" apt-get update -q >/dev/null
+    "${root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+# build_preset PRESET: configures and builds.
+build_preset() {
+    export CMAKE_CXX_COMPILER_LAUNCHER=ccache
+    cmake --preset "$1" -S . >/dev/null
+    cmake --build "build/$1"
+}

@@ -1,0 +1,37 @@
+#!/usr/bin/env bash
+# tour.sh PROGRAM FOLDER: starts the program on a virtual screen, visits its pages by mouse and leaves a
+# picture of each in FOLDER. The driver is whichever stands in LD_LIBRARY_PATH.
+set -euo pipefail
+program=$(realpath "$1")
+mkdir -p "$2"
+pictures=$(realpath "$2")
+. "$(dirname "$0")/screen.sh"
+
+start_screen
+place=$(mktemp -d)
+cp "$program" "$place/" # config.xml lies beside the executable: a fresh place gives a fresh start
+"$place/OvrynDeck2" &
+program_pid=$!
+trap 'kill $program_pid 2>/dev/null || true; stop_screen; rm -rf "$place"' EXIT
+
+wait_for 20 find_window OvrynDeckII
+window=$(find_window OvrynDeckII)
+place_of "$window"
+width=$WIDTH height=$HEIGHT
+rm -f "$pictures"/*.png
+
+# the slides and the first samples need their time to be worth a picture
+look() {
+    sleep "${2:-2}"
+    picture "$pictures/$1.png"
+    echo "  $pictures/$1.png"
+}
+# confirm_box: the button of the one-button box that stands in the middle of the window
+confirm_box() { xdotool key --clearmodifiers Return; }
+
+look 01-first-start
+sleep 0.3
+. "$(dirname "$0")/tour-stops.sh"
+
+kill $program_pid
+wait $program_pid 2>/dev/null || true
