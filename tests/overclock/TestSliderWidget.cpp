@@ -1,6 +1,7 @@
 #include "overclock/Ovryn_SliderWidget.h"
 
 #include "overclock/Ovryn_OverClockingSlider.h"
+#include "support/ConnectWarnings.h"
 #include "support/MouseMove.h"
 #include "ui/Fonts.h"
 #include "ui/ModifySpinBox.h"
@@ -57,14 +58,6 @@ constexpr int kBackgroundWidth = 24;
 constexpr int kLowest = std::numeric_limits<int>::min();
 constexpr int kHighest = std::numeric_limits<int>::max();
 
-QStringList warnings;
-
-void collectWarnings(QtMsgType type, const QMessageLogContext & /*context*/, const QString &text)
-{
-    if (type == QtWarningMsg)
-        warnings.append(text);
-}
-
 QImage imageOf(QWidget &widget)
 {
     QImage image(widget.size(), QImage::Format_ARGB32_Premultiplied);
@@ -108,10 +101,7 @@ void TestSliderWidget::initTestCase()
 
 void TestSliderWidget::init()
 {
-    warnings.clear();
-    const QtMessageHandler usual = qInstallMessageHandler(collectWarnings);
     row = std::make_unique<Ovryn_SliderWidget>();
-    qInstallMessageHandler(usual);
     slider = row->findChild<Ovryn_OverClockingSlider *>();
     box = row->findChild<ModifySpinBox *>();
     QVERIFY(slider != nullptr && box != nullptr);
@@ -180,7 +170,9 @@ void TestSliderWidget::firstLook()
 
 void TestSliderWidget::connectionsHold()
 {
-    QCOMPARE(warnings, QStringList());
+    const ConnectWarnings watcher;
+    const Ovryn_SliderWidget another;
+    QCOMPARE(watcher.list(), QStringList());
 }
 
 void TestSliderWidget::pageStep_data()
