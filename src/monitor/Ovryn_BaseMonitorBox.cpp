@@ -11,6 +11,7 @@
 #include <QTime>
 
 #include <algorithm>
+#include <utility>
 
 namespace
 {
@@ -75,17 +76,17 @@ void Ovryn_BaseMonitorBox::addData(double value)
 
 void Ovryn_BaseMonitorBox::setDisplayInfo(QString currentValue, QString minValue, QString maxValue)
 {
-    infoRow->setValues(currentValue, maxValue, minValue);
+    infoRow->setValues(std::move(currentValue), std::move(maxValue), std::move(minValue));
 }
 
 void Ovryn_BaseMonitorBox::setForgroundColor(QColor color)
 {
-    fillColor = color;
+    fillColor = std::move(color);
 }
 
 void Ovryn_BaseMonitorBox::setGridColor(QColor color)
 {
-    gridColor = color;
+    gridColor = std::move(color);
 }
 
 void Ovryn_BaseMonitorBox::setRange(double bottom, double top)
@@ -99,8 +100,8 @@ void Ovryn_BaseMonitorBox::setRange(double bottom, double top)
 
 void Ovryn_BaseMonitorBox::setTitle(QString text)
 {
-    title = text;
-    infoRow->setText(text);
+    title = std::move(text);
+    infoRow->setText(title);
     repaint();
 }
 
