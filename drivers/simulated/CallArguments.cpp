@@ -13,8 +13,6 @@ namespace
 using nlohmann::ordered_json;
 using Pstates = NV_GPU_PERF_PSTATES20_INFO;
 
-constexpr std::size_t kThermalStatusEntrySize1 = 8; // the oldest entries lack the flags
-
 ordered_json voltages(const Pstates::Voltage *entries, std::size_t count)
 {
     ordered_json list = ordered_json::array();

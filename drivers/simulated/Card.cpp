@@ -166,11 +166,11 @@ double Card::coolerAimPercent(std::size_t cooler) const
     const CardSettings::Cooler &setting = settings.coolers.at(cooler);
     const double curve = curvePercent(parameters.fan.curve, readings.temperatureC);
     switch (setting.policy) {
-    case CoolerPolicyManual:
+    case kCoolerPolicyManual:
         return setting.manualPercent;
-    case CoolerPolicyPerformance:
+    case kCoolerPolicyPerformance:
         return std::min(curve + kPerformanceExtraPercent, 100.0);
-    case CoolerPolicyDiscrete:
+    case kCoolerPolicyDiscreteTemperature:
         return std::ceil(curve / kDiscreteStepPercent) * kDiscreteStepPercent;
     default:
         return curve;

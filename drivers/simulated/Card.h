@@ -4,6 +4,8 @@
 #include "simulated/LcdController.h"
 #include "simulated/LedController.h"
 
+#include "device/nvapi/NvApiRecords.h"
+
 #include <optional>
 #include <vector>
 
@@ -15,8 +17,8 @@ struct CardSettings
 {
     struct Cooler
     {
-        qint32 policy = 0x20;     ///< the driver's number; 0x20 is the driver's own control
-        qint32 manualPercent = 0; ///< level of policy 1
+        qint32 policy = kCoolerPolicyDefault; ///< one of the driver's cooler policies
+        qint32 manualPercent = 0;             ///< level of policy 1
     };
     qint32 graphicsOffsetKHz = 0;
     qint32 memoryOffsetKHz = 0;
@@ -76,16 +78,6 @@ private:
     double advancedToMs = 0;
     double thermalCutKHz = 0;   ///< grows while the card is too hot
     double warmLoadPercent = 0; ///< the load, smoothed: memory fills and empties slowly
-};
-
-/// Driver's number of the cooler policies.
-enum CoolerPolicy
-{
-    CoolerPolicyManual = 1,
-    CoolerPolicyPerformance = 2,
-    CoolerPolicyDiscrete = 4,
-    CoolerPolicyContinuous = 8,
-    CoolerPolicyDefault = 0x20,
 };
 
 } // namespace simulated

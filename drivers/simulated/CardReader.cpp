@@ -1,5 +1,7 @@
 #include "simulated/CardReader.h"
 
+#include "simulated/JsonObject.h"
+
 namespace simulated
 {
 namespace

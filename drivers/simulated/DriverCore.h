@@ -3,9 +3,10 @@
 #include "simulated/Call.h"
 #include "simulated/Card.h"
 #include "simulated/FaultPlan.h"
-#include "simulated/OutputFiles.h"
+#include "simulated/JournalFile.h"
 #include "simulated/Scenario.h"
 #include "simulated/SimulatedClock.h"
+#include "simulated/StateFile.h"
 
 #include <functional>
 #include <map>

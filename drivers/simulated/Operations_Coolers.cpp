@@ -33,8 +33,9 @@ constexpr qint32 kCoolerControlVariable = 2;
 
 bool isPolicy(qint32 policy)
 {
-    return policy == CoolerPolicyManual || policy == CoolerPolicyPerformance || policy == CoolerPolicyDiscrete ||
-           policy == CoolerPolicyContinuous || policy == CoolerPolicyDefault;
+    return policy == kCoolerPolicyManual || policy == kCoolerPolicyPerformance ||
+           policy == kCoolerPolicyDiscreteTemperature || policy == kCoolerPolicyContinuousTemperature ||
+           policy == kCoolerPolicyDefault;
 }
 
 NvApiCoolerSettings::Cooler coolerEntry(const Card &card, std::size_t index)
@@ -48,7 +49,7 @@ NvApiCoolerSettings::Cooler coolerEntry(const Card &card, std::size_t index)
     entry.currentMin = fan.minimumPercent;
     entry.currentMax = fan.maximumPercent;
     entry.currentLevel = static_cast<qint32>(std::lround(card.coolerAimPercent(index)));
-    entry.defaultPolicy = CoolerPolicyDefault;
+    entry.defaultPolicy = kCoolerPolicyDefault;
     entry.currentPolicy = card.settings.coolers[index].policy;
     entry.target = kCoolerTargetGpu;
     entry.controlType = kCoolerControlVariable;
@@ -99,7 +100,7 @@ NvAPI_Status Operations::NvAPI_GPU_SetCoolerLevels(NvPhysicalGpuHandle, quint32 
     const bool setsPolicy = wanted.policy != 0; // 0 leaves the policy alone
     if (setsPolicy && !isPolicy(wanted.policy))
         return refuse(NVAPI_INVALID_ARGUMENT, "unknown cooler policy");
-    const bool setsLevel = !setsPolicy || wanted.policy == CoolerPolicyManual; // elsewhere the curve decides
+    const bool setsLevel = !setsPolicy || wanted.policy == kCoolerPolicyManual; // elsewhere the curve decides
     if (setsLevel && (wanted.level < 0 || wanted.level > card().parameters.fan.maximumPercent))
         return refuse(NVAPI_INVALID_ARGUMENT, "cooler level out of range");
     for (std::size_t i = 0; i < coolers.size(); ++i) {

@@ -15,7 +15,6 @@ constexpr double kChipShare = 0.6; ///< of the card's draw that the second power
 
 // older entries of the thermal policies are beginnings of the newest ones
 constexpr std::size_t kThermalInfoEntrySize1 = 20;
-constexpr std::size_t kThermalStatusEntrySize1 = 8;
 constexpr std::size_t kThermalInfoOffset = offsetof(NvApiThermalPoliciesInfo, entries);
 constexpr std::size_t kThermalStatusOffset = offsetof(NvApiThermalPoliciesStatus, entries);
 

@@ -3,7 +3,7 @@
 #include "simulated/BuiltInScene.h"
 #include "simulated/CardReader.h"
 #include "simulated/Hex.h"
-#include "simulated/JsonNode.h"
+#include "simulated/JsonObject.h"
 
 #include <algorithm>
 #include <fstream>

@@ -7,9 +7,11 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <QVector>
 #include <QTime>
 
 #include <algorithm>
+#include <utility>
 
 namespace
 {
@@ -74,17 +76,17 @@ void Ovryn_BaseMonitorBox::addData(double value)
 
 void Ovryn_BaseMonitorBox::setDisplayInfo(QString currentValue, QString minValue, QString maxValue)
 {
-    infoRow->setValues(currentValue, maxValue, minValue);
+    infoRow->setValues(std::move(currentValue), std::move(maxValue), std::move(minValue));
 }
 
 void Ovryn_BaseMonitorBox::setForgroundColor(QColor color)
 {
-    fillColor = color;
+    fillColor = std::move(color);
 }
 
 void Ovryn_BaseMonitorBox::setGridColor(QColor color)
 {
-    gridColor = color;
+    gridColor = std::move(color);
 }
 
 void Ovryn_BaseMonitorBox::setRange(double bottom, double top)
@@ -98,8 +100,8 @@ void Ovryn_BaseMonitorBox::setRange(double bottom, double top)
 
 void Ovryn_BaseMonitorBox::setTitle(QString text)
 {
-    title = text;
-    infoRow->setText(text);
+    title = std::move(text);
+    infoRow->setText(title);
     repaint();
 }
 
@@ -154,18 +156,34 @@ void Ovryn_BaseMonitorBox::paintGrid(QPainter &painter) const
 
 void Ovryn_BaseMonitorBox::paintHistory(QPainter &painter) const
 {
-    painter.setPen(kWhite);
-    painter.setBrush(QBrush(fillColor, Qt::SolidPattern));
     const int shown = std::min(samples.size(), area.plotWidth);
     if (shown <= 0)
         return;
-    QPainterPath fill;
-    fill.moveTo(area.plotRight(), samples.first().y);
-    for (int i = 0; i < shown; ++i)
-        fill.lineTo(area.plotRight() - i, samples.at(i).y);
-    fill.lineTo(area.plotRight() - shown - 1, area.plotBottom());
-    fill.lineTo(area.plotRight(), area.plotBottom());
-    painter.drawPath(fill);
+
+    // The area under the outline goes down column by column: as one polygon the toolkit would sort hundreds of
+    // crossings a row once the history is jagged.
+    QVector<QRect> columns;
+    columns.reserve(shown);
+    QPainterPath outline;
+    outline.moveTo(area.plotRight(), samples.first().y);
+    for (int i = 0; i < shown; ++i) {
+        const int x = area.plotRight() - i;
+        const int y = samples.at(i).y;
+        const int older = i + 1 < shown ? samples.at(i + 1).y : area.plotBottom();
+        const int middle = y + (older - y) / 2; // where the outline crosses the column's middle
+        columns.append(QRect(QPoint(x - 1, std::min(middle, area.plotBottom())),
+                             QPoint(x - 1, std::max(middle, area.plotBottom()) - 1)));
+        outline.lineTo(x, y);
+    }
+    outline.lineTo(area.plotRight() - shown - 1, area.plotBottom());
+    outline.lineTo(area.plotRight(), area.plotBottom());
+
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(fillColor);
+    painter.drawRects(columns);
+    painter.setPen(kWhite);
+    painter.setBrush(Qt::NoBrush);
+    painter.drawPath(outline);
 }
 
 void Ovryn_BaseMonitorBox::paintAxisLabels(QPainter &painter) const
@@ -173,6 +191,7 @@ void Ovryn_BaseMonitorBox::paintAxisLabels(QPainter &painter) const
     QFont axisFont(QStringLiteral("Arial"));
     axisFont.setPixelSize(area.axisFontPixels);
     painter.setFont(axisFont);
+    painter.setPen(kWhite);
     // The two pairs of flags differ: the upper limit is centred and the lower one stands at the right.
     painter.drawText(area.topLabelRect(), Qt::AlignLeft | Qt::AlignHCenter, QString::number(topValue, 'g', 6));
     painter.drawText(area.bottomLabelRect(), Qt::AlignRight | Qt::AlignHCenter, QString::number(bottomValue, 'g', 6));
@@ -185,9 +204,8 @@ void Ovryn_BaseMonitorBox::paintCrosshair(QPainter &painter) const
     painter.setPen(pen);
     painter.drawLine(hoverX, area.plotY, hoverX, area.plotBottom());
 
-    const int age = area.plotX - hoverX + area.plotWidth;
-    // Below 0 only when the box has shrunk since the mouse moved.
-    if (age < 0 || age >= samples.size())
+    const int age = hoveredAge();
+    if (age < 0)
         return;
     const MonitorSample &sample = samples.at(age);
     const QFontMetrics metrics = painter.fontMetrics();
@@ -196,6 +214,12 @@ void Ovryn_BaseMonitorBox::paintCrosshair(QPainter &painter) const
         painter.drawText(hoverX - metrics.horizontalAdvance(text) / 2, baseline, text);
         baseline += metrics.height();
     }
+}
+
+int Ovryn_BaseMonitorBox::hoveredAge() const
+{
+    const int age = area.plotX - hoverX + area.plotWidth; // below 0 when the box has shrunk since the mouse moved
+    return hovering && age >= 0 && age < samples.size() ? age : -1;
 }
 
 void Ovryn_BaseMonitorBox::mouseMoveEvent(QMouseEvent *event)

@@ -66,6 +66,7 @@ public:
     [[nodiscard]] const MonitorBoxLayout &boxLayout() const { return area; }
     [[nodiscard]] int gridPhase() const { return scrollOffset; }
     [[nodiscard]] bool isHovering() const { return hovering; }
+    [[nodiscard]] int hoveredAge() const; ///< index of the sample under the crosshair; -1 without one
     [[nodiscard]] double rangeTop() const { return topValue; }
     [[nodiscard]] double rangeBottom() const { return bottomValue; }
     [[nodiscard]] Ovryn_BaseInfoRow *captionRow() const { return infoRow; }

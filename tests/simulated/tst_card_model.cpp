@@ -21,7 +21,7 @@ Card cardAt(double loadPercent)
 
 void setManualFan(Card &card, qint32 percent)
 {
-    card.settings.coolers[0] = {CoolerPolicyManual, percent};
+    card.settings.coolers[0] = {kCoolerPolicyManual, percent};
 }
 
 } // namespace
@@ -171,11 +171,11 @@ void TestCardModel::fanFollowsPolicy_data()
     QTest::addColumn<qint32>("policy");
     QTest::addColumn<double>("percent");
     // the curve of the default card at 65 degrees gives 41.67 percent
-    QTest::newRow("driver's own control") << qint32(CoolerPolicyDefault) << 41.67;
-    QTest::newRow("continuous") << qint32(CoolerPolicyContinuous) << 41.67;
-    QTest::newRow("discrete rounds up to tens") << qint32(CoolerPolicyDiscrete) << 50.0;
-    QTest::newRow("performance runs higher") << qint32(CoolerPolicyPerformance) << 61.67;
-    QTest::newRow("manual") << qint32(CoolerPolicyManual) << 77.0;
+    QTest::newRow("driver's own control") << qint32(kCoolerPolicyDefault) << 41.67;
+    QTest::newRow("continuous") << qint32(kCoolerPolicyContinuousTemperature) << 41.67;
+    QTest::newRow("discrete rounds up to tens") << qint32(kCoolerPolicyDiscreteTemperature) << 50.0;
+    QTest::newRow("performance runs higher") << qint32(kCoolerPolicyPerformance) << 61.67;
+    QTest::newRow("manual") << qint32(kCoolerPolicyManual) << 77.0;
 }
 
 void TestCardModel::fanFollowsPolicy()

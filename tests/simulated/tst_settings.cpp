@@ -65,7 +65,9 @@ void TestSettings::coolerEntriesByVersion()
     QFETCH(int, entrySize);
     const bool hasTachometer = entrySize > 48;
     SimulatedDriver driver(twoCoolerScene());
-    driver.edit(0, [](Card &card) { card.settings.coolers = {{CoolerPolicyManual, 40}, {CoolerPolicyManual, 70}}; });
+    driver.edit(0, [](Card &card) {
+        card.settings.coolers = {{kCoolerPolicyManual, 40}, {kCoolerPolicyManual, 70}};
+    });
     driver.advance(20000);
     const DriverCalls calls(driver.queryInterface());
     std::vector<quint8> record(sizeof(NvApiCoolerSettings));

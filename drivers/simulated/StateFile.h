@@ -3,25 +3,11 @@
 #include "simulated/Card.h"
 
 #include <chrono>
-#include <fstream>
 #include <string>
 #include <vector>
 
 namespace simulated
 {
-
-/// The journal: lines appended to a file, each on the disk before the call returns.
-class JournalFile
-{
-public:
-    /// An empty path means no journal. A file that cannot be opened is told on standard error.
-    explicit JournalFile(const std::string &path);
-    [[nodiscard]] bool isOpen() const { return stream.is_open(); }
-    void write(const std::string &line);
-
-private:
-    std::ofstream stream;
-};
 
 /// The state of all cards in one file, replaced as a whole so that a reader never sees half of it.
 class StateFile

@@ -1,4 +1,4 @@
-#include "simulated/OutputFiles.h"
+#include "simulated/StateFile.h"
 
 #include "simulated/Hex.h"
 
@@ -6,7 +6,7 @@
 
 #include <cmath>
 #include <filesystem>
-#include <iostream>
+#include <fstream>
 #include <system_error>
 
 namespace simulated
@@ -101,21 +101,6 @@ ordered_json lcdOf(const LcdController &lcd)
 }
 
 } // namespace
-
-JournalFile::JournalFile(const std::string &path)
-{
-    if (path.empty())
-        return;
-    // one process may load the library several times; what it was told before must not be lost
-    stream.open(path, std::ios::out | std::ios::app | std::ios::binary);
-    if (!stream.is_open())
-        std::cerr << "simulated driver: cannot write the journal " << path << std::endl;
-}
-
-void JournalFile::write(const std::string &line)
-{
-    stream << line << '\n' << std::flush;
-}
 
 bool StateFile::isDue(bool evenIfRecent) const
 {
