@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace
 {
@@ -76,17 +77,17 @@ void Ovryn_BaseMonitorBox::addData(double value)
 
 void Ovryn_BaseMonitorBox::setDisplayInfo(QString currentValue, QString minValue, QString maxValue)
 {
-    infoRow->setValues(currentValue, maxValue, minValue);
+    infoRow->setValues(std::move(currentValue), std::move(maxValue), std::move(minValue));
 }
 
 void Ovryn_BaseMonitorBox::setForgroundColor(QColor color)
 {
-    fillColor = color;
+    fillColor = std::move(color);
 }
 
 void Ovryn_BaseMonitorBox::setGridColor(QColor color)
 {
-    gridColor = color;
+    gridColor = std::move(color);
 }
 
 void Ovryn_BaseMonitorBox::setRange(double bottom, double top)
@@ -100,8 +101,8 @@ void Ovryn_BaseMonitorBox::setRange(double bottom, double top)
 
 void Ovryn_BaseMonitorBox::setTitle(QString text)
 {
-    title = text;
-    infoRow->setText(text);
+    title = std::move(text);
+    infoRow->setText(title);
     repaint();
 }
 
