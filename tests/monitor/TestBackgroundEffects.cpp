@@ -69,6 +69,7 @@ class TestBackgroundEffects : public QObject
 private slots:
     void takesSizeAndShapeFromTheMask();
     void timersHaveTheirIntervals();
+    void timersDriveTheSlideAndTheDelay();
     void logosRestInsideThePicture_data();
     void logosRestInsideThePicture();
     void slidesInStepByStep();
@@ -100,6 +101,18 @@ void TestBackgroundEffects::timersHaveTheirIntervals()
     QVERIFY(!effects.delayTimer->isActive());
     QVERIFY(effects.movingIn);
     QVERIFY(!effects.hideSecondLogo);
+}
+
+void TestBackgroundEffects::timersDriveTheSlideAndTheDelay()
+{
+    OpenEffects effects;
+    effects.moveTimer->setInterval(0);
+    effects.delayTimer->setInterval(0);
+    QTRY_VERIFY(effects.hideSecondLogo);
+    QCOMPARE(effects.logoX, effects.track.logoXLimit);
+    QCOMPARE(effects.logo2X, effects.track.logo2XLimit);
+    QVERIFY(!effects.moveTimer->isActive());
+    QVERIFY(!effects.delayTimer->isActive());
 }
 
 void TestBackgroundEffects::logosRestInsideThePicture_data()
