@@ -3,6 +3,7 @@
 #include "monitor/MonitorBoxFixture.h"
 #include "monitor/WidgetPainting.h"
 
+#include <QPainterPath>
 #include <QtTest>
 
 #include <limits>
@@ -30,6 +31,8 @@ private slots:
     void emptyBoxPaintsGridAndLabels();
     void gridMovesWithTheSamples();
     void historyIsFilledFromTheRight();
+    void historyLooksLikeOnePolygon_data();
+    void historyLooksLikeOnePolygon();
     void colorsCanBeSet();
     void valueBeyondTheRangeLeavesThePlot();
     void hugeValuesPaint_data();
@@ -92,6 +95,53 @@ void TestBaseMonitorBoxPainting::historyIsFilledFromTheRight()
     QCOMPARE(qAlpha(image.pixel(right - 60, 100)), 0); // older than the history
 }
 
+void TestBaseMonitorBoxPainting::historyLooksLikeOnePolygon_data()
+{
+    QTest::addColumn<QList<double>>("values"); // oldest first; the plot's row is 130 less the value
+    QTest::newRow("one sample falls over two columns") << QList<double>{80};
+    QTest::newRow("two samples") << QList<double>{20, 90};
+    QTest::newRow("level") << QList<double>{60, 60, 60, 60, 60};
+    QTest::newRow("odd steps down and up") << QList<double>{60, 57, 60, 53, 53, 60, 59, 60};
+    QTest::newRow("one pixel high") << QList<double>{1, 0, 1, 1, 0};
+    QTest::newRow("across the top") << QList<double>{90, 115, 90, 101, 128, 60};
+    QTest::newRow("across the bottom") << QList<double>{10, -15, 10, -1, -30, 40};
+    QList<double> jagged;
+    for (int i = 0; i < 230; ++i) // more than the plot shows
+        jagged.append(i * 37 % 101);
+    QTest::newRow("jagged, more than the plot is wide") << jagged;
+}
+
+void TestBaseMonitorBoxPainting::historyLooksLikeOnePolygon()
+{
+    QFETCH(QList<double>, values);
+    const auto box = shownBox();
+    box->setGridColor(Qt::transparent);
+    for (const double value : qAsConst(values))
+        box->addData(value);
+
+    const int right = 229;
+    const int bottom = 130;
+    const int shown = std::min(values.size(), kPlot.width());
+    QPainterPath polygon(QPointF(right, box->history().at(0).y));
+    for (int age = 0; age < shown; ++age)
+        polygon.lineTo(right - age, box->history().at(age).y);
+    polygon.lineTo(right - shown - 1, bottom);
+    polygon.lineTo(right, bottom);
+    QImage expected(kBox, QImage::Format_ARGB32_Premultiplied);
+    expected.fill(Qt::transparent);
+    QPainter painter(&expected);
+    painter.setPen(Qt::white);
+    painter.setBrush(QColor(150, 0, 0, 150));
+    painter.drawPath(polygon);
+    painter.end();
+
+    const QImage image = paintingOf(*box);
+    for (int y = kPlot.top(); y <= kPlot.bottom(); ++y) {
+        for (int x = kPlot.left(); x <= kPlot.right(); ++x)
+            QVERIFY2(image.pixel(x, y) == expected.pixel(x, y), qPrintable(QString("at %1, %2").arg(x).arg(y)));
+    }
+}
+
 void TestBaseMonitorBoxPainting::colorsCanBeSet()
 {
     const auto box = shownBox();
@@ -120,6 +170,7 @@ void TestBaseMonitorBoxPainting::hugeValuesPaint_data()
     QTest::newRow("largest word") << 2147483647.0;
     QTest::newRow("smallest word") << -2147483648.0;
     QTest::newRow("beyond every word") << 1e300;
+    QTest::newRow("below every word") << -1e300;
     QTest::newRow("no number") << std::numeric_limits<double>::quiet_NaN();
 }
 
