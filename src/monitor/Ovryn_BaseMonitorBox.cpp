@@ -11,8 +11,8 @@
 #include <QVector>
 
 #include <algorithm>
-#include <utility>
 #include <cmath>
+#include <utility>
 
 namespace
 {
