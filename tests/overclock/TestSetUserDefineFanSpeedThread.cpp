@@ -32,6 +32,7 @@ private slots:
     void stopSeesOneMoreLevel();
     void startAfterAStopWithoutAnEnd();
     void withoutACard();
+    void startAsSoonAsTheLoopIsOver();
     void curveReplacedWhileRunning();
     void replacingNeverWaitsForTheSleep();
     void destroyedWhileRunning_data();
@@ -242,6 +243,27 @@ void TestSetUserDefineFanSpeedThread::withoutACard()
         QVERIFY(worker.isStopped());
     }
     QCOMPARE(levels().size(), 0);
+}
+
+void TestSetUserDefineFanSpeedThread::startAsSoonAsTheLoopIsOver()
+{
+    // Without a card the loop is over at once, and the next start now and then meets a thread that has left the loop
+    // but not ended.
+    constexpr int kStarts = 300;
+    std::atomic<int> threads{0};
+    Ovryn_SetUserDefineFanSpeedThread worker(nullptr, nullptr, kTestIntervalMs);
+    connect(
+        &worker, &QThread::started, &worker, [&threads] { ++threads; }, Qt::DirectConnection);
+    for (int start = 1; start <= kStarts; ++start) {
+        worker.startWork();
+        QElapsedTimer clock;
+        clock.start();
+        while (!worker.isStopped() && clock.elapsed() < 5000) {
+        }
+        QVERIFY(worker.isStopped());
+    }
+    QVERIFY(worker.wait());
+    QCOMPARE(threads.load(), kStarts);
 }
 
 void TestSetUserDefineFanSpeedThread::curveReplacedWhileRunning()
