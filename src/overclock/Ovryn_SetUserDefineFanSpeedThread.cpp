@@ -36,8 +36,7 @@ void Ovryn_SetUserDefineFanSpeedThread::startWork()
 
 void Ovryn_SetUserDefineFanSpeedThread::stopWork()
 {
-    QMutexLocker held(&mutex);
-    stopped = true;
+    stopThread();
 }
 
 void Ovryn_SetUserDefineFanSpeedThread::run()
@@ -51,7 +50,7 @@ void Ovryn_SetUserDefineFanSpeedThread::run()
         QThread::msleep(interval);
         held.relock();
     }
-    stopped = true;
+    leaveLoop();
 }
 
 void Ovryn_SetUserDefineFanSpeedThread::followCurveOnce()
