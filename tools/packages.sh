@@ -46,7 +46,9 @@ ensure_packages() {
 
 # build_preset PRESET: configures and builds.
 build_preset() {
-    export CMAKE_CXX_COMPILER_LAUNCHER=ccache
+    if command -v ccache >/dev/null; then
+        export CMAKE_CXX_COMPILER_LAUNCHER=ccache
+    fi
     cmake --preset "$1" -S . >/dev/null
     cmake --build "build/$1"
 }
