@@ -19,7 +19,7 @@ done
 [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] || tour=true
 
 ensure_packages "${build_packages[@]}"
-build_preset release
+build_preset release OvrynDeck2 ovryn_simulated_driver
 
 export LD_LIBRARY_PATH="$PWD/build/release/drivers/simulated${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}"
 [ -z "$scene" ] || export NVAPI_SIM_SCENARIO="$scene"

@@ -44,11 +44,13 @@ ensure_packages() {
     "${root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-# build_preset PRESET: configures and builds.
+# build_preset PRESET [TARGET...]: configures and builds, everything when no target is named.
 build_preset() {
+    local preset=$1
+    shift
     if command -v ccache >/dev/null; then
         export CMAKE_CXX_COMPILER_LAUNCHER=ccache
     fi
-    cmake --preset "$1" -S . >/dev/null
-    cmake --build "build/$1"
+    cmake --preset "$preset" -S . >/dev/null
+    cmake --build "build/$preset" ${1:+--target "$@"}
 }

@@ -1,26 +1,48 @@
 # Sourced by tour.sh: the stops of the tour, in window pixels of the 1020 by 680 dialog.
 
-answer_box() { # the one-button box in the middle of the window
-    click "$window" 510 411
-}
-panel_x=542 panel_y=212 # the page panel, 382 by 394
+panel_x=542 panel_y=212      # the page panel, 382 by 394
+settings_x=510 settings_y=166 # the settings panel, 470 by 440
 
-answer_box
+# choose X Y KEY...: opens the list at a place and picks from it by keys
+choose() {
+    click "$window" "$1" "$2"
+    sleep 0.5
+    shift 2
+    xdotool key "$@" Return
+    sleep 0.5
+}
+hover() { xdotool mousemove $((X + $1)) $((Y + $2)); }
+
+click "$window" 510 411 # the one button of the first start's question
 look 02-home
 click "$window" 825 130
 look 03-monitor-rows 1.5
 for row in 0 1 2 3 4 5; do
     click "$window" $((panel_x + 27)) $((panel_y + 39 + 52 * row + 26))
 done
+hover 300 600
 look 04-monitor-rows-ticked 1.2
 click "$window" $((panel_x + 362)) $((panel_y + 19))
-look 05-monitor-graphs 12
-xdotool mousemove $((X + panel_x + 357)) $((Y + panel_y + 130))
+look 05-monitor-graphs 14
+hover $((panel_x + 358)) $((panel_y + 130))
 look 06-graph-crosshair 1.2
-click "$window" 825 130
-look 07-closed-again 1.5
-click "$window" 650 531 # the lower right of the ring's band
-click "$window" 510 577
-look 08-memory-readout 1.2
+
+click "$window" 910 130
+look 07-adjust-question 1
+click "$window" 435 395 # yes
+look 08-adjust 3
+click "$window" $((panel_x + 60)) $((panel_y + 382)) # a free spot of the page
+click "$window" 910 130
+
 click "$window" 1005 71
 look 09-settings 1.5
+choose $((settings_x + 361)) $((settings_y + 195)) Down
+look 10-settings-english 1
+click "$window" 1005 71
+look 11-home-english 1.5
+click "$window" 510 577 # the lowest segment of the ring
+look 12-memory-readout 1.2
+choose 510 110 Down
+look 13-second-card 2
+click "$window" 825 130
+look 14-second-card-rows 2

@@ -12,18 +12,23 @@ bool declaresEntities(QByteArray text)
     return text.contains("<!ENTITY");
 }
 
-/// Reads until the text's end, its first error or one level too many.
-bool isShallow(const QByteArray &text, XmlError &error)
+/// Reads until the text's end, its first error, or one level or one element too many.
+bool isModest(const QByteArray &text, XmlError &error)
 {
     QXmlStreamReader reader(text);
     reader.setNamespaceProcessing(false);
     int depth = 0;
+    int elements = 0;
     while (!reader.atEnd()) {
         const QXmlStreamReader::TokenType token = reader.readNext();
-        if (token == QXmlStreamReader::EndElement) {
+        if (token == QXmlStreamReader::EndElement)
             --depth;
-        } else if (token == QXmlStreamReader::StartElement && ++depth > kXmlDepthMax) {
-            error = {QStringLiteral("nested too deeply"), qint32(reader.lineNumber()), qint32(reader.columnNumber())};
+        if (token != QXmlStreamReader::StartElement)
+            continue;
+        const bool tooDeep = ++depth > kXmlDepthMax;
+        if (tooDeep || ++elements > kXmlElementsMax) {
+            error = {tooDeep ? QStringLiteral("nested too deeply") : QStringLiteral("too many elements"),
+                     qint32(reader.lineNumber()), qint32(reader.columnNumber())};
             return false;
         }
     }
@@ -39,7 +44,7 @@ bool parseXml(const QByteArray &text, QDomDocument &document, XmlError &error)
         error = {QStringLiteral("too large for a text that declares entities"), 0, 0};
         return false;
     }
-    if (!isShallow(text, error))
+    if (!isModest(text, error))
         return false;
     // The same reader builds the document: another one could see a different nesting in the same text.
     QXmlStreamReader reader(text);

@@ -118,11 +118,8 @@ void NvGpuControl::getFixedInfo(NvInfo &info)
     info.gpuFreClock = formatted("%dMHz", base.gpuClock);
 
     quint32 version = 0;
-    DriverTextBuffer branch{};
     // The driver's own integer, such as 38532; the point that is usual before its last two digits is left out.
-    info.driverVersion = NvAPI_SYS_GetDriverAndBranchVersion(&version, branch.data()) == NVAPI_OK
-                             ? formatted("%d", static_cast<qint32>(version))
-                             : kUnknown;
+    info.driverVersion = getDriverVersion(version) ? formatted("%d", static_cast<qint32>(version)) : kUnknown;
 
     readChipset();
 
@@ -145,4 +142,15 @@ void NvGpuControl::getFixedInfo(NvInfo &info)
     info.biosVersion = NvAPI_GPU_GetVbiosVersionString(gpu, biosVersion.data()) == NVAPI_OK
                            ? upperCase(driverText(biosVersion))
                            : kUnknown;
+}
+
+bool NvGpuControl::getDriverVersion(quint32 &version)
+{
+    version = 0;
+    quint32 reported = 0;
+    DriverTextBuffer branch{}; // wanted by the call, shown nowhere
+    if (NvAPI_SYS_GetDriverAndBranchVersion(&reported, branch.data()) != NVAPI_OK)
+        return false;
+    version = reported;
+    return true;
 }

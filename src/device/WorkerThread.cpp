@@ -20,16 +20,29 @@ void WorkerThread::startThread()
     QMutexLocker held(&mutex);
     if (!stopped)
         return;
+    if (leaving) {
+        wait(); // start() does nothing while the thread is on its way out
+        leaving = false;
+    }
     start(QThread::InheritPriority);
     stopped = false;
 }
 
+void WorkerThread::stopThread()
+{
+    QMutexLocker held(&mutex);
+    stopped = true;
+}
+
+void WorkerThread::leaveLoop()
+{
+    stopped = true;
+    leaving = true;
+}
+
 void WorkerThread::endThread(unsigned long waitMs)
 {
-    {
-        QMutexLocker held(&mutex);
-        stopped = true;
-    }
+    stopThread();
     wait(waitMs);
     terminate(); // does nothing to a thread that has returned
     wait();      // terminate() only asks; a QThread that still runs must not be destroyed

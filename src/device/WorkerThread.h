@@ -6,8 +6,8 @@
 /// The shape of every worker thread that talks to a card: a mutex that the loop holds through each
 /// cycle and frees only for its sleep, and a flag that is true while no loop is to run.
 ///
-/// A worker derives from this, writes its loop in `run()` (mutex first, see `stopped`) and calls
-/// `endThread` in its own destructor: the loop uses the worker's members, so it must be over before
+/// A worker derives from this, writes its loop in `run()` (mutex first, see `stopped` and `leaveLoop`) and
+/// calls `endThread` in its own destructor: the loop uses the worker's members, so it must be over before
 /// they go. The operations are called by the thread that owns the worker.
 class WorkerThread : public QThread
 {
@@ -22,6 +22,13 @@ protected:
     /// Starts the thread and clears `stopped`, all under the mutex; nothing when it is cleared already.
     void startThread();
 
+    /// Asks the loop to end. It sees that at the end of a cycle, and goes on if it is started again before.
+    void stopThread();
+
+    /// What a loop does last, with the mutex held, when it ends by itself or was told to: from here to its end the
+    /// thread takes the mutex no more, and a start waits for that end.
+    void leaveLoop();
+
     /// Sets `stopped`, waits at most `waitMs`, and then terminates the thread whether or not it has ended by
     /// itself. Waits for a running cycle first, since that holds the mutex.
     void endThread(unsigned long waitMs = kEndWaitMs);
@@ -30,4 +37,7 @@ protected:
 
     QMutex mutex;        ///< taken before any lock of the device object, never after it
     bool stopped = true; ///< guarded by mutex; a loop looks at it at the end of each cycle
+
+private:
+    bool leaving = false; ///< guarded by mutex; the thread may still run, but no loop does
 };

@@ -16,37 +16,24 @@ QImage emptyImage(int side)
 
 } // namespace
 
-CreateBreathCircleAndWaveCircleThread::CreateBreathCircleAndWaveCircleThread(QObject *parent) : QThread(parent)
+CreateBreathCircleAndWaveCircleThread::CreateBreathCircleAndWaveCircleThread(QObject *parent) : WorkerThread(parent)
 {
     image = emptyImage(size);
 }
 
 CreateBreathCircleAndWaveCircleThread::~CreateBreathCircleAndWaveCircleThread()
 {
-    stopRender();
-    wait(kEndTimeoutMs);
-    terminate(); // a thread that has ended takes no notice
-    wait();      // terminate() returns before the thread has ended
+    endThread(kEndTimeoutMs);
 }
 
 void CreateBreathCircleAndWaveCircleThread::startRender()
 {
-    QMutexLocker locker(&mutex);
-    if (!stopped)
-        return;
-    if (leaving) {
-        // start() would do nothing while the old run is on its way out
-        wait();
-        leaving = false;
-    }
-    start(QThread::InheritPriority);
-    stopped = false;
+    startThread();
 }
 
 void CreateBreathCircleAndWaveCircleThread::stopRender()
 {
-    QMutexLocker locker(&mutex);
-    stopped = true;
+    stopThread();
 }
 
 void CreateBreathCircleAndWaveCircleThread::setSize(int side)
@@ -101,20 +88,18 @@ QImage CreateBreathCircleAndWaveCircleThread::renderFrame()
 
 void CreateBreathCircleAndWaveCircleThread::run()
 {
+    QMutexLocker held(&mutex);
     for (;;) {
-        mutex.lock();
         paintFrame();
         emit sendImage(image);
-        if ((!breathEnabled && !waveEnabled) || stopped) {
-            stopped = true;
-            leaving = true;
-            mutex.unlock();
-            return;
-        }
+        if ((!breathEnabled && !waveEnabled) || stopped)
+            break;
         const unsigned long pause = sleepMs;
-        mutex.unlock();
+        held.unlock();
         msleep(pause);
+        held.relock();
     }
+    leaveLoop();
 }
 
 void CreateBreathCircleAndWaveCircleThread::paintFrame()

@@ -1,12 +1,11 @@
 #pragma once
 
+#include "device/WorkerThread.h"
 #include "monitor/BreathAndWave.h"
 
 #include <QBrush>
 #include <QColor>
 #include <QImage>
-#include <QMutex>
-#include <QThread>
 
 /// Worker that paints the gauge's background 50 times a second and hands it over by signal. Owned by a
 /// gauge box, whose GUI thread calls everything here but run(). Nothing fails: sizes, radii and levels
@@ -14,7 +13,7 @@
 /// startRender() starts it again.
 ///
 /// The state of pulse and waves is one for the program (SharedGaugeAnimation), not a member.
-class CreateBreathCircleAndWaveCircleThread : public QThread
+class CreateBreathCircleAndWaveCircleThread : public WorkerThread
 {
     Q_OBJECT
 
@@ -55,8 +54,6 @@ private:
     double waveRadius = 0;
     double waveLevel = 0;
     unsigned long sleepMs = 20;
-    QMutex mutex;
-    bool stopped = true;
     QImage image;
     bool breathEnabled = true;
     bool waveEnabled = true;
@@ -64,5 +61,4 @@ private:
     QBrush lightBrush = QColor(236, 9, 40, 50);
     QBrush darkBrush = QColor(236, 9, 40, 150);
     QColor glowColor = QColor(236, 9, 40, 180);
-    bool leaving = false; ///< the loop has decided to end and takes the mutex no more
 };

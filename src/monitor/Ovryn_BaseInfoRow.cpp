@@ -4,6 +4,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <utility>
 
 namespace
 {
@@ -57,16 +58,16 @@ Ovryn_BaseInfoRow::Ovryn_BaseInfoRow(QWidget *parent) : QWidget(parent), checkBo
 
 void Ovryn_BaseInfoRow::setText(QString text)
 {
-    title = text;
-    checkBox->setText(text);
+    title = std::move(text);
+    checkBox->setText(title);
     repaint();
 }
 
 void Ovryn_BaseInfoRow::setValues(QString currentValue, QString maxValue, QString minValue)
 {
-    currentText = currentValue;
-    maxText = maxValue;
-    minText = minValue;
+    currentText = std::move(currentValue);
+    maxText = std::move(maxValue);
+    minText = std::move(minValue);
     repaint();
 }
 

@@ -7,10 +7,12 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
-#include <QVector>
 #include <QTime>
+#include <QVector>
 
 #include <algorithm>
+#include <cmath>
+#include <utility>
 
 namespace
 {
@@ -75,17 +77,17 @@ void Ovryn_BaseMonitorBox::addData(double value)
 
 void Ovryn_BaseMonitorBox::setDisplayInfo(QString currentValue, QString minValue, QString maxValue)
 {
-    infoRow->setValues(currentValue, maxValue, minValue);
+    infoRow->setValues(std::move(currentValue), std::move(maxValue), std::move(minValue));
 }
 
 void Ovryn_BaseMonitorBox::setForgroundColor(QColor color)
 {
-    fillColor = color;
+    fillColor = std::move(color);
 }
 
 void Ovryn_BaseMonitorBox::setGridColor(QColor color)
 {
-    gridColor = color;
+    gridColor = std::move(color);
 }
 
 void Ovryn_BaseMonitorBox::setRange(double bottom, double top)
@@ -99,8 +101,8 @@ void Ovryn_BaseMonitorBox::setRange(double bottom, double top)
 
 void Ovryn_BaseMonitorBox::setTitle(QString text)
 {
-    title = text;
-    infoRow->setText(text);
+    title = std::move(text);
+    infoRow->setText(title);
     repaint();
 }
 
@@ -160,21 +162,30 @@ void Ovryn_BaseMonitorBox::paintHistory(QPainter &painter) const
         return;
 
     // The area under the outline goes down column by column: as one polygon the toolkit would sort hundreds of
-    // crossings a row once the history is jagged.
+    // crossings a row once the history is jagged. A column takes the pixels whose middle lies in the polygon.
     QVector<QRect> columns;
-    columns.reserve(shown);
+    columns.reserve(shown + 1);
+    const auto addColumn = [&](int x, double outlineY) {
+        // A row far outside the box shows nothing more and need not fit a rectangle.
+        const int edge = static_cast<int>(std::ceil(std::clamp(outlineY, 0.0, double(height()))));
+        columns.append(
+            QRect(QPoint(x, std::min(edge, area.plotBottom())), QPoint(x, std::max(edge, area.plotBottom()) - 1)));
+    };
     QPainterPath outline;
     outline.moveTo(area.plotRight(), samples.first().y);
     for (int i = 0; i < shown; ++i) {
         const int x = area.plotRight() - i;
-        const int y = samples.at(i).y;
-        const int older = i + 1 < shown ? samples.at(i + 1).y : area.plotBottom();
-        const int middle = y + (older - y) / 2; // where the outline crosses the column's middle
-        columns.append(QRect(QPoint(x - 1, std::min(middle, area.plotBottom())),
-                             QPoint(x - 1, std::max(middle, area.plotBottom()) - 1)));
-        outline.lineTo(x, y);
+        outline.lineTo(x, samples.at(i).y);
+        if (i > 0)
+            addColumn(x, (double(samples.at(i - 1).y) + samples.at(i).y) / 2.0);
     }
-    outline.lineTo(area.plotRight() - shown - 1, area.plotBottom());
+    // From the oldest sample the outline falls to the bottom over two columns.
+    const int leftEnd = area.plotRight() - shown - 1;
+    const double oldestY = samples.at(shown - 1).y;
+    const double fall = area.plotBottom() - oldestY;
+    addColumn(leftEnd + 1, oldestY + fall * 0.25);
+    addColumn(leftEnd, oldestY + fall * 0.75);
+    outline.lineTo(leftEnd, area.plotBottom());
     outline.lineTo(area.plotRight(), area.plotBottom());
 
     painter.setPen(Qt::NoPen);

@@ -2,6 +2,8 @@
 
 #include "monitor/MonitorQuantities.h"
 
+#include <utility>
+
 namespace
 {
 constexpr int kTemperatureMask = 4;
@@ -15,7 +17,7 @@ Ovryn_GPUInfoMonitorWidget::Ovryn_GPUInfoMonitorWidget(QWidget *parent)
 
 void Ovryn_GPUInfoMonitorWidget::setLanguage(Lang_Monitor newTexts, LanguageType newLanguage)
 {
-    texts = newTexts;
+    texts = std::move(newTexts);
     language = newLanguage;
     for (int i = 0; i < kMonitorQuantityCount; ++i)
         setBoxTitle(i, texts.*kMonitorQuantities[i].title);

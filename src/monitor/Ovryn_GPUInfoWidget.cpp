@@ -2,6 +2,8 @@
 
 #include "monitor/MonitorQuantities.h"
 
+#include <utility>
+
 Ovryn_GPUInfoWidget::Ovryn_GPUInfoWidget(QWidget *parent)
     : RowListView(kMonitorQuantityCount, kMonitorQuantityCount, parent)
 {
@@ -10,7 +12,7 @@ Ovryn_GPUInfoWidget::Ovryn_GPUInfoWidget(QWidget *parent)
 
 void Ovryn_GPUInfoWidget::setLanguage(Lang_Monitor newTexts, LanguageType newLanguage)
 {
-    texts = newTexts;
+    texts = std::move(newTexts);
     language = newLanguage;
     for (int i = 0; i < kMonitorQuantityCount; ++i)
         setRowTitle(i, texts.*kMonitorQuantities[i].title);

@@ -7,6 +7,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <utility>
 
 namespace
 {
@@ -22,7 +23,7 @@ QString driverVersionOf(NvGpuControl *control)
 Ovryn_NvCardInfoWidget::Ovryn_NvCardInfoWidget(int selectOption, NvGpuControl *control, QWidget *parent)
     : Ovryn_NvCardInfoWidget(control, parent)
 {
-    rowsView->setSelectOption(selectOption);
+    cardRows->setSelectOption(selectOption);
 }
 
 Ovryn_NvCardInfoWidget::Ovryn_NvCardInfoWidget(NvGpuControl *control, QWidget *parent)
@@ -33,8 +34,8 @@ Ovryn_NvCardInfoWidget::Ovryn_NvCardInfoWidget(NvGpuControl *control, QWidget *p
 Ovryn_NvCardInfoWidget::Ovryn_NvCardInfoWidget(Ovryn_GPUInfoWidget *rows, Ovryn_GPUInfoMonitorWidget *graphs,
                                                NvGpuControl *control, QWidget *parent)
     : RowsAndGraphsPage(rows, graphs, parent),
-      rowsView(rows),
-      monitorView(graphs),
+      cardRows(rows),
+      cardGraphs(graphs),
       driverVersion(driverVersionOf(control))
 {
     setLanguage(Ovryn_LanguageTable().monitor, kLanguageChinese);
@@ -42,20 +43,21 @@ Ovryn_NvCardInfoWidget::Ovryn_NvCardInfoWidget(Ovryn_GPUInfoWidget *rows, Ovryn_
 
 void Ovryn_NvCardInfoWidget::getSelectOption(int *out) const
 {
-    *out = rowsView->selectOption();
+    *out = cardRows->selectOption();
 }
 
 void Ovryn_NvCardInfoWidget::setLanguage(Lang_Monitor newTexts, LanguageType newLanguage)
 {
-    rowsView->setLanguage(newTexts, newLanguage);
-    monitorView->setLanguage(newTexts, newLanguage);
-    setTitle(newTexts.driverVersion, newLanguage);
+    cardRows->setLanguage(newTexts, newLanguage);
+    const QString caption = newTexts.driverVersion;
+    cardGraphs->setLanguage(std::move(newTexts), newLanguage);
+    setTitle(caption, newLanguage);
 }
 
 void Ovryn_NvCardInfoWidget::recvNvCardInfo(NvCardBaseInfo nvCardBaseInfo)
 {
-    rowsView->receiveNvCardBaseInfo(nvCardBaseInfo);
-    monitorView->receiveNvCardBaseInfo(nvCardBaseInfo);
+    cardRows->receiveNvCardBaseInfo(nvCardBaseInfo);
+    cardGraphs->receiveNvCardBaseInfo(nvCardBaseInfo);
 }
 
 void Ovryn_NvCardInfoWidget::paintEvent(QPaintEvent *event)

@@ -38,7 +38,7 @@ private:
     Ovryn_NvCardInfoWidget(Ovryn_GPUInfoWidget *rows, Ovryn_GPUInfoMonitorWidget *graphs, NvGpuControl *control,
                            QWidget *parent);
 
-    Ovryn_GPUInfoWidget *rowsView;
-    Ovryn_GPUInfoMonitorWidget *monitorView;
+    Ovryn_GPUInfoWidget *cardRows;
+    Ovryn_GPUInfoMonitorWidget *cardGraphs;
     QString driverVersion; ///< "388.13"; "XXX.XX" when the driver did not tell
 };

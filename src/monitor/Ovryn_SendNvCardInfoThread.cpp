@@ -37,7 +37,7 @@ void Ovryn_SendNvCardInfoThread::run()
         QThread::msleep(pauseMs);
         held.relock();
     }
-    stopped = true;
+    leaveLoop();
 }
 
 void Ovryn_SendNvCardInfoThread::sampleOnce()

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "device/DeviceRecords.h"
-#include "ui/Ovryn_LanguageTable.h"
 
 #include <QList>
 #include <QPixmap>

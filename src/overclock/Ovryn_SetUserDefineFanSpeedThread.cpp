@@ -23,7 +23,7 @@ Ovryn_SetUserDefineFanSpeedThread::~Ovryn_SetUserDefineFanSpeedThread()
     endThread();
 }
 
-void Ovryn_SetUserDefineFanSpeedThread::setTemperatureToFanSpeedData(QList<QPoint> curve)
+void Ovryn_SetUserDefineFanSpeedThread::setTemperatureToFanSpeedData(const QList<QPoint> &curve)
 {
     QMutexLocker held(&mutex);
     nodes = FanCurve::hasValidEnds(curve) ? curve : FanCurve::defaultCurve();

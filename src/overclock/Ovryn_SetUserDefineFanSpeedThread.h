@@ -27,7 +27,7 @@ public:
 
     /// Replaces the curve; takes effect at the next cycle. The default curve where the ends are not (0,0)
     /// and (100,100).
-    void setTemperatureToFanSpeedData(QList<QPoint> curve);
+    void setTemperatureToFanSpeedData(const QList<QPoint> &curve);
 
     void startWork(); ///< nothing while the loop runs
     /// Only asks: the loop ends after its next level. Wait for the thread before starting it again.

@@ -38,7 +38,7 @@ void Ovryn_SliderWidget::connectAll()
     connect(slider, SIGNAL(sliderReleased()), this, SLOT(onSliderReleased()));
 }
 
-void Ovryn_SliderWidget::setText(QString text)
+void Ovryn_SliderWidget::setText(const QString &text)
 {
     caption = text;
 }

@@ -20,7 +20,7 @@ class Ovryn_SliderWidget : public QWidget
 public:
     explicit Ovryn_SliderWidget(QWidget *parent = nullptr);
 
-    void setText(QString text); ///< the caption; the next repaint shows it
+    void setText(const QString &text); ///< the caption; the next repaint shows it
     void setRange(int newMinimum, int newMaximum);
     void setValue(int newValue); ///< kept as given, even where the slider and the box must cut it to the range
     [[nodiscard]] int value() const { return currentValue; }

@@ -113,7 +113,7 @@ void Ovryn_UserDefineFanSpeed::resetToDefault()
     takeCurve(FanCurve::defaultCurve());
 }
 
-void Ovryn_UserDefineFanSpeed::setPoints(QList<QPoint> points)
+void Ovryn_UserDefineFanSpeed::setPoints(const QList<QPoint> &points)
 {
     takeCurve(FanCurve::hasValidEnds(points) ? points : FanCurve::defaultCurve());
 }

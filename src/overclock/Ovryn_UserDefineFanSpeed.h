@@ -19,7 +19,7 @@ public:
     explicit Ovryn_UserDefineFanSpeed(QWidget *parent = nullptr);
 
     [[nodiscard]] QList<QPoint> getPoints() const { return valueNodes; }
-    void setPoints(QList<QPoint> points); ///< the default curve where the ends are not (0,0) and (100,100)
+    void setPoints(const QList<QPoint> &points); ///< the default curve where the ends are not (0,0) and (100,100)
     void resetToDefault();
 
 signals:

@@ -2,11 +2,12 @@
 
 SliderRowLayout sliderRowLayoutFor(QSize row, int backgroundWidth)
 {
+    const int margin = row.width() / 20;
     const int lowerHeight = row.height() / 3; // of the slider and the box; the caption has the rest
     const int lowerTop = row.height() - lowerHeight;
 
     SliderRowLayout layout;
-    layout.margin = row.width() / 20;
+    layout.margin = margin;
     layout.usableWidth = row.width() - 2 * layout.margin;
     const int spinWidth = int(layout.usableWidth / 6);
     layout.spinRect = QRect(int(layout.usableWidth / 5 * 4 + layout.margin), lowerTop, spinWidth, lowerHeight);

@@ -146,6 +146,9 @@ void TestConfigFileFailures::brokenTextBecomesAFreshFile_data()
     QTest::newRow("nested without end") << QByteArray("<OvrynParameter>") + QByteArray("<a>").repeated(1000000);
     QTest::newRow("nested a million levels") << "<OvrynParameter>" + QByteArray("<a>").repeated(1000000) +
                                                     QByteArray("</a>").repeated(1000000) + "</OvrynParameter>";
+    QTest::newRow("a million cards") << "<OvrynParameter><GpuSettings>" +
+                                            QByteArray("<GPU GpuName='x'/>").repeated(1000000) +
+                                            "</GpuSettings></OvrynParameter>";
     QTest::newRow("a million references to an entity")
         << "<!DOCTYPE a [<!ENTITY e '" + QByteArray(4000, 'x') + "'>]><OvrynParameter><LastCheckDate>" +
                QByteArray("&e;").repeated(1000000) + "</LastCheckDate></OvrynParameter>";

@@ -612,6 +612,10 @@ void TestProgram::badConfigFiles_data()
     QTest::newRow("empty") << QByteArray("") << true;
     QTest::newRow("cut in half") << good.left(good.size() / 2) << true;
     QTest::newRow("not XML") << QByteArray("\x7f" "ELF\0\1 no xml here", 20) << true;
+    QTest::newRow("a million cards")
+        << QByteArray("<OvrynParameter><GpuSettings>" + QByteArray("<GPU GpuName=\"x\"/>").repeated(1000000) +
+                      "</GpuSettings></OvrynParameter>")
+        << true;
     QTest::newRow("of another root") << QByteArray("<Other><GeneralSetting/></Other>") << false;
     QTest::newRow("numbers that are none")
         << QByteArray(good).replace("CheckInterval=\"7\"", "CheckInterval=\"seven\"") << false;

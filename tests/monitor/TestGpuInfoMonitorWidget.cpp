@@ -37,8 +37,8 @@ QList<int> topEdges(const Ovryn_GPUInfoMonitorWidget &view)
 /// Turns the wheel over a place of the view; its window hands the event to the widget there.
 void wheel(QWidget &view, int delta, QPoint position = QPoint(5, 5))
 {
-    QWheelEvent event(position, view.mapToGlobal(position), QPoint(), QPoint(0, delta), Qt::NoButton,
-                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QWheelEvent event(position, view.mapToGlobal(position), QPoint(), QPoint(0, delta), Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
     QSpontaneKeyEvent::setSpontaneous(&event); // as from the window system: only those go on to the parent
     qApp->notify(view.windowHandle(), &event);
 }

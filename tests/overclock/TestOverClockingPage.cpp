@@ -87,6 +87,7 @@ private slots:
     void linkToggle();
     void drag();
     void cancel();
+    void cancelAsksTheLinkNothing();
     void curveFace();
     void cancelOnTheCurve();
     void defaultOnTheCurve();
@@ -304,6 +305,21 @@ void TestOverClockingPage::cancel()
     QCOMPARE(world.driver.calls(), QStringList());
 }
 
+void TestOverClockingPage::cancelAsksTheLinkNothing()
+{
+    AdjustModuleInfo saved;
+    saved.LinkOfPowerWithTemperature = true;
+    AdjustPageWorld world;
+    world.open(saved);
+    world.clickLink();
+    QVERIFY(!world.linkBox()->isChecked());
+    world.driver.forgetCalls();
+    world.click("btnCancel");
+    QVERIFY(world.linkBox()->isChecked());
+    QCOMPARE(world.row(RowTemperature)->value(), 80); // the card's, not the link's 86
+    QCOMPARE(world.driver.calls(), QStringList());
+}
+
 void TestOverClockingPage::curveFace()
 {
     AdjustPageWorld world;
@@ -408,14 +424,22 @@ void TestOverClockingPage::returnKeyPressesNoButton()
     AdjustPageWorld world;
     world.open();
     world.page->setParent(&dialog);
-    dialog.show();
     world.page->show();
+    dialog.show();
     QVERIFY(QTest::qWaitForWindowActive(&dialog));
+    world.page->onSliderChanged(world.row(RowGpuClock)); // shows Apply
     world.driver.forgetCalls();
+    ModalAnswer answers({});
+    for (const char *name : {"btnApply", "btnCancel", "btnDefault"}) {
+        QVERIFY2(world.button(name)->isVisible(), name);
+        QVERIFY2(!world.button(name)->isDefault(), name);
+    }
     ModifySpinBox *box = world.numberBox(RowGpuClock);
     box->setFocus();
     QTest::keyClick(box, Qt::Key_Return);
-    QCOMPARE(world.writes(), QStringList()); // Default asks nothing, so a press of it would be here
+    QCOMPARE(answers.texts(), QStringList());
+    QCOMPARE(world.writes(), QStringList());
+    QCOMPARE(world.visibleButtons(), kAllButtons);
     world.page->setParent(nullptr);
 }
 
