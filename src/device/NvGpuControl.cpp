@@ -72,6 +72,7 @@ bool NvGpuControl::enumDisplays()
 bool NvGpuControl::enumGpus()
 {
     constexpr quint32 maxGpus = kMaxGpus;
+    static_assert(kMaxGpus == kNvApiMaxGpus, "the driver fills tables of that size");
     usableGpuCount = 0;
     tccGpuCount = 0;
     const NvAPI_Status status = NvAPI_EnumPhysicalGPUs(gpuHandles.data(), &usableGpuCount);

@@ -13,6 +13,7 @@
 #include <QPushButton>
 
 #include <algorithm>
+#include <utility>
 
 // Construction, layout and looks. What the buttons do and what reaches the card stand in the sources beside this.
 
@@ -147,7 +148,7 @@ void Ovryn_OverClockingWidget::setLanguage(Lang_OverClock texts, LanguageType ne
     btnApply->setText(texts.apply);
     btnCancel->setText(texts.cancel);
     btnDefault->setText(texts.defaults);
-    applyPrompt = texts.applyQuestion;
+    applyPrompt = std::move(texts.applyQuestion);
     language = newLanguage;
     setFonts();
     drawFrame();

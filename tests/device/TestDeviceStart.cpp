@@ -23,6 +23,7 @@ private slots:
     void displaysWithoutEnd();
     void enumeration_data();
     void enumeration();
+    void driverWithoutTccEnumeration();
     void setCurrentGpu_data();
     void setCurrentGpu();
     void anyIndexIsSafeWithoutCards();
@@ -220,6 +221,17 @@ void TestDeviceStart::enumeration()
     QCOMPARE(gpu.gpuCount(), count);
     QCOMPARE(driver.calls("NvAPI_GetErrorMessage"),
              status ? QStringList{QString("GetErrorMessage status=%1").arg(status)} : QStringList{});
+}
+
+void TestDeviceStart::driverWithoutTccEnumeration()
+{
+    FakeDriver driver;
+    driver.cards.resize(2);
+    driver.lacks("NvAPI_EnumTCCPhysicalGPUs");
+    NvGpuControl gpu;
+    QVERIFY(gpu.isReady());
+    QCOMPARE(gpu.gpuCount(), 2u);
+    QVERIFY(!gpu.getGpuName().empty());
 }
 
 void TestDeviceStart::setCurrentGpu_data()

@@ -174,6 +174,8 @@ void TestSampleRecords::memory_data()
     QTest::newRow("a total of 0 gives 0 percent and no division")
         << memoryKB(5000, 0, 6000, 4000) << Words{0, 0, 0, 100, 0} << Words{5, 3, 4, 0, 0};
     QTest::newRow("nothing read at all") << memoryKB(0, 0, 0, 0) << Words{0, 0, 0, 100, 0} << Words{0, 0, 0, 0, 0};
+    QTest::newRow("a TCC card's total without a figure in use")
+        << memoryKB(0, 8388608, 0, 0) << Words{0, 0, 0, 100, 0} << Words{0, 0, 0, 8192, 0};
     QTest::newRow("percentages are cut, not rounded")
         << memoryKB(999, 1000, 1000, 9) << Words{100, 0, 99, 100, 0} << Words{0, 0, 0, 0, 0};
     // 29 / 100 * 100.0 is a hair below 29 in double precision

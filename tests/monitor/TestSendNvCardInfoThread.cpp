@@ -94,6 +94,7 @@ private slots:
     void firstSampleIsItsOwnExtreme();
     void extremesOfLaterSamples();
     void failedReadsShowZero();
+    void tccCardUsesNoMemory();
     void scaleStaysRaisedOverCycles();
 
     void startTwiceStartsOneThread();
@@ -226,6 +227,21 @@ void TestSendNvCardInfoThread::failedReadsShowZero()
         QCOMPARE(value.minValue, 0);
     }
     QCOMPARE(receiver.boardInfos.at(0).sensor9E.currentValue, 0);
+}
+
+void TestSendNvCardInfoThread::tccCardUsesNoMemory()
+{
+    driver->card().tcc = true;
+    control = std::make_unique<NvGpuControl>();
+    RecordReceiver receiver;
+    Ovryn_SendNvCardInfoThread worker(control.get());
+    receiver.listenTo(worker, Qt::DirectConnection);
+    worker.sampleOnce();
+    const NvCardBaseInfo &info = receiver.cardInfos.at(0);
+    QCOMPARE(info.memoryUsagePercent.currentValue, 0);
+    QCOMPARE(info.memoryUsagePercent.maxValue, 0);
+    QCOMPARE(info.memoryUsage.currentValue, 0);
+    QVERIFY(info.memoryUsage.upperLimit > 0);
 }
 
 void TestSendNvCardInfoThread::scaleStaysRaisedOverCycles()

@@ -153,20 +153,3 @@ inline QList<bool> told(const QSignalSpy &spy)
         values << arguments.at(0).toBool();
     return values;
 }
-
-/// The calls that bring a card to clock offsets, limits and a voltage offset, as every apply gives them behind the
-/// fan's. The offsets in kHz and microvolts, the temperature in 1/256 of a degree, the power in thousandths.
-inline QStringList settingCalls(int gpuKHz, int memoryKHz, int rawTemperature, int rawPower, int microvolts)
-{
-    const auto word = [](int offset, int value) {
-        return value ? QStringLiteral(" [%1]=%2").arg(offset).arg(value) : QString();
-    };
-    return {
-        QStringLiteral("GPU_SetPstates20 gpu0 0x31CF8 [8]=1 [12]=1") + word(40, gpuKHz),
-        QStringLiteral("GPU_SetPstates20 gpu0 0x11C94 [8]=1 [12]=1 [28]=4") + word(40, memoryKHz),
-        QStringLiteral("GPU_ClientThermalPoliciesSetStatus gpu0 0x20038 [4]=1 [8]=3") + word(12, rawTemperature) +
-            QStringLiteral(" [16]=1"),
-        QStringLiteral("GPU_ClientPowerPoliciesSetStatus gpu0 0x10048 [4]=1 [8]=2") + word(16, rawPower),
-        QStringLiteral("GPU_SetPstates20 gpu0 0x31CF8 [8]=1 [16]=1") + word(392, microvolts),
-    };
-}

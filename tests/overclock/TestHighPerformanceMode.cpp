@@ -1,3 +1,4 @@
+#include "overclock/AdjustCalls.h"
 #include "overclock/AdjustPageWorld.h"
 #include "support/ModalAnswer.h"
 
@@ -11,22 +12,16 @@ Q_DECLARE_METATYPE(Arrange)
 namespace
 {
 
-const QString kFanAutoCall = "GPU_SetCoolerLevels gpu0 cooler=7 0x100A4 [4]=33 [8]=32";
-const QString kFanManualCall = "GPU_SetCoolerLevels gpu0 cooler=7 0x100A4 [4]=33 [8]=1";
-const QString kFanHandedBack = "GPU_SetCoolerLevels gpu0 cooler=7 0x100A4 [8]=32";
-const QList<QPoint> kCurve{{0, 0}, {52, 77}, {100, 100}}; // the card is at 52 degrees
-const QString kCurveCall = "GPU_SetCoolerLevels gpu0 cooler=7 0x100A4 [4]=77 [8]=1";
-
 /// The healthy card's orders of the preset: 1733 less 1607 MHz, 83 degrees, 120 percent.
 QStringList presetOrders(int gpuKHz = 126000)
 {
-    return QStringList{kFanAutoCall} + settingCalls(gpuKHz, 0, 83 * 256, 120000, 0);
+    return fanThen(kFanAutoCall, settingCalls(gpuKHz, 0, 83 * 256, 120000, 0));
 }
 
 /// Back to the healthy card as it stands, with its manual fan.
 QStringList orderBack()
 {
-    return QStringList{kFanManualCall} + settingCalls(0, 0, 80 * 256, 110000, 0);
+    return fanThen(kFanManualCall, unchangedSettings());
 }
 
 AdjustModuleInfo savedMode()
@@ -40,7 +35,7 @@ AdjustModuleInfo savedMode()
     saved.Power = 115;
     saved.Temperature = 85;
     saved.FanMode = FanUserDefined;
-    saved.Nodes = kCurve;
+    saved.Nodes = kSteepCurve;
     saved.LinkOfPowerWithTemperature = true;
     return saved;
 }
@@ -181,7 +176,7 @@ void TestHighPerformanceMode::endsByApply()
     ModalAnswer answers({"msgBoxYesBtn"});
     world.driver.forgetCalls();
     world.click("btnApply");
-    QCOMPARE(world.writes(), QStringList{kFanManualCall} + settingCalls(93000, 0, 80 * 256, 110000, 0));
+    QCOMPARE(world.writes(), fanThen(kFanManualCall, settingCalls(93000, 0, 80 * 256, 110000, 0)));
     QVERIFY(!world.page->isHighPerformance());
     QCOMPARE(told(modeSpy), QList<bool>{false});
 
@@ -229,11 +224,11 @@ void TestHighPerformanceMode::fromTheUsersCurve()
 {
     AdjustModuleInfo saved;
     saved.FanMode = FanUserDefined;
-    saved.Nodes = kCurve;
+    saved.Nodes = kSteepCurve;
     saved.LinkOfPowerWithTemperature = true;
     AdjustPageWorld world;
     world.open(saved);
-    QTRY_VERIFY(world.fanWrites().contains(kCurveCall));
+    QTRY_VERIFY(world.fanWrites().contains(fanLevelCall(kSteepCurveLevel)));
 
     world.driver.forgetCalls();
     QVERIFY(world.page->setHighPerformance(true));
@@ -245,12 +240,12 @@ void TestHighPerformanceMode::fromTheUsersCurve()
     QVERIFY(world.linkBox()->isChecked());
     QCOMPARE(world.parameters().FanMode, 2);
     QVERIFY(world.parameters().LinkOfPowerWithTemperature);
-    QCOMPARE(world.parameters().Nodes, kCurve);
+    QCOMPARE(world.parameters().Nodes, kSteepCurve);
 
     world.driver.forgetCalls();
     QVERIFY(world.page->setHighPerformance(false));
-    QTRY_VERIFY(world.fanWrites().contains(kCurveCall));
-    QCOMPARE(world.distinctFanWrites(), QStringList{kCurveCall});
+    QTRY_VERIFY(world.fanWrites().contains(fanLevelCall(kSteepCurveLevel)));
+    QCOMPARE(world.distinctFanWrites(), QStringList{fanLevelCall(kSteepCurveLevel)});
 
     QVERIFY(world.page->setHighPerformance(true));
     world.driver.forgetCalls();
@@ -305,7 +300,7 @@ void TestHighPerformanceMode::startThenOff()
     world.driver.forgetCalls();
     QVERIFY(world.page->setHighPerformance(false));
     // To the card's defaults: what stood before the mode isn't known any more.
-    QCOMPARE(world.writes(), QStringList{kFanAutoCall} + settingCalls(0, 0, 83 * 256, 100000, 0));
+    QCOMPARE(world.writes(), fanThen(kFanAutoCall, settingCalls(0, 0, 83 * 256, 100000, 0)));
 }
 
 void TestHighPerformanceMode::startOnALostCard()

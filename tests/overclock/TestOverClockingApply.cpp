@@ -1,3 +1,4 @@
+#include "overclock/AdjustCalls.h"
 #include "overclock/AdjustPageWorld.h"
 #include "support/ModalAnswer.h"
 
@@ -7,9 +8,7 @@
 #include <limits>
 
 using Arrange = std::function<void(AdjustPageWorld &)>;
-using Change = std::function<void(AdjustModuleInfo &)>;
 Q_DECLARE_METATYPE(Arrange)
-Q_DECLARE_METATYPE(Change)
 
 namespace
 {
@@ -17,65 +16,14 @@ namespace
 constexpr qint32 kLowest = std::numeric_limits<qint32>::min();
 constexpr qint32 kHighest = std::numeric_limits<qint32>::max();
 
-const QString kFanAutoCall = "GPU_SetCoolerLevels gpu0 cooler=7 0x100A4 [4]=33 [8]=32";
-const QString kFanHandedBack = "GPU_SetCoolerLevels gpu0 cooler=7 0x100A4 [8]=32";
-const QString kFanManualCall = "GPU_SetCoolerLevels gpu0 cooler=7 0x100A4 [4]=33 [8]=1";
-
-QString fanLevelCall(int percent)
-{
-    return QString("GPU_SetCoolerLevels gpu0 cooler=7 0x100A4 [4]=%1 [8]=1").arg(percent);
-}
-
-QStringList fanThen(const QString &fanCall, const QStringList &others)
-{
-    return QStringList{fanCall} + others;
-}
-
-/// The healthy card as it stands: base clocks, 110 percent, 80 degrees, base voltage.
-QStringList unchangedSettings()
-{
-    return settingCalls(0, 0, 80 * 256, 110000, 0);
-}
-
-AdjustModuleInfo savedValues()
-{
-    AdjustModuleInfo saved;
-    saved.GpuFreClock = 1707;
-    saved.FanSpeedLevel = 60;
-    saved.Voltage = 1072;
-    saved.MemoryFreClock = 4106;
-    saved.Power = 115;
-    saved.Temperature = 85;
-    saved.FanMode = FanManual;
-    return saved;
-}
-
-QStringList savedSettings()
-{
-    return settingCalls(100000, 100000, 85 * 256, 115000, 10000);
-}
-
-const QList<QPoint> kCurve{{0, 0}, {52, 77}, {100, 100}}; // the card is at 52 degrees
-constexpr int kCurveLevel = 77;
-constexpr int kDefaultCurveLevel = 52; // 50 and two thirtieths of 40
-
 } // namespace
 
-/// What reaches the card, to the byte and in order: from start-up over Apply and Default to the end.
+/// What Apply and Default tell the card, to the byte and in order.
 class TestOverClockingApply : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void readingTheCard();
-    void startWithoutSavedValues_data();
-    void startWithoutSavedValues();
-    void startWithSavedValues_data();
-    void startWithSavedValues();
-    void savedCurve_data();
-    void savedCurve();
-    void brokenSavedCurve_data();
-    void brokenSavedCurve();
     void apply_data();
     void apply();
     void applyShowsWhatTheDriverKept();
@@ -87,160 +35,9 @@ private slots:
     void restoreDefaults_data();
     void restoreDefaults();
     void restoreDefaultsWithoutCard();
-    void destruction_data();
-    void destruction();
     void hostileRanges_data();
     void hostileRanges();
 };
-
-void TestOverClockingApply::readingTheCard()
-{
-    AdjustPageWorld world;
-    world.open();
-    QStringList operations;
-    for (const QString &call : world.driver.calls())
-        operations << call.section(' ', 0, 0);
-    operations.removeDuplicates(); // leaves the first call of each
-    QCOMPARE(operations, QStringList({"GPU_GetTachReading", "GPU_GetCoolerSettings",
-                                      "GPU_ClientThermalPoliciesGetInfo", "GPU_ClientThermalPoliciesGetStatus",
-                                      "GPU_ClientPowerTopologyGetInfo", "GPU_ClientPowerTopologyGetStatus",
-                                      "GPU_ClientPowerPoliciesGetInfo", "GPU_ClientPowerPoliciesGetStatus",
-                                      "GPU_GetPstates20", "GPU_GetAllClockFrequencies", "GPU_GetRamType"}));
-    QCOMPARE(world.writes(), QStringList());
-    QCOMPARE(world.rowValues(), QVector<int>({1607, 33, 1062, 4006, 110, 80}));
-}
-
-void TestOverClockingApply::startWithoutSavedValues_data()
-{
-    QTest::addColumn<quint32>("policy");
-    QTest::addColumn<int>("fanMode");
-    QTest::addColumn<QString>("caption");
-
-    QTest::newRow("driver's own control") << 0x20U << 0 << "AUT";
-    QTest::newRow("manual") << 1U << 1 << "MAN";
-    QTest::newRow("any other policy counts as the driver's") << 8U << 0 << "AUT";
-}
-
-void TestOverClockingApply::startWithoutSavedValues()
-{
-    QFETCH(quint32, policy);
-    AdjustPageWorld world;
-    world.card().coolers.cooler[0].currentPolicy = policy;
-    world.open();
-    QCOMPARE(world.writes(), QStringList());
-    QTEST(world.parameters().FanMode, "fanMode");
-    QTEST(world.fanMode(), "caption");
-    QCOMPARE(world.row(RowFan)->isEnabled(), policy == 1);
-    QCOMPARE(world.visibleButtons(), QStringList{"btnDefault"});
-}
-
-void TestOverClockingApply::startWithSavedValues_data()
-{
-    QTest::addColumn<Change>("change");
-    QTest::addColumn<QStringList>("writes");
-
-    const auto row = [](const char *name, const QStringList &writes, const Change &change) {
-        QTest::newRow(name) << change << writes;
-    };
-    row("every number", fanThen(fanLevelCall(60), savedSettings()), [](AdjustModuleInfo &) {});
-    row("fan by the driver", fanThen("GPU_SetCoolerLevels gpu0 cooler=7 0x100A4 [4]=60 [8]=32", savedSettings()),
-        [](AdjustModuleInfo &saved) { saved.FanMode = FanAuto; });
-    row("never adjusted", fanThen(kFanAutoCall, unchangedSettings()), [](AdjustModuleInfo &saved) { saved = {}; });
-    row("graphics clock of -1 leaves the card's own",
-        fanThen(fanLevelCall(60), settingCalls(0, 100000, 85 * 256, 115000, 10000)),
-        [](AdjustModuleInfo &saved) { saved.GpuFreClock = -1; });
-    row("every negative number leaves the card's own", fanThen(kFanManualCall, unchangedSettings()),
-        [](AdjustModuleInfo &saved) {
-            saved.GpuFreClock = saved.FanSpeedLevel = saved.Voltage = -1;
-            saved.MemoryFreClock = saved.Power = saved.Temperature = kLowest;
-        });
-    row("zeros are values",
-        fanThen("GPU_SetCoolerLevels gpu0 cooler=7 0x100A4 [8]=1",
-                settingCalls(-200000, -502000, 60 * 256, 50000, -1062000)),
-        [](AdjustModuleInfo &saved) {
-            saved.GpuFreClock = saved.FanSpeedLevel = saved.Voltage = 0;
-            saved.MemoryFreClock = saved.Power = saved.Temperature = 0;
-        });
-    // The voltage goes down as given, wrapped to 32 bits; a temperature beyond the range goes out as the raw maximum
-    // times 256.
-    row("far above every range",
-        fanThen(fanLevelCall(kHighest), settingCalls(1000000, 1000000, 90 * 256 * 256, 120000, -1063000)),
-        [](AdjustModuleInfo &saved) {
-            saved.GpuFreClock = saved.FanSpeedLevel = saved.Voltage = kHighest;
-            saved.MemoryFreClock = saved.Power = saved.Temperature = kHighest;
-        });
-}
-
-void TestOverClockingApply::startWithSavedValues()
-{
-    QFETCH(Change, change);
-    AdjustModuleInfo saved = savedValues();
-    change(saved);
-    AdjustPageWorld world;
-    world.open(saved);
-    QTEST(world.writes(), "writes");
-    // The card of this driver keeps its own values, and these are shown.
-    QCOMPARE(world.rowValues(), QVector<int>({1607, 33, 1062, 4006, 110, 80}));
-    QCOMPARE(world.parameters().FanMode, saved.FanMode);
-    QCOMPARE(world.visibleButtons(), QStringList{"btnDefault"});
-}
-
-void TestOverClockingApply::savedCurve_data()
-{
-    QTest::addColumn<int>("fanMode");
-    QTest::addColumn<QList<QPoint>>("nodes");
-    QTest::addColumn<int>("level");
-
-    QTest::newRow("user's curve") << 2 << kCurve << kCurveLevel;
-    QTest::newRow("no curve saved: the default one drives") << 2 << QList<QPoint>{} << kDefaultCurveLevel;
-    QTest::newRow("an unknown fan mode is the curve") << 9 << kCurve << kCurveLevel;
-}
-
-void TestOverClockingApply::savedCurve()
-{
-    QFETCH(int, fanMode);
-    QFETCH(QList<QPoint>, nodes);
-    QFETCH(int, level);
-    AdjustModuleInfo saved = savedValues();
-    saved.FanMode = fanMode;
-    saved.Nodes = nodes;
-    saved.LinkOfPowerWithTemperature = true;
-    AdjustPageWorld world;
-    world.open(saved);
-    QTRY_VERIFY(world.fanWrites().contains(fanLevelCall(level)));
-    QCOMPARE(world.distinctFanWrites(), QStringList{fanLevelCall(level)});
-    QCOMPARE(world.writesBesideFan(), savedSettings());
-    QCOMPARE(world.fanMode(), QString("UDF"));
-    QVERIFY(world.linkBox()->isChecked());
-
-    const AdjustModuleInfo out = world.parameters();
-    QCOMPARE(out.FanMode, fanMode);
-    QCOMPARE(out.Nodes, nodes);
-    QVERIFY(out.LinkOfPowerWithTemperature);
-}
-
-void TestOverClockingApply::brokenSavedCurve_data()
-{
-    QTest::addColumn<QList<QPoint>>("nodes");
-
-    QTest::newRow("one node") << QList<QPoint>{{0, 0}};
-    QTest::newRow("starts beside the origin") << QList<QPoint>{{0, 1}, {52, 77}, {100, 100}};
-    QTest::newRow("ends below full speed") << QList<QPoint>{{0, 0}, {52, 77}, {100, 90}};
-    QTest::newRow("numbers of any size") << QList<QPoint>{{kLowest, kHighest}, {kHighest, kLowest}};
-}
-
-void TestOverClockingApply::brokenSavedCurve()
-{
-    QFETCH(QList<QPoint>, nodes);
-    AdjustModuleInfo saved = savedValues();
-    saved.FanMode = FanUserDefined;
-    saved.Nodes = nodes;
-    AdjustPageWorld world;
-    world.open(saved);
-    QTRY_COMPARE(world.distinctFanWrites(), QStringList{fanLevelCall(kDefaultCurveLevel)});
-    world.click("btnUserDefineConfig"); // shows its default curve
-    QCOMPARE(world.parameters().Nodes, nodes);
-}
 
 void TestOverClockingApply::apply_data()
 {
@@ -376,7 +173,7 @@ void TestOverClockingApply::applyWithoutCard()
 void TestOverClockingApply::changeOfFanModes()
 {
     AdjustModuleInfo saved = savedValues();
-    saved.Nodes = kCurve;
+    saved.Nodes = kSteepCurve;
     AdjustPageWorld world;
     world.open(saved);
     ModalAnswer answers({"msgBoxYesBtn", "msgBoxYesBtn", "msgBoxYesBtn"});
@@ -387,7 +184,7 @@ void TestOverClockingApply::changeOfFanModes()
     QCOMPARE(world.driver.calls(), QStringList()); // the choice acts at Apply
     world.click("btnApply");
     QTRY_VERIFY(world.fanWrites().size() > 2); // in every cycle anew
-    QCOMPARE(world.distinctFanWrites(), QStringList{fanLevelCall(kCurveLevel)});
+    QCOMPARE(world.distinctFanWrites(), QStringList{fanLevelCall(kSteepCurveLevel)});
     QCOMPARE(world.writesBesideFan(), unchangedSettings());
 
     world.click("btnFanManual");
@@ -412,14 +209,14 @@ void TestOverClockingApply::curveAppliedWhileItDrivesTheFan()
 {
     AdjustModuleInfo saved = savedValues();
     saved.FanMode = FanUserDefined;
-    saved.Nodes = kCurve;
+    saved.Nodes = kSteepCurve;
     AdjustPageWorld world;
     world.open(saved);
-    QTRY_VERIFY(world.fanWrites().contains(fanLevelCall(kCurveLevel)));
+    QTRY_VERIFY(world.fanWrites().contains(fanLevelCall(kSteepCurveLevel)));
 
     world.click("btnUserDefineConfig");
     world.click("btnDefault"); // the editor alone, so far
-    QCOMPARE(world.parameters().Nodes, kCurve);
+    QCOMPARE(world.parameters().Nodes, kSteepCurve);
     world.driver.forgetCalls();
     ModalAnswer answers({"msgBoxYesBtn"});
     world.click("btnApply");
@@ -462,7 +259,7 @@ void TestOverClockingApply::restoreDefaults()
     QFETCH(int, fanMode);
     AdjustModuleInfo saved = savedValues();
     saved.FanMode = fanMode;
-    saved.Nodes = kCurve;
+    saved.Nodes = kSteepCurve;
     saved.LinkOfPowerWithTemperature = true;
     AdjustPageWorld world;
     world.open(saved);
@@ -474,7 +271,7 @@ void TestOverClockingApply::restoreDefaults()
     world.driver.forgetCalls();
     world.click("btnDefault"); // asks nothing
     QStringList writes = world.writes();
-    while (fanMode == 2 && writes.value(0) == fanLevelCall(kCurveLevel))
+    while (fanMode == 2 && writes.value(0) == fanLevelCall(kSteepCurveLevel))
         writes.removeFirst();                                          // the worker's last
     QCOMPARE(writes, QStringList({"DriverEntry_B23B70EE gpu0 value=1", //
                                   "GPU_SetPstates20 gpu0 0x31CF8 [8]=1 [12]=1",
@@ -501,35 +298,6 @@ void TestOverClockingApply::restoreDefaultsWithoutCard()
     world.click("btnDefault");
     QCOMPARE(modeSpy.count(), 0);
     QCOMPARE(world.driver.calls(), QStringList());
-}
-
-void TestOverClockingApply::destruction_data()
-{
-    QTest::addColumn<int>("fanMode");
-    QTest::addColumn<QStringList>("lastWrites");
-
-    QTest::newRow("driver's fan stays") << 0 << QStringList();
-    QTest::newRow("manual level stays") << 1 << QStringList();
-    QTest::newRow("curve hands the fan back") << 2 << QStringList{kFanHandedBack};
-}
-
-void TestOverClockingApply::destruction()
-{
-    QFETCH(int, fanMode);
-    AdjustModuleInfo saved = savedValues();
-    saved.FanMode = fanMode;
-    saved.Nodes = kCurve;
-    AdjustPageWorld world;
-    world.open(saved);
-    if (fanMode == 2)
-        QTRY_VERIFY(!world.fanWrites().isEmpty());
-    world.driver.forgetCalls();
-    world.page.reset();
-    QStringList writes = world.writes();
-    writes.removeAll(fanLevelCall(kCurveLevel));
-    QTEST(writes, "lastWrites");
-    if (fanMode == 2)
-        QCOMPARE(world.fanWrites().last(), kFanHandedBack); // the worker is over before
 }
 
 void TestOverClockingApply::hostileRanges_data()
