@@ -6,6 +6,11 @@ set -euo pipefail
 cd "$(dirname "$0")"
 . tools/packages.sh
 
+case "${1:-}" in
+"" | --quick) ;;
+*) sed -n '2,4s/^# //p' "$0"; exit 2 ;;
+esac
+
 ensure_packages "${build_packages[@]}" "${screen_packages[@]}"
 
 build_preset release

@@ -19,6 +19,7 @@ constexpr int kMessageTimeoutMs = 5000;
 /// Neither language is known yet when the installation folder can't be entered, so both stand there.
 int tellUnknownError()
 {
+    registerApplicationFonts(); // the system may have none for the Chinese half
     Ovryn_MessageBox box(0, QString(), QStringLiteral("未知错误发生\r\nAn unknown error has occurred"),
                          kLanguageChinese, nullptr, Qt::WindowFlags(Ovryn_MessageBox::usualWindowFlags));
     box.setYesText(QStringLiteral("确定/Comfirm"));
