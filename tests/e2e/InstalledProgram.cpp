@@ -100,9 +100,11 @@ qint64 InstalledProgram::mainWindow() const
 
 QList<qint64> InstalledProgram::otherWindows() const
 {
+    // In this order: a main window that appears in between must not be taken for another one.
+    const QStringList all = screen.windowsOf(process.processId());
     const qint64 main = mainWindow();
     QList<qint64> others;
-    for (const QString &id : screen.windowsOf(process.processId())) {
+    for (const QString &id : all) {
         const qint64 window = id.toLongLong();
         // toolkit helpers and the tray's icon are no larger than a few pixels
         if (window != main && screen.geometryOf(window).width() > 64)
