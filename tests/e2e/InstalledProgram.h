@@ -16,7 +16,8 @@ public:
     explicit InstalledProgram(const VirtualScreen &screen);
     ~InstalledProgram();
 
-    void useScene(const QString &name); ///< file name of a shipped scene
+    void useScene(const QString &name);       ///< file name of a shipped scene
+    void useScenario(const QByteArray &json); ///< a scene of the test's own
     void writeConfig(const QByteArray &xml);
 
     bool start();     ///< waits until the process runs
@@ -39,7 +40,8 @@ public:
     [[nodiscard]] QString configText(const QString &element) const;
     [[nodiscard]] QList<QDomElement> cardSections() const;
 
-    [[nodiscard]] QList<QJsonObject> journal() const; ///< what the driver was asked, in order
+    [[nodiscard]] QList<QJsonObject> journal() const;     ///< what the driver was asked, in order
+    [[nodiscard]] QJsonObject cardState(int index) const; ///< what a simulated card did and held last
 
 private:
     [[nodiscard]] QProcessEnvironment environment() const;

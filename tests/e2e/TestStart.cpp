@@ -114,22 +114,15 @@ void TestStart::driverCallsOfTheAdjustPage()
     program.writeConfig(kQuietConfig);
     QVERIFY(startedWindow(program) != 0);
 
-    QStringList expected = {"GPU_GetTachReading", "GPU_GetCoolerSettings"}; // fan
-    expected << "GPU_ClientThermalPoliciesGetInfo"
-             << "GPU_ClientThermalPoliciesGetStatus"; // temperature limit
-    expected << "GPU_ClientPowerTopologyGetInfo"
-             << "GPU_ClientPowerTopologyGetStatus" // power limit
-             << "GPU_ClientPowerPoliciesGetInfo"
-             << "GPU_ClientPowerPoliciesGetStatus";
-    expected << "GPU_GetPstates20"; // voltage
-    expected << "GPU_GetPstates20"
-             << "GPU_GetAllClockFrequencies"
-             << "GPU_GetRamType"; // clocks
-    expected << "GPU_GetPstates20"
-             << "GPU_GetAllClockFrequencies"; // graphics range
-    expected << "GPU_GetPstates20"
-             << "GPU_GetAllClockFrequencies"
-             << "GPU_GetRamType"; // memory range
+    const QStringList fan = {"GPU_GetTachReading", "GPU_GetCoolerSettings"};
+    const QStringList temperatureLimit = {"GPU_ClientThermalPoliciesGetInfo", "GPU_ClientThermalPoliciesGetStatus"};
+    const QStringList powerLimit = {"GPU_ClientPowerTopologyGetInfo", "GPU_ClientPowerTopologyGetStatus",
+                                    "GPU_ClientPowerPoliciesGetInfo", "GPU_ClientPowerPoliciesGetStatus"};
+    const QStringList voltage = {"GPU_GetPstates20"};
+    const QStringList clocks = {"GPU_GetPstates20", "GPU_GetAllClockFrequencies", "GPU_GetRamType"};
+    const QStringList graphicsRange = {"GPU_GetPstates20", "GPU_GetAllClockFrequencies"};
+    const QStringList memoryRange = {"GPU_GetPstates20", "GPU_GetAllClockFrequencies", "GPU_GetRamType"};
+    const QStringList expected = fan + temperatureLimit + powerLimit + voltage + clocks + graphicsRange + memoryRange;
 
     // The page is built with the window, on the main thread, and reads the card once: other pages may ask
     // the driver before and after it, but not between.

@@ -156,7 +156,15 @@ void VirtualScreen::click(QPoint position) const
                QStringLiteral("sleep"), QStringLiteral("0.05"), QStringLiteral("mouseup"), QStringLiteral("1")});
 }
 
-void VirtualScreen::drag(QPoint from, QPoint to) const
+void VirtualScreen::doubleClick(QPoint position) const
+{
+    (void)run(QStringLiteral("xdotool"),
+              {QStringLiteral("mousemove"), QString::number(position.x()), QString::number(position.y()),
+               QStringLiteral("sleep"), QStringLiteral("0.05"), QStringLiteral("click"), QStringLiteral("--repeat"),
+               QStringLiteral("2"), QStringLiteral("--delay"), QStringLiteral("60"), QStringLiteral("1")});
+}
+
+void VirtualScreen::hold(QPoint from, QPoint to) const
 {
     QStringList arguments = {QStringLiteral("mousemove"), QString::number(from.x()), QString::number(from.y()),
                              QStringLiteral("sleep"),     QStringLiteral("0.05"),    QStringLiteral("mousedown"),
@@ -167,13 +175,29 @@ void VirtualScreen::drag(QPoint from, QPoint to) const
         arguments << QStringLiteral("mousemove") << QString::number(at.x()) << QString::number(at.y())
                   << QStringLiteral("sleep") << QStringLiteral("0.02");
     }
-    arguments << QStringLiteral("mouseup") << QStringLiteral("1");
     (void)run(QStringLiteral("xdotool"), arguments);
+}
+
+void VirtualScreen::release() const
+{
+    (void)run(QStringLiteral("xdotool"), {QStringLiteral("mouseup"), QStringLiteral("1")});
+}
+
+void VirtualScreen::drag(QPoint from, QPoint to) const
+{
+    hold(from, to);
+    release();
 }
 
 void VirtualScreen::key(const QString &name) const
 {
     (void)run(QStringLiteral("xdotool"), {QStringLiteral("key"), QStringLiteral("--clearmodifiers"), name});
+}
+
+void VirtualScreen::type(const QString &text) const
+{
+    (void)run(QStringLiteral("xdotool"),
+              {QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("30"), text});
 }
 
 void VirtualScreen::activate(qint64 window) const
