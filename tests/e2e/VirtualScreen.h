@@ -31,8 +31,12 @@ public:
 
     void movePointer(QPoint screenPosition) const;
     void click(QPoint screenPosition) const; ///< left button, with a pause that a hand would make too
+    void doubleClick(QPoint screenPosition) const;
+    void hold(QPoint from, QPoint to) const; ///< presses the left button, moves and keeps it pressed
+    void release() const;                    ///< the left button, where the pointer is
     void drag(QPoint from, QPoint to) const; ///< left button held
     void key(const QString &name) const;     ///< as xdotool names it
+    void type(const QString &text) const;
     void activate(qint64 window) const;
 
     [[nodiscard]] QImage picture() const; ///< the whole screen
