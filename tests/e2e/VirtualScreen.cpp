@@ -97,21 +97,31 @@ QString VirtualScreen::run(const QString &program, const QStringList &arguments)
     return QString::fromUtf8(process.readAllStandardOutput());
 }
 
+QStringList VirtualScreen::visibleWindows(const QStringList &conditions) const
+{
+    // The search walks the tree of windows and gives up at one that is closed meanwhile.
+    constexpr int kMostTries = 20;
+    for (int i = 0; i < kMostTries; ++i) {
+        QProcess process;
+        process.setProcessEnvironment(environment());
+        process.start(QStringLiteral("xdotool"), QStringList{QStringLiteral("search"), QStringLiteral("--all"),
+                                                             QStringLiteral("--onlyvisible")} +
+                                                     conditions);
+        if (process.waitForFinished(kCommandTimeoutMs) && !process.readAllStandardError().contains("X Error"))
+            return QString::fromUtf8(process.readAllStandardOutput()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    }
+    return {};
+}
+
 qint64 VirtualScreen::findWindow(const QString &title) const
 {
-    const QString found =
-        run(QStringLiteral("xdotool"), {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
-                                        QStringLiteral("--name"), QStringLiteral("^%1$").arg(title)});
-    return found.section(QLatin1Char('\n'), 0, 0).toLongLong();
+    return visibleWindows({QStringLiteral("--name"), QStringLiteral("^%1$").arg(title)}).value(0).toLongLong();
 }
 
 QStringList VirtualScreen::windowsOf(qint64 processId) const
 {
-    const QString found =
-        run(QStringLiteral("xdotool"),
-            {QStringLiteral("search"), QStringLiteral("--all"), QStringLiteral("--onlyvisible"),
-             QStringLiteral("--pid"), QString::number(processId), QStringLiteral("--name"), QStringLiteral(".*")});
-    return found.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    return visibleWindows(
+        {QStringLiteral("--pid"), QString::number(processId), QStringLiteral("--name"), QStringLiteral(".*")});
 }
 
 qint64 VirtualScreen::activeWindow() const

@@ -46,6 +46,7 @@ public:
     [[nodiscard]] QProcessEnvironment environment() const;
 
 private:
+    [[nodiscard]] QStringList visibleWindows(const QStringList &conditions) const;
     bool startPart(const QString &program, const QStringList &arguments);
 
     std::vector<std::unique_ptr<QProcess>> parts; ///< the server first; ended in reverse
