@@ -18,4 +18,4 @@ ctest --test-dir build/release --output-on-failure --no-tests=error -j2
 
 [ "${1:-}" != --quick ] || exit 0
 build_preset asan
-ctest --test-dir build/asan --output-on-failure --no-tests=error -j2 -LE 'e2e'
+ctest --test-dir build/asan --output-on-failure --no-tests=error -j2
