@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFont>
 #include <QIcon>
+#include <QScreen>
 
 namespace
 {
@@ -77,6 +78,9 @@ int main(int argc, char **argv)
     dialog.setWindowOpacity(1.0);
     dialog.setAttribute(Qt::WA_TranslucentBackground, true);
     dialog.setWindowFlags(Qt::FramelessWindowHint | Qt::WindowMinimizeButtonHint);
+    // Placed by the program: a place that the window manager chose for a frameless window may never be told to the
+    // toolkit, and boxes would then stand beside the window instead of over it.
+    dialog.move(QGuiApplication::primaryScreen()->availableGeometry().center() - dialog.rect().center());
 
     if (dialog.cardCount() <= 0) {
         Ovryn_MessageBox box(0, QString(), languageTable.noCard, languageTable.language(), nullptr,

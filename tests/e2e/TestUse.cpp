@@ -95,6 +95,10 @@ void TestUse::adjustAsksOnceARun()
     for (const bool yes : {false, true}) { // a refusal keeps the question armed
         const QImage home = screen.picture();
         program.clickIn(window, layout.adjustButton.center());
+        const qint64 box = program.waitForBox();
+        QVERIFY(box != 0);
+        const QPoint offset = screen.geometryOf(box).center() - screen.geometryOf(window).center();
+        QVERIFY2(offset.manhattanLength() <= 2, "the box stands beside the window");
         pressBoxButton(program, yes);
         QTRY_VERIFY_WITH_TIMEOUT(program.otherWindows().isEmpty(), kPatienceMs);
         if (yes)
