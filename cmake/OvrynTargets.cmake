@@ -38,8 +38,13 @@ function(ovryn_library folder)
     endif()
 endfunction()
 
+# Builds every test program with a worker thread.
+add_custom_target(thread_tests)
+
 # ovryn_test(<name> SOURCES <files> LINKS <libraries> [LABELS <labels>] [TIMEOUT <seconds>] [ENVIRONMENT <VAR=value>...])
-# One test program, registered with CTest. Labels tell the scripts which tests run under which sanitizer.
+# One test program, registered with CTest. Labels tell the scripts which tests run under which sanitizer: `thread`
+# is for every program with a worker thread. The thread sanitizer's long history gives each report both stacks, which
+# its suppressions need.
 function(ovryn_test name)
     cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LINKS;LABELS;ENVIRONMENT" ${ARGN})
     if(NOT ARG_TIMEOUT)
@@ -49,9 +54,15 @@ function(ovryn_test name)
     set_target_properties(${name} PROPERTIES AUTOMOC ON RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
     target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/src" "${PROJECT_SOURCE_DIR}/tests")
     target_link_libraries(${name} PRIVATE ${ARG_LINKS} Qt5::Test ovryn_options)
+    if(OVRYN_SANITIZE MATCHES "thread")
+        target_link_libraries(${name} PRIVATE ovryn_thread_sanitizer_locks)
+    endif()
+    if("thread" IN_LIST ARG_LABELS)
+        add_dependencies(thread_tests ${name})
+    endif()
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES
         TIMEOUT ${ARG_TIMEOUT}
         LABELS "${ARG_LABELS}"
-        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;QT_FONT_DPI=96;FONTCONFIG_FILE=${PROJECT_SOURCE_DIR}/tests/support/fonts.conf;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0;TSAN_OPTIONS=ignore_noninstrumented_modules=1:suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp;UBSAN_OPTIONS=print_stacktrace=1;${ARG_ENVIRONMENT}")
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;QT_FONT_DPI=96;FONTCONFIG_FILE=${PROJECT_SOURCE_DIR}/tests/support/fonts.conf;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0;TSAN_OPTIONS=ignore_noninstrumented_modules=1:history_size=7:suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp;UBSAN_OPTIONS=print_stacktrace=1;${ARG_ENVIRONMENT}")
 endfunction()
