@@ -1,16 +1,26 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and runs every test: the whole suite on the release build, then the
-# tests that need no screen once more under the address and undefined-behaviour sanitizers.
-# Option: --quick   the release build's tests only
+# Installs what is missing, builds, and runs every test: those that use the real executable on a virtual screen
+# on the release build, all the others under the address and undefined-behaviour sanitizers.
+# Option: --release   the others on the release build too
 set -euo pipefail
 cd "$(dirname "$0")"
 . tools/packages.sh
 
+case "${1:-}" in
+"" | --release) ;;
+*) sed -n '2,4s/^# //p' "$0"; exit 2 ;;
+esac
+
 ensure_packages "${build_packages[@]}" "${screen_packages[@]}"
 
-build_preset release
-ctest --test-dir build/release --output-on-failure --no-tests=error -j2
+run_tests() { ctest --test-dir "build/$1" --output-on-failure --no-tests=error -j2 "${@:2}"; }
 
-[ "${1:-}" != --quick ] || exit 0
 build_preset asan
-ctest --test-dir build/asan --output-on-failure --no-tests=error -j2 -LE 'e2e'
+run_tests asan
+if [ "${1:-}" = --release ]; then
+    build_preset release
+    run_tests release
+else
+    build_preset release OvrynDeck2 ovryn_simulated_driver e2e_tests benchmarks
+    run_tests release -L e2e
+fi

@@ -48,7 +48,9 @@ ensure_packages() {
 build_preset() {
     local preset=$1
     shift
-    export CMAKE_CXX_COMPILER_LAUNCHER=ccache
+    if command -v ccache >/dev/null; then
+        export CMAKE_CXX_COMPILER_LAUNCHER=ccache
+    fi
     cmake --preset "$preset" -S . >/dev/null
     cmake --build "build/$preset" ${1:+--target "$@"}
 }

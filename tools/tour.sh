@@ -9,15 +9,17 @@ pictures=$(realpath "$2")
 
 start_screen
 place=$(mktemp -d)
-cp "$program" "$place/" # config.xml lies beside the executable: a fresh place gives a fresh start
-"$place/OvrynDeck2" &
+# config.xml lies beside the executable: a fresh place gives a fresh start
+cp -r "$program" "$(dirname "$program")/updateLog" "$place/"
+# and with a runtime folder of its own it is the first instance even while another one runs
+mkdir -m 700 "$place/runtime"
+XDG_RUNTIME_DIR="$place/runtime" "$place/OvrynDeck2" &
 program_pid=$!
 trap 'kill $program_pid 2>/dev/null || true; stop_screen; rm -rf "$place"' EXIT
 
 wait_for 20 find_window OvrynDeckII
 window=$(find_window OvrynDeckII)
 place_of "$window"
-width=$WIDTH height=$HEIGHT
 rm -f "$pictures"/*.png
 
 # the slides and the first samples need their time to be worth a picture
@@ -26,8 +28,6 @@ look() {
     picture "$pictures/$1.png"
     echo "  $pictures/$1.png"
 }
-# confirm_box: the button of the one-button box that stands in the middle of the window
-confirm_box() { xdotool key --clearmodifiers Return; }
 
 look 01-first-start
 sleep 0.3

@@ -13,10 +13,10 @@ struct CardPageSet
 {
     Ovryn_NvCardInfoWidget *monitorPage = nullptr;
     Ovryn_OverClockingWidget *adjustPage = nullptr;
-    QWidget *ledPage = nullptr;      ///< an empty place so far
-    QWidget *lcdPage = nullptr;      ///< an empty place so far
+    QWidget *ledPage = nullptr; ///< an empty place so far
+    QWidget *lcdPage = nullptr; ///< an empty place so far
     Ovryn_GpuInfoCircleBox *circleBox = nullptr;
-    QWidget *colorPalette = nullptr; ///< an empty place so far
+    QWidget *colorPalette = nullptr;  ///< an empty place so far
     QWidget *fixedInfoPage = nullptr; ///< an empty place so far
     Ovryn_SendNvCardInfoThread *infoWorker = nullptr;
     NvGpuControl *gpuControl = nullptr;

@@ -75,7 +75,6 @@ void OvrynDeck2::buildWidgets()
     background.load(QString::fromLatin1(kBackgroundPicture));
 
     backgroundEffects = new Ovryn_BackgroundEffects(this);
-    backgroundEffects->hide();
 
     circleStack = new QStackedWidget(this);
     circleStack->setObjectName(QStringLiteral("circleStack"));
@@ -213,6 +212,7 @@ void OvrynDeck2::showCard(int index)
     if (!card)
         return;
     assignSlotButtons(*card);
+    backgroundEffects->setVisible(card->family == kFamilyOvryn);
     btnHighPerformance->setVisible(offersHighPerformance(*card));
     btnHighPerformance->setChecked(shownPages()->adjustPage->isHighPerformance());
 }
@@ -241,10 +241,6 @@ void OvrynDeck2::assignSlotButtons(const GpuCardInfo &card)
 void OvrynDeck2::onGpuComboxCurrentIndexChanged(int index)
 {
     showCard(index);
-    const GpuCardInfo *card = shownCardInfo();
-    if (!card)
-        return;
-    backgroundEffects->setVisible(card->family == kFamilyOvryn);
     selectPage();
     afterShow();
 }

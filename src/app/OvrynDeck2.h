@@ -125,7 +125,7 @@ private:
     void bringBack(); ///< from the tray
 
     int detectedCards = 0;
-    QList<GpuCardInfo> cardInfos;   ///< in detection order
+    QList<GpuCardInfo> cardInfos;    ///< in detection order
     QList<CardPageSet> cardPageSets; ///< the same order
     int currentCard = 0;
     int currentPage = HomePage;

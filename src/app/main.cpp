@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFont>
 #include <QIcon>
+#include <QScreen>
 
 namespace
 {
@@ -19,6 +20,7 @@ constexpr int kMessageTimeoutMs = 5000;
 /// Neither language is known yet when the installation folder can't be entered, so both stand there.
 int tellUnknownError()
 {
+    registerApplicationFonts(); // the system may have none for the Chinese half
     Ovryn_MessageBox box(0, QString(), QStringLiteral("未知错误发生\r\nAn unknown error has occurred"),
                          kLanguageChinese, nullptr, Qt::WindowFlags(Ovryn_MessageBox::usualWindowFlags));
     box.setYesText(QStringLiteral("确定/Comfirm"));
@@ -76,6 +78,9 @@ int main(int argc, char **argv)
     dialog.setWindowOpacity(1.0);
     dialog.setAttribute(Qt::WA_TranslucentBackground, true);
     dialog.setWindowFlags(Qt::FramelessWindowHint | Qt::WindowMinimizeButtonHint);
+    // Placed by the program: a place that the window manager chose for a frameless window may never be told to the
+    // toolkit, and boxes would then stand beside the window instead of over it.
+    dialog.move(QGuiApplication::primaryScreen()->availableGeometry().center() - dialog.rect().center());
 
     if (dialog.cardCount() <= 0) {
         Ovryn_MessageBox box(0, QString(), languageTable.noCard, languageTable.language(), nullptr,

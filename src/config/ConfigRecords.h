@@ -17,8 +17,8 @@ struct GeneralSettingInfo
     bool StartOnBoot = true;
     bool MinimizeOnStart = false;
     bool ApplyLastParamOnStart = true;
-    QString Language = QStringLiteral("lang_ch"); ///< "lang_ch" or "lang_en"
-    qint32 RefreshTimeOfMonitor = 1;              ///< seconds
+    QString Language = QStringLiteral("lang_ch");   ///< "lang_ch" or "lang_en"
+    qint32 RefreshTimeOfMonitor = 1;                ///< seconds
     QString PageEffects = QStringLiteral("normal"); ///< "normal" or "advanced"
 };
 

@@ -27,6 +27,6 @@ constexpr int kXmlBytesMaxWithEntities = 16 * 1024;
 constexpr int kXmlElementsMax = 250000;
 
 /// Parses the text into the document, whose old content goes. False where the text is not well-formed, is nested
-/// deeper than `kXmlDepthMax` levels, has more than `kXmlElementsMax` elements, or declares entities and is larger than `kXmlBytesMaxWithEntities`; the
-/// document then holds an arbitrary part of it and the error says why.
+/// deeper than `kXmlDepthMax` levels, has more than `kXmlElementsMax` elements, or declares entities and is larger
+/// than `kXmlBytesMaxWithEntities`; the document then holds an arbitrary part of it and the error says why.
 [[nodiscard]] bool parseXml(const QByteArray &text, QDomDocument &document, XmlError &error);

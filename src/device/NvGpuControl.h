@@ -34,25 +34,26 @@ public:
     bool enumDisplays(); ///< true when the walk ended orderly and the first display has an output
     bool enumGpus();     ///< ordinary cards, the TCC cards behind them; false when the first call failed
     [[nodiscard]] bool isReady() const { return nvApiReady; }
-    [[nodiscard]] quint32 gpuCount();  ///< usable cards, TCC cards included
-    void setCurrentGpu(qint32 index);  ///< below 0 becomes 0; beyond the last card becomes the last
+    [[nodiscard]] quint32 gpuCount(); ///< usable cards, TCC cards included
+    void setCurrentGpu(qint32 index); ///< below 0 becomes 0; beyond the last card becomes the last
     [[nodiscard]] bool isTccGpu(void *handle) const;
     [[nodiscard]] std::string getGpuName(); ///< full name; empty on failure
     bool getPciIdentifiers(NvPciIds &out);  ///< zeroes `out` first
 
     // ---- fixed information ----
-    void getFixedInfo(NvInfo &info); ///< whole record; "Unknown" where a read failed; empty without a card
+    void getFixedInfo(NvInfo &info);         ///< whole record; "Unknown" where a read failed; empty without a card
     bool getDriverVersion(quint32 &version); ///< five digits as one number; 0 and false on failure
 
     // ---- live telemetry; each read folds its value into the extremes ----
-    bool getClockFrequencies(NvClockSet &out, quint32 clockType); ///< MHz; 0 current, 1 base, 2 boost; `out` kept on failure
-    void getCurrentClocks(NvClockSet &out); ///< MHz; a failed read folds what `out` held
-    bool getGpuUsage(NvUsageInfo &out);     ///< percent; zeros on failure
-    bool getThermalSensor(NvThermalInfo &out); ///< degrees Celsius; zeros on failure or without a GPU sensor
-    bool getMemoryInfo(NvMemoryInfo &out);     ///< KB; zeros on failure; a TCC card has a total only
-    bool readBoardSensor(quint8 address, int &value);     ///< degrees Celsius; 0 on failure
-    void getBoardTemperatures(NvBoardTemperatures &out);  ///< degrees Celsius; 0 for a missing sensor
-    void getExtremes(NvExtremes &out);                    ///< a consistent copy
+    bool getClockFrequencies(NvClockSet &out,
+                             quint32 clockType);      ///< MHz; 0 current, 1 base, 2 boost; `out` kept on failure
+    void getCurrentClocks(NvClockSet &out);           ///< MHz; a failed read folds what `out` held
+    bool getGpuUsage(NvUsageInfo &out);               ///< percent; zeros on failure
+    bool getThermalSensor(NvThermalInfo &out);        ///< degrees Celsius; zeros on failure or without a GPU sensor
+    bool getMemoryInfo(NvMemoryInfo &out);            ///< KB; zeros on failure; a TCC card has a total only
+    bool readBoardSensor(quint8 address, int &value); ///< degrees Celsius; 0 on failure
+    void getBoardTemperatures(NvBoardTemperatures &out); ///< degrees Celsius; 0 for a missing sensor
+    void getExtremes(NvExtremes &out);                   ///< a consistent copy
 
     // ---- clocks and voltage ----
     bool getBaseClocks(NvClockSet &out, bool wantDefault); ///< MHz; default clocks, or as customised
@@ -66,9 +67,9 @@ public:
     bool restoreDefaults(); ///< every step is tried; true exactly when the power write succeeded
 
     // ---- power and thermal policy ----
-    bool getPowerInfo(NvPowerInfo &out);                   ///< percent
-    bool getThermalPolicyInfo(NvThermalPolicyInfo &out);   ///< degrees Celsius; `out` kept without a card
-    bool setPowerLimit(quint32 policyId, float percent);   ///< cut to the policy's range
+    bool getPowerInfo(NvPowerInfo &out);                 ///< percent
+    bool getThermalPolicyInfo(NvThermalPolicyInfo &out); ///< degrees Celsius; `out` kept without a card
+    bool setPowerLimit(quint32 policyId, float percent); ///< cut to the policy's range
     bool setThermalLimit(quint32 policyId, float degrees, bool priority);
     void setThermalPriority(quint32 policyId, quint8 value); ///< 0 or 1; silent on failure
     bool powerToTemperature(quint32 powerPolicyId, quint32 thermalPolicyId, float percent, NvLimitPair &out);
@@ -107,7 +108,8 @@ private:
     std::array<void *, kMaxDisplays> displayHandles{};
     quint32 displayCount = 0;
     quint32 outputId = 0;
-    /// Data transfers a clock of the memory type, for the bandwidth; set by any thread that reads the fixed information.
+    /// Data transfers a clock of the memory type, for the bandwidth; set by any thread that reads the fixed
+    /// information.
     std::atomic<qint32> memoryRateFactor{2};
     bool nvApiReady = false;
 };

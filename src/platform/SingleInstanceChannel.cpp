@@ -156,5 +156,6 @@ void SingleInstanceChannel::readFrom(QLocalSocket *peer)
     peer->putChar(kTaken);
     peer->flush();
     peer->disconnectFromServer();
-    emit messageReceived(QString::fromUtf8(text.constData(), text.size())); // last: a receiver may run an event loop, in which the peer goes
+    emit messageReceived(QString::fromUtf8(
+        text.constData(), text.size())); // last: a receiver may run an event loop, in which the peer goes
 }

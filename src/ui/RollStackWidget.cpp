@@ -57,9 +57,7 @@ void RollStackWidget::setCurrentWidget(QWidget *widget)
 void RollStackWidget::onSettingTimerTimeout()
 {
     if (previousWidget) {
-        // It stays put once it is out: the timer runs on where clearCurrent() took the page that came in.
-        if (oldX > -width())
-            oldX -= kPixelsPerTick;
+        oldX -= kPixelsPerTick;
         if (oldX <= -width()) {
             previousWidget->hide();
             previousWidget->move(restX, oldY);
@@ -72,15 +70,12 @@ void RollStackWidget::onSettingTimerTimeout()
         currentWidget->move(std::max(restX, newX), newY);
     }
 
-    const bool arrived = newX <= restX;
-    if (previousWidget && oldX <= -width() && arrived) {
+    const bool oldIsOut = !previousWidget || oldX <= -width();
+    const bool newIsIn = !currentWidget || newX <= restX; // clearCurrent() may have taken it in mid-slide
+    if (oldIsOut && newIsIn) {
         previousWidget = nullptr;
         rollTimer.stop();
-    } else if (!previousWidget && arrived) {
-        rollTimer.stop();
     }
-    if (!previousWidget && !currentWidget)
-        rollTimer.stop();
 }
 
 void RollStackWidget::showStack()

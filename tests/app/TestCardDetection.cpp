@@ -98,7 +98,9 @@ void TestCardDetection::codes()
 
 void TestCardDetection::numbers()
 {
-    const auto detected = [](const char *name, quint32 id) { return identifyCard(QString::fromLatin1(name), id); };
+    const auto detected = [](const char *name, quint32 id) {
+        return identifyCard(QString::fromLatin1(name), id);
+    };
     QList<GpuCardInfo> earlier;
     QStringList displayNames;
     QStringList gpuNames;

@@ -1,30 +1,22 @@
-#include "app/OvrynDeck2.h"
+#include "app/MainDialogTest.h"
 #include "monitor/Ovryn_BackgroundEffects.h"
 #include "monitor/Ovryn_GpuInfoCircleBox.h"
 #include "monitor/Ovryn_NvCardInfoWidget.h"
 #include "support/ConnectWarnings.h"
-#include "support/FakeDriver.h"
 #include "support/ModalAnswer.h"
 #include "ui/Ovryn_ComboBox.h"
-#include "ui/Ovryn_SettingParentWidget.h"
 #include "ui/RollStackWidget.h"
 
-#include <QDir>
-#include <QPushButton>
+#include <QRegularExpression>
 #include <QStackedWidget>
-#include <QTemporaryDir>
-#include <QTest>
 
-/// The main dialog on a stand-in for the driver, in a folder of its own. The two questions that are asked once a
-/// run are process-wide, so the rows about them stand in the order in which a run meets them.
-class TestOvrynDeck2 : public QObject
+/// The main dialog's cards and pages. The two questions that are asked once a run are process-wide, so the rows about
+/// them stand in the order in which a run meets them.
+class TestOvrynDeck2 : public MainDialogTest
 {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
-
     void promptOfTheHighPerformanceModeComesOnce();
     void adjustWarningComesOnce();
     void everyConnectionIsGood();
@@ -43,28 +35,13 @@ private slots:
     void ledPageTakesTheGaugesPlace();
     void gaugeSlidesTenPixelsATick();
     void changeOfCardKeepsThePage();
+    void effectsShowForTheMakersCards_data();
     void effectsShowForTheMakersCards();
     void highPerformanceSwitchShows_data();
     void highPerformanceSwitchShows();
     void storedSelectionIsUsed_data();
     void storedSelectionIsUsed();
-    void languageOfTheFile_data();
-    void languageOfTheFile();
-    void changeOfLanguageReachesEveryWord();
-    void closingWritesTheFile();
-    void escapeKeepsTheDialog();
     void boardTemperatureButtonLeadsNowhere();
-    void everythingEndsWithTheDialog();
-
-private:
-    static QPushButton *button(const OvrynDeck2 &dialog, const char *name);
-    static void finishSlide(OvrynDeck2 &dialog);
-    static void writeConfig(const char *xml);
-    static QString savedText();
-
-    QString formerFolder;
-    QTemporaryDir *folder = nullptr;
-    FakeDriver *driver = nullptr;
 };
 
 namespace
@@ -86,48 +63,6 @@ QStackedWidget *circleStack(const OvrynDeck2 &dialog)
 }
 
 } // namespace
-
-void TestOvrynDeck2::init()
-{
-    formerFolder = QDir::currentPath();
-    folder = new QTemporaryDir;
-    QVERIFY(folder->isValid());
-    QVERIFY(QDir::setCurrent(folder->path()));
-    driver = new FakeDriver;
-}
-
-void TestOvrynDeck2::cleanup()
-{
-    delete driver;
-    driver = nullptr;
-    QDir::setCurrent(formerFolder);
-    delete folder;
-    folder = nullptr;
-}
-
-QPushButton *TestOvrynDeck2::button(const OvrynDeck2 &dialog, const char *name)
-{
-    return dialog.findChild<QPushButton *>(QString::fromLatin1(name));
-}
-
-void TestOvrynDeck2::finishSlide(OvrynDeck2 &dialog)
-{
-    for (int tick = 0; tick < 200; ++tick)
-        dialog.onMoveCircleWidgetTimerTimeout();
-}
-
-void TestOvrynDeck2::writeConfig(const char *xml)
-{
-    QFile file(QStringLiteral("config.xml"));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(xml);
-}
-
-QString TestOvrynDeck2::savedText()
-{
-    QFile file(QStringLiteral("config.xml"));
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-}
 
 void TestOvrynDeck2::promptOfTheHighPerformanceModeComesOnce()
 {
@@ -253,7 +188,8 @@ void TestOvrynDeck2::cardWithoutAName()
 
 void TestOvrynDeck2::hostileNameLosesNoSettings()
 {
-    driver->card().fullName = std::string("GeForce\x01\x0B GTX\x1F 1080") + std::string(80, 'x'); // no terminating zero
+    driver->card().fullName =
+        std::string("GeForce\x01\x0B GTX\x1F 1080") + std::string(80, 'x'); // no terminating zero
     writeConfig("<OvrynParameter><OtherSetting NotPromptHPS=\"1\"/></OvrynParameter>");
     {
         OvrynDeck2 dialog;
@@ -294,10 +230,14 @@ void TestOvrynDeck2::slotButtons_data()
     QTest::addColumn<QString>("first");
     QTest::addColumn<QString>("second");
 
-    QTest::newRow("LED and LCD") << true << true << "LED" << "LCD";
-    QTest::newRow("LED alone") << true << false << "LED" << "";
-    QTest::newRow("LCD alone stands first") << false << true << "LCD" << "";
-    QTest::newRow("neither") << false << false << "" << "";
+    QTest::newRow("LED and LCD") << true << true << "LED"
+                                 << "LCD";
+    QTest::newRow("LED alone") << true << false << "LED"
+                               << "";
+    QTest::newRow("LCD alone stands first") << false << true << "LCD"
+                                            << "";
+    QTest::newRow("neither") << false << false << ""
+                             << "";
 }
 
 void TestOvrynDeck2::slotButtons()
@@ -440,19 +380,27 @@ void TestOvrynDeck2::changeOfCardKeepsThePage()
     QVERIFY(!button(dialog, "btnFirstSlot")->isVisible());
 }
 
+void TestOvrynDeck2::effectsShowForTheMakersCards_data()
+{
+    QTest::addColumn<bool>("makersFirst");
+    QTest::newRow("from the start on the maker's card") << true;
+    QTest::newRow("not from the start on a foreign card") << false;
+}
+
 void TestOvrynDeck2::effectsShowForTheMakersCards()
 {
+    QFETCH(bool, makersFirst);
     driver->cards.resize(2);
-    makeForeign(driver->card(1), "GeForce GTX 1080");
+    makeForeign(driver->card(makersFirst ? 1 : 0), "GeForce GTX 1080");
     OvrynDeck2 dialog;
     dialog.show();
     auto *effects = dialog.findChild<Ovryn_BackgroundEffects *>();
-    QVERIFY(!effects->isVisible()); // at the start never
+    QCOMPARE(effects->isVisible(), makersFirst);
     auto *selector = dialog.findChild<Ovryn_ComboBox *>();
     selector->setCurrentIndex(1);
-    QVERIFY(!effects->isVisible());
+    QCOMPARE(effects->isVisible(), !makersFirst);
     selector->setCurrentIndex(0);
-    QVERIFY(effects->isVisible());
+    QCOMPARE(effects->isVisible(), makersFirst);
 }
 
 void TestOvrynDeck2::highPerformanceSwitchShows_data()
@@ -503,68 +451,6 @@ void TestOvrynDeck2::storedSelectionIsUsed()
     QTEST(mask, "mask");
 }
 
-void TestOvrynDeck2::languageOfTheFile_data()
-{
-    QTest::addColumn<QByteArray>("language");
-    QTest::addColumn<QString>("caption");
-    QTest::newRow("Chinese") << QByteArray("lang_ch") << QStringLiteral("监控窗口");
-    QTest::newRow("English") << QByteArray("lang_en") << "Monitor";
-    QTest::newRow("any other text is English") << QByteArray("klingon") << "Monitor";
-}
-
-void TestOvrynDeck2::languageOfTheFile()
-{
-    QFETCH(QByteArray, language);
-    writeConfig("<OvrynParameter><GeneralSetting Language=\"" + language + "\"/></OvrynParameter>");
-    OvrynDeck2 dialog;
-    QTEST(button(dialog, "btnMonitor")->text(), "caption");
-}
-
-void TestOvrynDeck2::changeOfLanguageReachesEveryWord()
-{
-    OvrynDeck2 dialog;
-    dialog.show();
-    QCOMPARE(button(dialog, "btnAdjust")->text(), QStringLiteral("调节选项"));
-    auto *language = dialog.findChild<QComboBox *>(QStringLiteral("cmb_language"));
-    QVERIFY(language);
-    language->setCurrentIndex(1);
-    QCOMPARE(button(dialog, "btnMonitor")->text(), QStringLiteral("Monitor"));
-    QCOMPARE(button(dialog, "btnAdjust")->text(), QStringLiteral("Adjust"));
-    QCOMPARE(button(dialog, "btnBoardTempInfo")->text(), QStringLiteral("Temp"));
-    QCOMPARE(button(dialog, "btnHighPerformance")->text(), QStringLiteral("On   Off"));
-    QVERIFY(!savedText().contains(QLatin1String("lang_en"))); // the file waits for the close
-    dialog.close();
-    QVERIFY(savedText().contains(QLatin1String("Language=\"lang_en\"")));
-}
-
-void TestOvrynDeck2::closingWritesTheFile()
-{
-    OvrynDeck2 dialog;
-    dialog.show();
-    QPushButton *close = button(dialog, "btnClose");
-    {
-        ModalAnswer answer({QStringLiteral("msgBoxNoBtn")});
-        QTest::mouseClick(close, Qt::LeftButton);
-        QCOMPARE(answer.texts(), QStringList({QStringLiteral("确定退出程序吗?")}));
-        QVERIFY(dialog.isVisible());
-        QVERIFY(!savedText().contains(QLatin1String("GeForce")));
-    }
-    ModalAnswer answer({QStringLiteral("msgBoxYesBtn")});
-    QTest::mouseClick(close, Qt::LeftButton);
-    QCOMPARE(answer.problems(), QStringList());
-    QVERIFY(!dialog.isVisible());
-    QVERIFY(savedText().contains(QLatin1String("GpuName=\"GeForce GTX 1070 Ti\"")));
-    QVERIFY(savedText().contains(QDate::currentDate().toString(QStringLiteral("yyyy/MM/dd"))));
-}
-
-void TestOvrynDeck2::escapeKeepsTheDialog()
-{
-    OvrynDeck2 dialog;
-    dialog.show();
-    QTest::keyClick(&dialog, Qt::Key_Escape);
-    QVERIFY(dialog.isVisible());
-}
-
 void TestOvrynDeck2::boardTemperatureButtonLeadsNowhere()
 {
     OvrynDeck2 dialog;
@@ -572,19 +458,6 @@ void TestOvrynDeck2::boardTemperatureButtonLeadsNowhere()
     QVERIFY(!button(dialog, "btnBoardTempInfo")->isVisible());
     button(dialog, "btnBoardTempInfo")->click();
     QCOMPARE(dialog.shownPage(), int(OvrynDeck2::HomePage));
-}
-
-void TestOvrynDeck2::everythingEndsWithTheDialog()
-{
-    driver->cards.resize(2);
-    {
-        OvrynDeck2 dialog;
-        dialog.show();
-        QTRY_VERIFY(driver->calls("NvAPI_GPU_GetTachReading").size() > 4);
-    }
-    QCOMPARE(nvApiLoadCount(), 0);
-    QCOMPARE(driver->releases(), driver->loads());
-    QCOMPARE(driver->strayCalls(), 0); // no worker outlived its card
 }
 
 QTEST_MAIN(TestOvrynDeck2)

@@ -82,8 +82,8 @@ void TestSafeXml::parses_data()
     QTest::newRow("wide is no depth") << QByteArray("<a>" + QByteArray("<b/>").repeated(1000) + "</a>") << true;
     QTest::newRow("as many elements as allowed")
         << QByteArray("<a>" + QByteArray("<b/>").repeated(kXmlElementsMax - 1) + "</a>") << true;
-    QTest::newRow("one element more")
-        << QByteArray("<a>" + QByteArray("<b/>").repeated(kXmlElementsMax) + "</a>") << false;
+    QTest::newRow("one element more") << QByteArray("<a>" + QByteArray("<b/>").repeated(kXmlElementsMax) + "</a>")
+                                      << false;
     QTest::newRow("exponential entities") << bomb("<a>&e9;</a>") << false;
     QTest::newRow("exponential entities in an attribute") << bomb("<a b='&e9;'/>") << false;
     QTest::newRow("entity of itself") << QByteArray("<!DOCTYPE a [<!ENTITY e '&f;'><!ENTITY f '&e;'>]><a>&e;</a>")

@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QTest>
 
@@ -11,6 +12,13 @@ namespace
 
 constexpr int kStartTimeoutMs = 30000;
 const char *const kWindowTitle = "OvrynDeckII";
+
+void writeFile(const QString &path, const QByteArray &content)
+{
+    QFile file(path);
+    if (file.open(QIODevice::WriteOnly))
+        file.write(content);
+}
 
 } // namespace
 
@@ -35,11 +43,15 @@ void InstalledProgram::useScene(const QString &name)
     scene = QStringLiteral(OVRYN_SCENES) + QLatin1Char('/') + name;
 }
 
+void InstalledProgram::useScenario(const QByteArray &json)
+{
+    scene = folder.filePath(QStringLiteral("scene.json"));
+    writeFile(scene, json);
+}
+
 void InstalledProgram::writeConfig(const QByteArray &xml)
 {
-    QFile file(folder.filePath(QStringLiteral("config.xml")));
-    if (file.open(QIODevice::WriteOnly))
-        file.write(xml);
+    writeFile(folder.filePath(QStringLiteral("config.xml")), xml);
 }
 
 QProcessEnvironment InstalledProgram::environment() const
@@ -47,6 +59,7 @@ QProcessEnvironment InstalledProgram::environment() const
     QProcessEnvironment environment = screen.environment();
     environment.insert(QStringLiteral("LD_LIBRARY_PATH"), QStringLiteral(OVRYN_SIMULATED_DRIVER_FOLDER));
     environment.insert(QStringLiteral("NVAPI_SIM_JOURNAL"), folder.filePath(QStringLiteral("journal.jsonl")));
+    environment.insert(QStringLiteral("NVAPI_SIM_STATE"), folder.filePath(QStringLiteral("state.json")));
     if (!scene.isEmpty())
         environment.insert(QStringLiteral("NVAPI_SIM_SCENARIO"), scene);
     // A runtime folder of its own, so that an instance of the person at the machine is no first instance.
@@ -100,9 +113,11 @@ qint64 InstalledProgram::mainWindow() const
 
 QList<qint64> InstalledProgram::otherWindows() const
 {
+    // In this order: a main window that appears in between must not be taken for another one.
+    const QStringList all = screen.windowsOf(process.processId());
     const qint64 main = mainWindow();
     QList<qint64> others;
-    for (const QString &id : screen.windowsOf(process.processId())) {
+    for (const QString &id : all) {
         const qint64 window = id.toLongLong();
         // toolkit helpers and the tray's icon are no larger than a few pixels
         if (window != main && screen.geometryOf(window).width() > 64)
@@ -170,4 +185,14 @@ QList<QJsonObject> InstalledProgram::journal() const
             calls.append(line.object());
     }
     return calls;
+}
+
+QJsonObject InstalledProgram::cardState(int index) const
+{
+    QFile file(folder.filePath(QStringLiteral("state.json")));
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QJsonArray cards =
+        QJsonDocument::fromJson(file.readAll()).object().value(QStringLiteral("cards")).toArray();
+    return cards.at(index).toObject();
 }

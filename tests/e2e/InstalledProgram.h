@@ -16,18 +16,19 @@ public:
     explicit InstalledProgram(const VirtualScreen &screen);
     ~InstalledProgram();
 
-    void useScene(const QString &name); ///< file name of a shipped scene
+    void useScene(const QString &name);       ///< file name of a shipped scene
+    void useScenario(const QByteArray &json); ///< a scene of the test's own
     void writeConfig(const QByteArray &xml);
 
-    bool start();                                  ///< waits until the process runs
-    int startAgain();                              ///< a second start at once; its exit code, -1 on a time-out
+    bool start();     ///< waits until the process runs
+    int startAgain(); ///< a second start at once; its exit code, -1 on a time-out
     [[nodiscard]] bool isRunning() const;
     bool waitForEnd(int timeoutMs = 20000);
     [[nodiscard]] int exitCode() const { return process.exitCode(); }
     [[nodiscard]] bool endedNormally() const;
     [[nodiscard]] QByteArray errorOutput() { return process.readAllStandardError(); }
 
-    [[nodiscard]] qint64 mainWindow() const; ///< 0 while it is not shown
+    [[nodiscard]] qint64 mainWindow() const;          ///< 0 while it is not shown
     [[nodiscard]] QList<qint64> otherWindows() const; ///< boxes and lists of this process
     [[nodiscard]] qint64 waitForMainWindow() const;
     [[nodiscard]] qint64 waitForBox() const; ///< a window beside the main one; 0 on a time-out
@@ -39,7 +40,8 @@ public:
     [[nodiscard]] QString configText(const QString &element) const;
     [[nodiscard]] QList<QDomElement> cardSections() const;
 
-    [[nodiscard]] QList<QJsonObject> journal() const; ///< what the driver was asked, in order
+    [[nodiscard]] QList<QJsonObject> journal() const;     ///< what the driver was asked, in order
+    [[nodiscard]] QJsonObject cardState(int index) const; ///< what a simulated card did and held last
 
 private:
     [[nodiscard]] QProcessEnvironment environment() const;

@@ -45,10 +45,10 @@ bool VirtualScreen::startPart(const QString &program, const QStringList &argumen
 bool VirtualScreen::start()
 {
     // The server picks a free number itself and writes it to its standard output.
-    if (!startPart(QStringLiteral("Xvfb"), {QStringLiteral("-displayfd"), QStringLiteral("1"),
-                                            QStringLiteral("-screen"), QStringLiteral("0"),
-                                            QStringLiteral("1280x900x24"), QStringLiteral("-noreset"),
-                                            QStringLiteral("-nolisten"), QStringLiteral("tcp")}))
+    if (!startPart(QStringLiteral("Xvfb"),
+                   {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"), QStringLiteral("0"),
+                    QStringLiteral("1280x900x24"), QStringLiteral("-noreset"), QStringLiteral("-nolisten"),
+                    QStringLiteral("tcp")}))
         return false;
     if (!parts.front()->waitForReadyRead(kStartTimeoutMs)) {
         problem = QStringLiteral("Xvfb tells no display");
@@ -56,7 +56,8 @@ bool VirtualScreen::start()
     }
     displayName = QLatin1Char(':') + QString::fromLatin1(parts.front()->readAllStandardOutput()).trimmed();
 
-    if (!startPart(QStringLiteral("openbox"), {QStringLiteral("--config-file"), QStringLiteral(OVRYN_WINDOW_MANAGER_CONFIG)}))
+    if (!startPart(QStringLiteral("openbox"),
+                   {QStringLiteral("--config-file"), QStringLiteral(OVRYN_WINDOW_MANAGER_CONFIG)}))
         return false;
     QElapsedTimer timer;
     timer.start();
@@ -70,10 +71,10 @@ bool VirtualScreen::start()
     }
     return startPart(QStringLiteral("picom"), {QStringLiteral("--backend"), QStringLiteral("xrender"),
                                                QStringLiteral("--config"), QStringLiteral("/dev/null")}) &&
-           startPart(QStringLiteral("trayer"), {QStringLiteral("--edge"), QStringLiteral("top"),
-                                                QStringLiteral("--align"), QStringLiteral("right"),
-                                                QStringLiteral("--width"), QStringLiteral("8"),
-                                                QStringLiteral("--height"), QStringLiteral("24")});
+           startPart(QStringLiteral("trayer"),
+                     {QStringLiteral("--edge"), QStringLiteral("top"), QStringLiteral("--align"),
+                      QStringLiteral("right"), QStringLiteral("--width"), QStringLiteral("8"),
+                      QStringLiteral("--height"), QStringLiteral("24")});
 }
 
 QProcessEnvironment VirtualScreen::environment() const
@@ -96,20 +97,31 @@ QString VirtualScreen::run(const QString &program, const QStringList &arguments)
     return QString::fromUtf8(process.readAllStandardOutput());
 }
 
+QStringList VirtualScreen::visibleWindows(const QStringList &conditions) const
+{
+    // The search walks the tree of windows and gives up at one that is closed meanwhile.
+    constexpr int kMostTries = 20;
+    for (int i = 0; i < kMostTries; ++i) {
+        QProcess process;
+        process.setProcessEnvironment(environment());
+        process.start(QStringLiteral("xdotool"), QStringList{QStringLiteral("search"), QStringLiteral("--all"),
+                                                             QStringLiteral("--onlyvisible")} +
+                                                     conditions);
+        if (process.waitForFinished(kCommandTimeoutMs) && !process.readAllStandardError().contains("X Error"))
+            return QString::fromUtf8(process.readAllStandardOutput()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    }
+    return {};
+}
+
 qint64 VirtualScreen::findWindow(const QString &title) const
 {
-    const QString found = run(QStringLiteral("xdotool"), {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
-                                                          QStringLiteral("--name"), QStringLiteral("^%1$").arg(title)});
-    return found.section(QLatin1Char('\n'), 0, 0).toLongLong();
+    return visibleWindows({QStringLiteral("--name"), QStringLiteral("^%1$").arg(title)}).value(0).toLongLong();
 }
 
 QStringList VirtualScreen::windowsOf(qint64 processId) const
 {
-    const QString found =
-        run(QStringLiteral("xdotool"), {QStringLiteral("search"), QStringLiteral("--all"),
-                                        QStringLiteral("--onlyvisible"), QStringLiteral("--pid"),
-                                        QString::number(processId), QStringLiteral("--name"), QStringLiteral(".*")});
-    return found.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    return visibleWindows(
+        {QStringLiteral("--pid"), QString::number(processId), QStringLiteral("--name"), QStringLiteral(".*")});
 }
 
 qint64 VirtualScreen::activeWindow() const
@@ -142,8 +154,8 @@ QRect VirtualScreen::geometryOf(qint64 window) const
 
 void VirtualScreen::movePointer(QPoint position) const
 {
-    (void)run(QStringLiteral("xdotool"), {QStringLiteral("mousemove"), QString::number(position.x()),
-                                          QString::number(position.y())});
+    (void)run(QStringLiteral("xdotool"),
+              {QStringLiteral("mousemove"), QString::number(position.x()), QString::number(position.y())});
 }
 
 void VirtualScreen::click(QPoint position) const
@@ -154,7 +166,15 @@ void VirtualScreen::click(QPoint position) const
                QStringLiteral("sleep"), QStringLiteral("0.05"), QStringLiteral("mouseup"), QStringLiteral("1")});
 }
 
-void VirtualScreen::drag(QPoint from, QPoint to) const
+void VirtualScreen::doubleClick(QPoint position) const
+{
+    (void)run(QStringLiteral("xdotool"),
+              {QStringLiteral("mousemove"), QString::number(position.x()), QString::number(position.y()),
+               QStringLiteral("sleep"), QStringLiteral("0.05"), QStringLiteral("click"), QStringLiteral("--repeat"),
+               QStringLiteral("2"), QStringLiteral("--delay"), QStringLiteral("60"), QStringLiteral("1")});
+}
+
+void VirtualScreen::hold(QPoint from, QPoint to) const
 {
     QStringList arguments = {QStringLiteral("mousemove"), QString::number(from.x()), QString::number(from.y()),
                              QStringLiteral("sleep"),     QStringLiteral("0.05"),    QStringLiteral("mousedown"),
@@ -165,13 +185,29 @@ void VirtualScreen::drag(QPoint from, QPoint to) const
         arguments << QStringLiteral("mousemove") << QString::number(at.x()) << QString::number(at.y())
                   << QStringLiteral("sleep") << QStringLiteral("0.02");
     }
-    arguments << QStringLiteral("mouseup") << QStringLiteral("1");
     (void)run(QStringLiteral("xdotool"), arguments);
+}
+
+void VirtualScreen::release() const
+{
+    (void)run(QStringLiteral("xdotool"), {QStringLiteral("mouseup"), QStringLiteral("1")});
+}
+
+void VirtualScreen::drag(QPoint from, QPoint to) const
+{
+    hold(from, to);
+    release();
 }
 
 void VirtualScreen::key(const QString &name) const
 {
     (void)run(QStringLiteral("xdotool"), {QStringLiteral("key"), QStringLiteral("--clearmodifiers"), name});
+}
+
+void VirtualScreen::type(const QString &text) const
+{
+    (void)run(QStringLiteral("xdotool"),
+              {QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("30"), text});
 }
 
 void VirtualScreen::activate(qint64 window) const

@@ -31,8 +31,12 @@ public:
 
     void movePointer(QPoint screenPosition) const;
     void click(QPoint screenPosition) const; ///< left button, with a pause that a hand would make too
+    void doubleClick(QPoint screenPosition) const;
+    void hold(QPoint from, QPoint to) const; ///< presses the left button, moves and keeps it pressed
+    void release() const;                    ///< the left button, where the pointer is
     void drag(QPoint from, QPoint to) const; ///< left button held
     void key(const QString &name) const;     ///< as xdotool names it
+    void type(const QString &text) const;
     void activate(qint64 window) const;
 
     [[nodiscard]] QImage picture() const; ///< the whole screen
@@ -42,6 +46,7 @@ public:
     [[nodiscard]] QProcessEnvironment environment() const;
 
 private:
+    [[nodiscard]] QStringList visibleWindows(const QStringList &conditions) const;
     bool startPart(const QString &program, const QStringList &arguments);
 
     std::vector<std::unique_ptr<QProcess>> parts; ///< the server first; ended in reverse

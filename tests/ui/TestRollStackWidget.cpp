@@ -307,6 +307,7 @@ void TestRollStackWidget::clearedInMidSlide()
     tick(20);
     QVERIFY(a->isHidden());
     QCOMPARE(a->x(), 0);
+    QVERIFY(!timer->isActive());
 }
 
 void TestRollStackWidget::deletedPageIsForgotten_data()

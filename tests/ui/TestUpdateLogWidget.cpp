@@ -25,6 +25,8 @@ private slots:
     void cleanup();
     void text_data();
     void text();
+    void textThatComesWithTheProgram_data();
+    void textThatComesWithTheProgram();
     void missingFileLeavesTheBoxEmpty_data();
     void missingFileLeavesTheBoxEmpty();
     void controls();
@@ -94,6 +96,25 @@ void TestUpdateLogWidget::text()
     Ovryn_UpdateLogWidget dialog(language, nullptr);
     QTEST(dialog.findChild<QTextEdit *>("textEdit")->toPlainText(), "text");
     QTEST(dialog.findChild<QPushButton *>("pushButton")->text(), "button");
+}
+
+void TestUpdateLogWidget::textThatComesWithTheProgram_data()
+{
+    QTest::addColumn<int>("language");
+    QTest::addColumn<QString>("word");
+    QTest::newRow("Chinese") << 0 << "显卡";
+    QTest::newRow("English") << 1 << "graphics cards";
+}
+
+void TestUpdateLogWidget::textThatComesWithTheProgram()
+{
+    QFETCH(int, language);
+    QFETCH(QString, word);
+    QVERIFY(QDir::setCurrent(QStringLiteral(OVRYN_PROGRAM_FOLDER)));
+    Ovryn_UpdateLogWidget dialog(language, nullptr);
+    const QString text = dialog.findChild<QTextEdit *>("textEdit")->toPlainText();
+    QVERIFY2(text.contains(word), qPrintable(text));
+    QVERIFY(!text.contains(QChar::ReplacementCharacter));
 }
 
 void TestUpdateLogWidget::missingFileLeavesTheBoxEmpty_data()

@@ -258,8 +258,8 @@ constexpr quint32 kI2cInfoVersion3 = 0x3002C;
 constexpr quint32 kI2cInfoVersion2 = 0x20024; ///< up to `i2cSpeedKhz`
 constexpr quint32 kI2cInfoVersion1 = 0x10020; ///< up to `i2cSpeed`
 
-constexpr quint32 kI2cSpeedDeprecated = 0xFFFF;  ///< hands the choice to `i2cSpeedKhz`
-constexpr quint32 NVAPI_I2C_SPEED_400KHZ = 6;    ///< an enumeration, not a number of kHz
+constexpr quint32 kI2cSpeedDeprecated = 0xFFFF; ///< hands the choice to `i2cSpeedKhz`
+constexpr quint32 NVAPI_I2C_SPEED_400KHZ = 6;   ///< an enumeration, not a number of kHz
 
 /// Holds pointers, so a 64-bit process has a larger record than the version words say.
 struct NV_I2C_INFO
@@ -426,7 +426,7 @@ static_assert(sizeof(NvApiPowerPoliciesStatus) == nvApiRecordSize(kPowerPolicies
 
 constexpr quint32 kThermalPoliciesInfoVersion2 = 0x20068;
 constexpr quint32 kThermalPoliciesInfoVersion1 = 0x10058; ///< entries of 20 bytes
-struct NvApiThermalPoliciesInfo ///< temperatures in 1/256 of a degree
+struct NvApiThermalPoliciesInfo                           ///< temperatures in 1/256 of a degree
 {
     struct Entry
     {

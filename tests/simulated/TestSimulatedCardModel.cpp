@@ -312,4 +312,4 @@ void TestCardModel::boardSensorsLieBetweenRoomAndGpu()
 }
 
 QTEST_APPLESS_MAIN(TestCardModel)
-#include "tst_card_model.moc"
+#include "TestSimulatedCardModel.moc"

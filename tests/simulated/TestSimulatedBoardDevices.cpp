@@ -398,4 +398,4 @@ void TestBoardDevices::extendedCallsReachTheSameDevices()
 }
 
 QTEST_APPLESS_MAIN(TestBoardDevices)
-#include "tst_board_devices.moc"
+#include "TestSimulatedBoardDevices.moc"

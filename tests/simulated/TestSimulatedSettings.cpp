@@ -493,4 +493,4 @@ void TestSettings::restoreEntry()
 }
 
 QTEST_APPLESS_MAIN(TestSettings)
-#include "tst_settings.moc"
+#include "TestSimulatedSettings.moc"

@@ -399,4 +399,4 @@ void TestOperations::manyThreads()
 }
 
 QTEST_APPLESS_MAIN(TestOperations)
-#include "tst_operations.moc"
+#include "TestSimulatedOperations.moc"

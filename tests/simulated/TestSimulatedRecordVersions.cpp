@@ -245,4 +245,4 @@ void TestRecordVersions::onlyKnownVersionsAnswer()
 }
 
 QTEST_APPLESS_MAIN(TestRecordVersions)
-#include "tst_record_versions.moc"
+#include "TestSimulatedRecordVersions.moc"

@@ -355,4 +355,4 @@ void TestOutputFiles::stateIsRewrittenSparingly()
 }
 
 QTEST_GUILESS_MAIN(TestOutputFiles)
-#include "tst_output_files.moc"
+#include "TestSimulatedOutputFiles.moc"

@@ -273,4 +273,4 @@ void TestScenario::unreadableFile()
 }
 
 QTEST_APPLESS_MAIN(TestScenario)
-#include "tst_scenario.moc"
+#include "TestSimulatedScenario.moc"

@@ -190,4 +190,4 @@ int main(int argc, char **argv)
     return QTest::qExec(&test, argc, argv);
 }
 
-#include "tst_library.moc"
+#include "TestSimulatedLibrary.moc"

@@ -155,4 +155,4 @@ void TestFaults::unterminatedTexts()
 }
 
 QTEST_APPLESS_MAIN(TestFaults)
-#include "tst_faults.moc"
+#include "TestSimulatedFaults.moc"

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "app/OvrynDeck2.h"
+#include "support/FakeDriver.h"
+
+#include <QDir>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <memory>
+
+/// What each test of the main dialog finds: a stand-in for the driver with one card of the maker's, and an empty
+/// folder of its own as the current one.
+class MainDialogTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        formerFolder = QDir::currentPath();
+        folder = std::make_unique<QTemporaryDir>();
+        QVERIFY(folder->isValid());
+        QVERIFY(QDir::setCurrent(folder->path()));
+        driver = std::make_unique<FakeDriver>();
+    }
+
+    void cleanup()
+    {
+        driver.reset();
+        QDir::setCurrent(formerFolder);
+        folder.reset();
+    }
+
+protected:
+    static QPushButton *button(const OvrynDeck2 &dialog, const char *name)
+    {
+        return dialog.findChild<QPushButton *>(QString::fromLatin1(name));
+    }
+
+    static void finishSlide(OvrynDeck2 &dialog)
+    {
+        for (int tick = 0; tick < 200; ++tick)
+            dialog.onMoveCircleWidgetTimerTimeout();
+    }
+
+    static void writeConfig(const QByteArray &xml)
+    {
+        QFile file(QStringLiteral("config.xml"));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(xml);
+    }
+
+    static QString savedText()
+    {
+        QFile file(QStringLiteral("config.xml"));
+        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    }
+
+    std::unique_ptr<FakeDriver> driver;
+
+private:
+    QString formerFolder;
+    std::unique_ptr<QTemporaryDir> folder;
+};

@@ -1,0 +1,207 @@
+#include "app/MainDialogTest.h"
+#include "support/ModalAnswer.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QDate>
+#include <QMenu>
+#include <QRegularExpression>
+
+/// The main dialog's tray, settings, language and end.
+class TestMainDialogShell : public MainDialogTest
+{
+    Q_OBJECT
+
+private slots:
+    void trayIcon();
+    void trayIconBringsTheWindowBack_data();
+    void trayIconBringsTheWindowBack();
+    void minimizeHidesTheWindow();
+    void bringingBackAppliesNothing();
+    void trayExitAsksNothing();
+    void storedRefreshTimeWaitsForAChange();
+    void languageOfTheFile_data();
+    void languageOfTheFile();
+    void changeOfLanguageReachesEveryWord();
+    void closingWritesTheFile();
+    void escapeKeepsTheDialog();
+    void everythingEndsWithTheDialog();
+
+private:
+    static QSystemTrayIcon *trayIconOf(const OvrynDeck2 &dialog) { return dialog.findChild<QSystemTrayIcon *>(); }
+};
+
+void TestMainDialogShell::trayIcon()
+{
+    OvrynDeck2 dialog;
+    const QSystemTrayIcon *icon = trayIconOf(dialog);
+    QVERIFY(!icon->icon().isNull());
+    QCOMPARE(icon->toolTip(), QStringLiteral("OvrynDeck2"));
+
+    const QMenu *menu = icon->contextMenu();
+    QCOMPARE(menu->minimumWidth(), 150);
+    QCOMPARE(menu->font().family(), QStringLiteral("微软雅黑"));
+    const QList<QAction *> actions = menu->actions();
+    QCOMPARE(actions.size(), 3);
+    QCOMPARE(actions.at(0)->text(), QStringLiteral("显示"));
+    QVERIFY(actions.at(1)->isSeparator());
+    QCOMPARE(actions.at(2)->text(), QStringLiteral("退出"));
+
+    dialog.findChild<QComboBox *>(QStringLiteral("cmb_language"))->setCurrentIndex(1);
+    QCOMPARE(actions.at(0)->text(), QStringLiteral("Display"));
+    QCOMPARE(actions.at(2)->text(), QStringLiteral("Exit"));
+}
+
+void TestMainDialogShell::trayIconBringsTheWindowBack_data()
+{
+    QTest::addColumn<int>("reason");
+    QTest::addColumn<bool>("shown");
+
+    QTest::newRow("click") << int(QSystemTrayIcon::Trigger) << true;
+    QTest::newRow("double click") << int(QSystemTrayIcon::DoubleClick) << false;
+    QTest::newRow("middle button") << int(QSystemTrayIcon::MiddleClick) << false;
+    QTest::newRow("menu") << int(QSystemTrayIcon::Context) << false;
+    QTest::newRow("unknown") << int(QSystemTrayIcon::Unknown) << false;
+}
+
+void TestMainDialogShell::trayIconBringsTheWindowBack()
+{
+    QFETCH(int, reason);
+    driver->card().fullName = "GeForce GTX 1080"; // asks nothing when it comes back
+    OvrynDeck2 dialog;
+    emit trayIconOf(dialog)->activated(QSystemTrayIcon::ActivationReason(reason));
+    QTEST(dialog.isVisible(), "shown");
+}
+
+void TestMainDialogShell::minimizeHidesTheWindow()
+{
+    OvrynDeck2 dialog;
+    dialog.show();
+    QTest::mouseClick(button(dialog, "btnMinimize"), Qt::LeftButton);
+    QVERIFY(!dialog.isVisible());
+    QVERIFY(!dialog.isMinimized());                                 // it is in the tray, not in the task bar
+    QVERIFY(savedText().contains(QLatin1String("<GpuSettings/>"))); // hiding is no close: nothing was gathered
+}
+
+void TestMainDialogShell::bringingBackAppliesNothing()
+{
+    ModalAnswer answer({QStringLiteral("msgBoxYesBtn")}); // the prompt of the high-performance mode
+    OvrynDeck2 dialog;
+    dialog.show();
+    dialog.hide();
+    driver->forgetCalls();
+    trayIconOf(dialog)->contextMenu()->actions().first()->trigger();
+    QVERIFY(dialog.isVisible());
+    QCOMPARE(answer.texts().size(), 1);
+    QCOMPARE(driver->calls().filter(QRegularExpression(QStringLiteral("Set(?!tings)|I2CWrite"))), QStringList());
+}
+
+void TestMainDialogShell::trayExitAsksNothing()
+{
+    ModalAnswer answer({});
+    OvrynDeck2 dialog;
+    dialog.show();
+    trayIconOf(dialog)->contextMenu()->actions().last()->trigger();
+    QVERIFY(!dialog.isVisible());
+    QCOMPARE(answer.texts(), QStringList());
+    QVERIFY(savedText().contains(QLatin1String("GpuName=\"GeForce GTX 1070 Ti\"")));
+}
+
+void TestMainDialogShell::storedRefreshTimeWaitsForAChange()
+{
+    writeConfig("<OvrynParameter><GeneralSetting RefreshTimeOfMonitor=\"10\"/></OvrynParameter>");
+    OvrynDeck2 dialog;
+    auto *refreshTime = dialog.findChild<QComboBox *>(QStringLiteral("cmb_RefreshTime"));
+    QCOMPARE(refreshTime->currentText(), QStringLiteral("10"));
+    const auto cycles = [this] {
+        return driver->calls("NvAPI_GPU_GetDynamicPstatesInfoEx").size();
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(cycles() >= 3, 8000); // far more often than every ten seconds
+
+    refreshTime->setCurrentIndex(2); // 5 s
+    driver->forgetCalls();
+    QTRY_VERIFY_WITH_TIMEOUT(cycles() >= 1, 8000); // the pause that ran was an old one
+    driver->forgetCalls();
+    QVERIFY(!QTest::qWaitFor([&] { return cycles() > 0; }, 2500));
+}
+
+void TestMainDialogShell::languageOfTheFile_data()
+{
+    QTest::addColumn<QByteArray>("language");
+    QTest::addColumn<QString>("caption");
+    QTest::newRow("Chinese") << QByteArray("lang_ch") << QStringLiteral("监控窗口");
+    QTest::newRow("English") << QByteArray("lang_en") << "Monitor";
+    QTest::newRow("any other text is English") << QByteArray("klingon") << "Monitor";
+}
+
+void TestMainDialogShell::languageOfTheFile()
+{
+    QFETCH(QByteArray, language);
+    writeConfig("<OvrynParameter><GeneralSetting Language=\"" + language + "\"/></OvrynParameter>");
+    OvrynDeck2 dialog;
+    QTEST(button(dialog, "btnMonitor")->text(), "caption");
+}
+
+void TestMainDialogShell::changeOfLanguageReachesEveryWord()
+{
+    OvrynDeck2 dialog;
+    dialog.show();
+    QCOMPARE(button(dialog, "btnAdjust")->text(), QStringLiteral("调节选项"));
+    auto *language = dialog.findChild<QComboBox *>(QStringLiteral("cmb_language"));
+    QVERIFY(language);
+    language->setCurrentIndex(1);
+    QCOMPARE(button(dialog, "btnMonitor")->text(), QStringLiteral("Monitor"));
+    QCOMPARE(button(dialog, "btnAdjust")->text(), QStringLiteral("Adjust"));
+    QCOMPARE(button(dialog, "btnBoardTempInfo")->text(), QStringLiteral("Temp"));
+    QCOMPARE(button(dialog, "btnHighPerformance")->text(), QStringLiteral("On   Off"));
+    QVERIFY(!savedText().contains(QLatin1String("lang_en"))); // the file waits for the close
+    dialog.close();
+    QVERIFY(savedText().contains(QLatin1String("Language=\"lang_en\"")));
+}
+
+void TestMainDialogShell::closingWritesTheFile()
+{
+    writeConfig("<OvrynParameter><GeneralSetting Language=\"lang_ch\"/>"
+                "<LastCloseDate>2020/02/29</LastCloseDate></OvrynParameter>");
+    OvrynDeck2 dialog;
+    dialog.show();
+    QPushButton *close = button(dialog, "btnClose");
+    {
+        ModalAnswer answer({QStringLiteral("msgBoxNoBtn")});
+        QTest::mouseClick(close, Qt::LeftButton);
+        QCOMPARE(answer.texts(), QStringList({QStringLiteral("确定退出程序吗?")}));
+        QVERIFY(dialog.isVisible());
+        QVERIFY(!savedText().contains(QLatin1String("GeForce")));
+    }
+    ModalAnswer answer({QStringLiteral("msgBoxYesBtn")});
+    QTest::mouseClick(close, Qt::LeftButton);
+    QCOMPARE(answer.problems(), QStringList());
+    QVERIFY(!dialog.isVisible());
+    QVERIFY(savedText().contains(QLatin1String("GpuName=\"GeForce GTX 1070 Ti\"")));
+    QVERIFY(savedText().contains(
+        QDate::currentDate().toString(QStringLiteral("'<LastCloseDate>'yyyy/MM/dd'</LastCloseDate>'"))));
+}
+
+void TestMainDialogShell::escapeKeepsTheDialog()
+{
+    OvrynDeck2 dialog;
+    dialog.show();
+    QTest::keyClick(&dialog, Qt::Key_Escape);
+    QVERIFY(dialog.isVisible());
+}
+
+void TestMainDialogShell::everythingEndsWithTheDialog()
+{
+    driver->cards.resize(2);
+    {
+        OvrynDeck2 dialog;
+        dialog.show();
+        QTRY_VERIFY(driver->calls("NvAPI_GPU_GetTachReading").size() > 4);
+    }
+    QCOMPARE(nvApiLoadCount(), 0);
+    QCOMPARE(driver->releases(), driver->loads());
+    QCOMPARE(driver->strayCalls(), 0); // no worker outlived its card
+}
+
+QTEST_MAIN(TestMainDialogShell)
+#include "TestMainDialogShell.moc"

@@ -1,0 +1,101 @@
+#include "e2e/ProgramTest.h"
+
+#include "ui/Fonts.h"
+
+#include <QDate>
+
+namespace
+{
+
+// The buttons of a box stand in a row at its bottom, yes left of no.
+constexpr int kBoxButtonRise = 25;       // from the box's lower edge to their middle
+constexpr int kBoxButtonFromCentre = 75; // of the two
+
+} // namespace
+
+const char *const kQuietConfig = R"(<?xml version="1.0" encoding="UTF-8"?>
+<OvrynParameter>
+    <GeneralSetting StartOnBoot="1" MinimizeOnStart="0" ApplyLastParamOnStart="1" Language="lang_en" RefreshTimeOfMonitor="1" PageEffects="normal"/>
+    <UpdateSetting CheckInterval="7" UpdateMode="0" UpdateStatus="1"/>
+    <GpuSettings/>
+    <LastCloseDate>2020/02/29</LastCloseDate>
+    <OtherSetting NotPromptHPS="1"/>
+</OvrynParameter>
+)";
+
+QString today()
+{
+    return QDate::currentDate().toString(QStringLiteral("yyyy/MM/dd"));
+}
+
+QString operationOf(const QJsonObject &call)
+{
+    const QString operation = call.value(QStringLiteral("op")).toString().mid(int(strlen("NvAPI_")));
+    const QString address = call.value(QStringLiteral("args")).toObject().value(QStringLiteral("address")).toString();
+    return address.isEmpty() ? operation : operation + QLatin1Char(' ') + address;
+}
+
+int differingPixels(const QImage &a, const QImage &b, const QRect &region)
+{
+    int count = 0;
+    const QRect rect = region & a.rect() & b.rect();
+    for (int y = rect.top(); y <= rect.bottom(); ++y) {
+        for (int x = rect.left(); x <= rect.right(); ++x) {
+            const QRgb p = a.pixel(x, y);
+            const QRgb q = b.pixel(x, y);
+            if (qAbs(qRed(p) - qRed(q)) + qAbs(qGreen(p) - qGreen(q)) + qAbs(qBlue(p) - qBlue(q)) > 48)
+                ++count;
+        }
+    }
+    return count;
+}
+
+bool isRed(QRgb pixel)
+{
+    return qRed(pixel) > 90 && qRed(pixel) > 2 * qGreen(pixel) && qRed(pixel) > 2 * qBlue(pixel);
+}
+
+void ProgramTest::initTestCase()
+{
+    QVERIFY2(screen.start(), qPrintable(screen.error()));
+    layout = mainDialogLayout(kDialogSize);
+    substituteFontFamilies();
+    registerApplicationFonts();
+}
+
+qint64 ProgramTest::startedWindow(InstalledProgram &program)
+{
+    if (!program.start())
+        return 0;
+    return program.waitForMainWindow();
+}
+
+QRect ProgramTest::onScreen(qint64 window, const QRect &rect) const
+{
+    return rect.translated(screen.geometryOf(window).topLeft());
+}
+
+bool ProgramTest::pictureChanges(const QImage &before, const QRect &screenRect) const
+{
+    const int enough = screenRect.width() * screenRect.height() / 50;
+    return QTest::qWaitFor([&] { return differingPixels(before, screen.picture(), screenRect) > enough; },
+                           kPatienceMs);
+}
+
+void ProgramTest::pressBoxButton(InstalledProgram &program, bool yes)
+{
+    const qint64 box = program.waitForBox();
+    QVERIFY(box != 0);
+    const QSize size = screen.geometryOf(box).size();
+    const int fromCentre = yes ? -kBoxButtonFromCentre : kBoxButtonFromCentre;
+    program.clickIn(box, QPoint(size.width() / 2 + fromCentre, size.height() - kBoxButtonRise));
+}
+
+void ProgramTest::closeByButton(InstalledProgram &program, qint64 window)
+{
+    program.clickIn(window, layout.closeButton.center());
+    pressBoxButton(program, true);
+    QVERIFY(program.waitForEnd());
+    QVERIFY(program.endedNormally());
+    QCOMPARE(program.exitCode(), 0);
+}

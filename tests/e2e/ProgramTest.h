@@ -1,0 +1,59 @@
+#pragma once
+
+#include "app/MainDialogLayout.h"
+#include "e2e/InstalledProgram.h"
+#include "e2e/VirtualScreen.h"
+
+#include <QApplication>
+#include <QTest>
+
+constexpr QSize kDialogSize(1020, 680); ///< of the main window
+
+/// Longest wait for anything that the program does; a machine that builds meanwhile is slow.
+constexpr int kPatienceMs = 20000;
+
+/// A config.xml with which no question stands in the way at the start.
+extern const char *const kQuietConfig;
+
+/// As config.xml writes it.
+[[nodiscard]] QString today();
+
+/// A line of the journal as "operation", with the device's address behind a transfer.
+[[nodiscard]] QString operationOf(const QJsonObject &call);
+
+/// How many pixels of a region differ noticeably.
+[[nodiscard]] int differingPixels(const QImage &a, const QImage &b, const QRect &region);
+
+/// True where the ring, a header's band or a page's frame lies.
+[[nodiscard]] bool isRed(QRgb pixel);
+
+/// What the end-to-end tests share: a screen of their own and the hands that every user has. Positions are
+/// pixels of the main window, unless a name says screen.
+class ProgramTest : public QObject
+{
+    Q_OBJECT
+
+protected:
+    /// Starts a program whose configuration has no question to ask; its main window, 0 when none came.
+    [[nodiscard]] qint64 startedWindow(InstalledProgram &program);
+    void pressBoxButton(InstalledProgram &program, bool yes);
+    void closeByButton(InstalledProgram &program, qint64 window);
+    [[nodiscard]] bool pictureChanges(const QImage &before, const QRect &screenRect) const;
+    [[nodiscard]] QRect onScreen(qint64 window, const QRect &rect) const;
+
+    VirtualScreen screen;
+    MainDialogLayout layout;
+
+private slots:
+    void initTestCase();
+};
+
+/// Runs a test class; the test itself draws nothing, only the program needs the screen.
+template <typename Test>
+int runProgramTest(int argc, char **argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    Test test;
+    return QTest::qExec(&test, argc, argv);
+}
