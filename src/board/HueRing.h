@@ -10,8 +10,9 @@
 /// hue grows clockwise.
 struct HueRing
 {
-    static constexpr double kBlurRadius = 15.0;  ///< pixels
-    static constexpr double kHoleAngle = 0.4363323129985824; ///< radians, 25 degrees: the corners of what the hole holds
+    static constexpr double kBlurRadius = 15.0; ///< pixels
+    static constexpr double kHoleAngle =
+        0.4363323129985824; ///< radians, 25 degrees: the corners of what the hole holds
 
     QSize box;              ///< of the palette, pixels
     double outerRadius = 0; ///< pixels

@@ -21,6 +21,14 @@ constexpr int kLedModeCount = 7;
 
 /// The mode of a number of config.xml.
 [[nodiscard]] LedMode ledModeOf(qint32 number);
+[[nodiscard]] constexpr bool isSingle(LedMode mode)
+{
+    return mode == LedMode::SingleBreath || mode == LedMode::SingleBright;
+}
+[[nodiscard]] constexpr bool isMultiple(LedMode mode)
+{
+    return mode == LedMode::MultipleBreath || mode == LedMode::MultipleBright;
+}
 
 constexpr quint8 kLedControllerWithGradient = 3; ///< type that the controller tells of itself
 

@@ -43,8 +43,11 @@ private:
     [[nodiscard]] QColor shadeAt(int sliderValue) const;
     void moveSilently(int newValue);
     void drawBar();
+    [[nodiscard]] int handleX() const; ///< middle of the handle, pixels
+    void goTo(int x);                  ///< the handle follows the pointer
 
     QColor baseColor{255, 0, 0};    ///< its hue is the one shown
     QColor currentColor{255, 0, 0}; ///< what the value makes of it
     QImage bar;                     ///< painted anew when hue or size change
+    bool silent = false;            ///< the value is moved from inside
 };

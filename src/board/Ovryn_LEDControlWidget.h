@@ -24,11 +24,11 @@ class QTimer;
 /// How long the page and its worker pause, in milliseconds. The pauses stand on the GUI thread.
 struct LedTimings
 {
-    unsigned int beforeDefaultsMs = 50;   ///< before a page without saved values is filled
-    unsigned int afterStatusMs = 100;     ///< behind the status read
+    unsigned int beforeDefaultsMs = 50;    ///< before a page without saved values is filled
+    unsigned int afterStatusMs = 100;      ///< behind the status read
     unsigned int beforeSleepFrameMs = 100; ///< the controller must be at rest when it is switched off
-    int colorChangedMs = 500;             ///< from the last movement of a dragged colour to its frame
-    unsigned int workerSleepMs = 1000;    ///< between two passes of the State-Display effect
+    int colorChangedMs = 500;              ///< from the last movement of a dragged colour to its frame
+    unsigned int workerSleepMs = 1000;     ///< between two passes of the State-Display effect
 };
 
 /// The page on which one card's lighting is chosen. Each change goes to the card at once; there is no Apply.
@@ -43,13 +43,13 @@ public:
     /// One colour, breathing, red. Sends nothing.
     explicit Ovryn_LEDControlWidget(NvGpuControl *card, QWidget *parent = nullptr, const LedTimings &pauses = {});
     /// Shows the saved values. Sends nothing, except where the saved gradient isn't known to the controller.
-    Ovryn_LEDControlWidget(LedModuleInfo info, NvGpuControl *card, QWidget *parent = nullptr,
+    Ovryn_LEDControlWidget(const LedModuleInfo &info, NvGpuControl *card, QWidget *parent = nullptr,
                            const LedTimings &pauses = {});
     /// Tells a controller of type 3 the effect once more, with the closing flag.
     ~Ovryn_LEDControlWidget() override;
 
     void getLedModuleInfo(LedModuleInfo &out) const;
-    void setLanguage(Lang_LED words, LanguageType newLanguage);
+    void setLanguage(const Lang_LED &words, LanguageType newLanguage);
     /// The one place that sends colours. Waits for the worker unless the State-Display effect is chosen.
     void sendCurrentEffect(bool closing);
 
@@ -75,8 +75,7 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    Ovryn_LEDControlWidget(const LedModuleInfo *saved, NvGpuControl *card, QWidget *parent,
-                           const LedTimings &pauses);
+    Ovryn_LEDControlWidget(const LedModuleInfo *saved, NvGpuControl *card, QWidget *parent, const LedTimings &pauses);
 
     void build();
     void connectAll();
@@ -84,6 +83,7 @@ private:
     void showSaved(const LedModuleInfo &info);
     void readController();
     void enableColorControls(bool enable);
+    void useGroupMode(int mode);
     void send(const LedCommand &command, bool closing);
     [[nodiscard]] QRadioButton *radioOf(LedMode mode) const;
     [[nodiscard]] LedMode checkedMode() const;
