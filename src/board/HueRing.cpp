@@ -5,7 +5,6 @@
 #include <QPainterPath>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <vector>
 
@@ -25,39 +24,58 @@ QConicalGradient hueGradient(QPointF center)
     return gradient;
 }
 
-constexpr int kChannels = 4;
 constexpr int kBoxPasses = 3; // boxes after one another come close to a bell
+constexpr int kMaxComponent = 255;
+
+/// The four components of a pixel in 16 bits each, so that one addition adds them all: blue, red, green, alpha.
+quint64 spread(quint32 pixel)
+{
+    return (quint64(pixel & 0xFF00FF00) << 24) | (pixel & 0x00FF00FF);
+}
 
 /// The mean over a window of each pixel of a line; pixels beyond its ends are transparent.
-void averageLine(quint32 *first, int count, int stride, int reach, std::vector<quint32> &copy)
+class WindowMean
 {
-    copy.resize(static_cast<std::size_t>(count));
-    for (int i = 0; i < count; ++i)
-        copy[static_cast<std::size_t>(i)] = first[i * stride];
-
-    const quint32 window = quint32(2 * reach + 1);
-    std::array<quint32, kChannels> sums{};
-    const auto slide = [&](int index, bool in) {
-        if (index < 0 || index >= count)
-            return;
-        const quint32 pixel = copy[static_cast<std::size_t>(index)];
-        for (int channel = 0; channel < kChannels; ++channel) {
-            const quint32 value = pixel >> (8 * channel) & 0xFF;
-            quint32 &sum = sums[static_cast<std::size_t>(channel)];
-            sum = in ? sum + value : sum - value;
-        }
-    };
-    for (int i = 0; i < reach; ++i)
-        slide(i, true);
-    for (int i = 0; i < count; ++i) {
-        slide(i + reach, true);
-        quint32 pixel = 0;
-        for (int channel = 0; channel < kChannels; ++channel)
-            pixel |= (sums[static_cast<std::size_t>(channel)] + window / 2) / window << (8 * channel);
-        first[i * stride] = pixel;
-        slide(i - reach, false);
+public:
+    explicit WindowMean(int windowReach) : reach(windowReach)
+    {
+        const int window = 2 * reach + 1;
+        Q_ASSERT(window * kMaxComponent <= 0xFFFF);
+        quotients.resize(std::size_t(window) * kMaxComponent + 1);
+        for (std::size_t sum = 0; sum < quotients.size(); ++sum)
+            quotients[sum] = quint8((sum + std::size_t(reach)) / std::size_t(window)); // rounded
     }
-}
+
+    void apply(quint32 *first, int count, int stride)
+    {
+        const auto margin = std::size_t(reach);
+        line.assign(std::size_t(count) + 2 * margin, 0);
+        for (int i = 0; i < count; ++i)
+            line[std::size_t(i) + margin] = spread(first[i * stride]);
+
+        quint64 sums = 0;
+        for (std::size_t i = 0; i < 2 * margin; ++i)
+            sums += line[i];
+        for (int i = 0; i < count; ++i) {
+            sums += line[std::size_t(i) + 2 * margin];
+            first[i * stride] = mean(sums);
+            sums -= line[std::size_t(i)];
+        }
+    }
+
+private:
+    [[nodiscard]] quint32 mean(quint64 sums) const
+    {
+        const auto component = [&](int lane) {
+            return quint32(quotients[sums >> (16 * lane) & 0xFFFF]);
+        };
+        return component(3) << 24 | component(1) << 16 | component(2) << 8 | component(0);
+    }
+
+    int reach;                     // pixels on either side
+    std::vector<quint8> quotients; // by sum
+    std::vector<quint64> line;
+};
 
 } // namespace
 
@@ -129,14 +147,13 @@ QColor HueRing::pureColor(double hue)
 void softenImage(QImage &image, double radius)
 {
     Q_ASSERT(image.format() == QImage::Format_ARGB32_Premultiplied);
-    const int reach = int(radius / kBoxPasses);
     const int stride = image.bytesPerLine() / int(sizeof(quint32));
     auto *const pixels = reinterpret_cast<quint32 *>(image.bits());
-    std::vector<quint32> copy;
+    WindowMean window(int(radius / kBoxPasses));
     for (int pass = 0; pass < kBoxPasses; ++pass) {
         for (int y = 0; y < image.height(); ++y)
-            averageLine(pixels + y * stride, image.width(), 1, reach, copy);
+            window.apply(pixels + y * stride, image.width(), 1);
         for (int x = 0; x < image.width(); ++x)
-            averageLine(pixels + x, image.height(), stride, reach, copy);
+            window.apply(pixels + x, image.height(), stride);
     }
 }

@@ -13,7 +13,8 @@ constexpr double kOutlineWidth = 2.0;
 constexpr int kOutlineAlpha[] = {150, 255, 200}; // by state: normal, pressed, hovered
 constexpr int kDisabledSaturation = 255;
 constexpr int kDisabledValue = 150;
-constexpr int kCheckFraction = 3; // the triangle's legs are this part of the sides
+constexpr int kCheckFraction = 3;      // the triangle's legs are this part of the sides
+const QColor kCheckEdge(0, 0, 0, 150); // shows the triangle on a white swatch too
 
 } // namespace
 
@@ -114,5 +115,7 @@ void Ovryn_ColorButton::paintEvent(QPaintEvent *)
         corner.closeSubpath();
         painter.setRenderHint(QPainter::Antialiasing);
         painter.fillPath(corner, Qt::white);
+        painter.setPen(kCheckEdge);
+        painter.drawLine(width() / kCheckFraction, 0, 0, height() / kCheckFraction);
     }
 }

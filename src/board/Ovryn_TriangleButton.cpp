@@ -12,8 +12,8 @@
 namespace
 {
 
-constexpr double kLengthOfRing = 0.62; // of the ring's thickness, from base to tip
-constexpr double kBaseOfLength = 0.95;
+constexpr double kLengthOfRing = 0.66; // of the ring's thickness, from base to tip
+constexpr double kBaseOfLength = 0.8;
 constexpr double kEdgeWidth = 2;
 const QColor kEdgeColor(20, 0, 4, 220);
 
