@@ -83,7 +83,7 @@ void Ovryn_ColorSlider::showShade(QColor pureHue, QColor color)
     // A shade is either whitened or blackened; of a colour that is both, the stronger part shows.
     const int saturation = color.hsvSaturation();
     const int brightness = color.value();
-    moveSilently(saturation <= brightness ? saturation : std::max(kPureHueValue, kMaximum - brightness));
+    moveSilently(saturation < brightness ? saturation : std::max(kPureHueValue, kMaximum - brightness));
 }
 
 void Ovryn_ColorSlider::mousePressEvent(QMouseEvent *event)
