@@ -95,6 +95,13 @@ def arrow_down(hovered):
     return svg(12, 8, path("M1.5,1.5 L6,6 L10.5,1.5", stroke=RED if hovered else WHITE, stroke_width=2))
 
 
+def spin_arrow(up, enabled):
+    """For the small buttons of a number box."""
+    colour, opacity = (WHITE, 1) if enabled else (GREY, 0.6)
+    way = "M1.2,3.8 L4,1.2 L6.8,3.8" if up else "M1.2,1.2 L4,3.8 L6.8,1.2"
+    return svg(8, 5, path(way, stroke=colour, stroke_opacity=opacity, stroke_width=1.4))
+
+
 TRACK_WIDTH = 263   # of the slider in a row of the adjust page
 TRACK_HEIGHT = 11
 CAP_WIDTH = 24      # the slider begins 5 pixels inside the cap
@@ -148,6 +155,9 @@ def images():
     pictures["checkbox/check_hover"] = check_box(14, False, True)
     pictures["combo/arrow_down"] = arrow_down(False)
     pictures["combo/arrow_hover"] = arrow_down(True)
+    for suffix, enabled in (("", True), ("_off", False)):
+        pictures["spin/arrow_up" + suffix] = spin_arrow(True, enabled)
+        pictures["spin/arrow_down" + suffix] = spin_arrow(False, enabled)
     pictures["slider/background_slider"] = slider_cap(True)
     pictures["slider/disable_background_slider"] = slider_cap(False)
     for kind in ("void", "full", "disable"):

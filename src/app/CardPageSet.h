@@ -1,7 +1,9 @@
 #pragma once
 
 class NvGpuControl;
+class Ovryn_ColorPaletteBox;
 class Ovryn_GpuInfoCircleBox;
+class Ovryn_LEDControlWidget;
 class Ovryn_NvCardInfoWidget;
 class Ovryn_OverClockingWidget;
 class Ovryn_SendNvCardInfoThread;
@@ -13,11 +15,11 @@ struct CardPageSet
 {
     Ovryn_NvCardInfoWidget *monitorPage = nullptr;
     Ovryn_OverClockingWidget *adjustPage = nullptr;
-    QWidget *ledPage = nullptr; ///< an empty place so far
+    Ovryn_LEDControlWidget *ledPage = nullptr;
     QWidget *lcdPage = nullptr; ///< an empty place so far
     Ovryn_GpuInfoCircleBox *circleBox = nullptr;
-    QWidget *colorPalette = nullptr;  ///< an empty place so far
-    QWidget *fixedInfoPage = nullptr; ///< an empty place so far
+    Ovryn_ColorPaletteBox *colorPalette = nullptr; ///< takes the gauge's place beside the LED page
+    QWidget *fixedInfoPage = nullptr;              ///< an empty place so far
     Ovryn_SendNvCardInfoThread *infoWorker = nullptr;
     NvGpuControl *gpuControl = nullptr;
     QWidget *boardInfoPage = nullptr; ///< an empty place so far

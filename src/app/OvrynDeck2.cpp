@@ -2,6 +2,8 @@
 
 #include "app/EmptyPage.h"
 #include "app/MainDialogStyle.h"
+#include "board/Ovryn_ColorPaletteBox.h"
+#include "board/Ovryn_LEDControlWidget.h"
 #include "device/NvGpuControl.h"
 #include "monitor/Ovryn_BackgroundEffects.h"
 #include "monitor/Ovryn_GpuInfoCircleBox.h"
@@ -140,14 +142,14 @@ void OvrynDeck2::buildCardPages(const GpuCardInfo &card)
     pages.gpuControl = new NvGpuControl;
     pages.gpuControl->setCurrentGpu(card.gpuIndex);
 
-    pages.ledPage = new EmptyPage(this);
+    pages.ledPage = newLedPage(card, pages.gpuControl);
     pages.lcdPage = new EmptyPage(this);
     pages.monitorPage = newMonitorPage(card, pages.gpuControl);
     pages.adjustPage = newAdjustPage(card, pages.gpuControl);
     pages.boardInfoPage = new EmptyPage(this);
     pages.circleBox = new Ovryn_GpuInfoCircleBox(this);
     applyPageEffects(card, pages.circleBox);
-    pages.colorPalette = new QWidget(this);
+    pages.colorPalette = new Ovryn_ColorPaletteBox(this);
     pages.fixedInfoPage = new EmptyPage(this);
     pages.infoWorker = new Ovryn_SendNvCardInfoThread(pages.gpuControl, this);
 
@@ -167,6 +169,9 @@ void OvrynDeck2::buildCardPages(const GpuCardInfo &card)
 
 void OvrynDeck2::connectCardPages(const CardPageSet &pages)
 {
+    connect(pages.ledPage, SIGNAL(colorButtonHasDoubleClick(QColor)), pages.colorPalette, SLOT(adjustColor(QColor)));
+    connect(pages.colorPalette, SIGNAL(colorChanged(QColor)), pages.ledPage,
+            SLOT(setCurrentBindColorCircleButtonColor(QColor)));
     connect(pages.adjustPage, SIGNAL(adjustChanged(QString, QString, int)), pages.circleBox,
             SLOT(setAdjustInfo(QString, QString, int)));
     connect(pages.adjustPage, SIGNAL(closeDisplayAdjustInfo()), pages.circleBox, SLOT(closeDisplayInfo()));
@@ -176,6 +181,14 @@ void OvrynDeck2::connectCardPages(const CardPageSet &pages)
             SLOT(recvNvCardInfo(NvCardBaseInfo)));
     connect(pages.infoWorker, SIGNAL(sendNvCardInfo(NvCardBaseInfo)), pages.circleBox,
             SLOT(recvNvCardInfo(NvCardBaseInfo)));
+}
+
+Ovryn_LEDControlWidget *OvrynDeck2::newLedPage(const GpuCardInfo &card, NvGpuControl *control)
+{
+    LedModuleInfo saved;
+    if (generalSetting.ApplyLastParamOnStart && configFile.getLedModule(card.gpuName, card.subSystemId, saved))
+        return new Ovryn_LEDControlWidget(saved, control, this);
+    return new Ovryn_LEDControlWidget(control, this);
 }
 
 Ovryn_NvCardInfoWidget *OvrynDeck2::newMonitorPage(const GpuCardInfo &card, NvGpuControl *control)

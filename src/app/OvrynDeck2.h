@@ -15,6 +15,7 @@
 
 class Ovryn_BackgroundEffects;
 class Ovryn_ComboBox;
+class Ovryn_LEDControlWidget;
 class Ovryn_OverClockingWidget;
 class Ovryn_SettingParentWidget;
 class QAction;
@@ -102,6 +103,7 @@ private:
     void connectWidgets();
     void buildCardPages(const GpuCardInfo &card);
     void connectCardPages(const CardPageSet &pages);
+    [[nodiscard]] Ovryn_LEDControlWidget *newLedPage(const GpuCardInfo &card, NvGpuControl *control);
     [[nodiscard]] Ovryn_NvCardInfoWidget *newMonitorPage(const GpuCardInfo &card, NvGpuControl *control);
     [[nodiscard]] Ovryn_OverClockingWidget *newAdjustPage(const GpuCardInfo &card, NvGpuControl *control);
 

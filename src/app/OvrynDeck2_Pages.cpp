@@ -1,5 +1,7 @@
 #include "app/OvrynDeck2.h"
 
+#include "board/Ovryn_ColorPaletteBox.h"
+#include "board/Ovryn_LEDControlWidget.h"
 #include "monitor/Ovryn_BackgroundEffects.h"
 #include "monitor/Ovryn_GpuInfoCircleBox.h"
 #include "monitor/Ovryn_NvCardInfoWidget.h"

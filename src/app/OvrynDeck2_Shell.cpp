@@ -1,5 +1,6 @@
 #include "app/OvrynDeck2.h"
 
+#include "board/Ovryn_LEDControlWidget.h"
 #include "device/NvGpuControl.h"
 #include "monitor/Ovryn_GpuInfoCircleBox.h"
 #include "monitor/Ovryn_NvCardInfoWidget.h"
@@ -96,6 +97,9 @@ void OvrynDeck2::closeEvent(QCloseEvent *event)
         int selectOption = 0;
         cardPageSets.at(i).monitorPage->getSelectOption(&selectOption);
         configFile.setMonitorModule(card.gpuName, card.subSystemId, quint32(selectOption));
+        LedModuleInfo led;
+        cardPageSets.at(i).ledPage->getLedModuleInfo(led);
+        configFile.setLedModule(card.gpuName, card.subSystemId, led);
     }
     configFile.setLastCloseDate(QDate::currentDate());
     configFile.save(); // a failed write goes unnoticed by design
@@ -165,6 +169,7 @@ void OvrynDeck2::handWordsTo(const CardPageSet &pages)
 {
     pages.monitorPage->setLanguage(languageTable.monitor, languageTable.language());
     pages.adjustPage->setLanguage(languageTable.overClock, languageTable.language());
+    pages.ledPage->setLanguage(languageTable.led, languageTable.language());
     pages.circleBox->setLanguage(languageTable.breathCircle, languageTable.language());
 }
 

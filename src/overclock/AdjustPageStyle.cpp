@@ -34,16 +34,6 @@ QPixmap curvePixmap(int size, const QColor &line, const QColor &node)
 
 } // namespace
 
-QString AdjustPageStyle::numberBoxes()
-{
-    return QStringLiteral("ModifySpinBox{border:1px solid rgba(252,10,53,130);background-color:rgba(0,0,0,120);"
-                          "color:rgb(238,238,238);padding-left:4px;"
-                          "selection-background-color:rgb(236,9,40);selection-color:white;}"
-                          "ModifySpinBox:focus{border:1px solid rgb(252,10,53);}"
-                          "ModifySpinBox:disabled{border:1px solid rgba(140,140,140,90);"
-                          "background-color:rgba(0,0,0,60);color:rgb(120,120,120);}");
-}
-
 QString AdjustPageStyle::actionButton()
 {
     return QStringLiteral("QPushButton{border:1px solid rgba(252,10,53,150);background-color:rgba(252,10,53,80);"

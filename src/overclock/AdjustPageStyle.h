@@ -3,12 +3,11 @@
 #include <QIcon>
 #include <QString>
 
-/// The look of the adjust page's widgets. Style sheets, the first for the page and the others for one widget each;
+/// The look of the adjust page's widgets. Style sheets for one widget each;
 /// GUI thread.
 namespace AdjustPageStyle
 {
 
-QString numberBoxes();  ///< for every number box below the page
 QString actionButton(); ///< Apply, Cancel, Default
 QString fanButton();    ///< the fan modes, where the checked one glows, and the button that opens the curve
 QString linkBox();      ///< the picture alone, in the middle of the box

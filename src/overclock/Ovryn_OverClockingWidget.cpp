@@ -6,6 +6,7 @@
 #include "overclock/Ovryn_SliderWidget.h"
 #include "overclock/Ovryn_UserDefineFanSpeed.h"
 #include "ui/PageFrame.h"
+#include "ui/UiStyle.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -87,7 +88,7 @@ void Ovryn_OverClockingWidget::build()
 {
     // A click beside the widgets takes the focus and so ends the editing of a number box.
     setFocusPolicy(Qt::ClickFocus);
-    setStyleSheet(AdjustPageStyle::numberBoxes());
+    setStyleSheet(UiStyle::numberBoxes());
 
     for (std::size_t index = 0; index < rows.size(); ++index) {
         rows[index] = new Ovryn_SliderWidget(this);

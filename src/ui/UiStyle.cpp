@@ -22,16 +22,6 @@ QString checkBoxIndicator()
         "QCheckBox::indicator:checked:hover{image:url(:/images/images/messageBox/hover_checked.png);}");
 }
 
-QString radioButtonIndicator()
-{
-    return QStringLiteral(
-        "QRadioButton::indicator{width:14px;height:14px;border-radius:8px;"
-        "border:1px solid rgba(252,10,53,200);background-color:rgba(0,0,0,120);}"
-        "QRadioButton::indicator:hover{border:1px solid rgb(255,70,100);}"
-        "QRadioButton::indicator:checked{background-color:qradialgradient(cx:0.5,cy:0.5,radius:0.5,fx:0.5,fy:0.5,"
-        "stop:0 rgb(255,70,100),stop:0.5 rgb(236,9,40),stop:0.6 rgba(0,0,0,120),stop:1 rgba(0,0,0,120));}");
-}
-
 /// White frames; the pressed and hovered captions shrink and grow by a pixel around the usual 12.
 QString settingButton()
 {
@@ -128,6 +118,26 @@ QString UiStyle::cardSelector()
                           "QComboBox{color:white;border:0px;combobox-popup:0;}"
                           "QListView{outline:0px;}") +
            comboArrow();
+}
+
+QString UiStyle::radioButtonIndicator()
+{
+    return QStringLiteral(
+        "QRadioButton::indicator{width:14px;height:14px;border-radius:8px;"
+        "border:1px solid rgba(252,10,53,200);background-color:rgba(0,0,0,120);}"
+        "QRadioButton::indicator:hover{border:1px solid rgb(255,70,100);}"
+        "QRadioButton::indicator:checked{background-color:qradialgradient(cx:0.5,cy:0.5,radius:0.5,fx:0.5,fy:0.5,"
+        "stop:0 rgb(255,70,100),stop:0.5 rgb(236,9,40),stop:0.6 rgba(0,0,0,120),stop:1 rgba(0,0,0,120));}");
+}
+
+QString UiStyle::numberBoxes()
+{
+    return QStringLiteral("ModifySpinBox{border:1px solid rgba(252,10,53,130);background-color:rgba(0,0,0,120);"
+                          "color:rgb(238,238,238);padding-left:4px;"
+                          "selection-background-color:rgb(236,9,40);selection-color:white;}"
+                          "ModifySpinBox:focus{border:1px solid rgb(252,10,53);}"
+                          "ModifySpinBox:disabled{border:1px solid rgba(140,140,140,90);"
+                          "background-color:rgba(0,0,0,60);color:rgb(120,120,120);}");
 }
 
 void UiStyle::paintDialogGlass(QPainter &painter, QSize size)

@@ -14,6 +14,8 @@ QString settingPage();
 QString settingList();  ///< for the list view of a combo box on the settings page
 QString updateLog();    ///< the settings page's look, for the update log dialog
 QString cardSelector(); ///< for Ovryn_ComboBox and its list
+QString radioButtonIndicator();
+QString numberBoxes(); ///< for every ModifySpinBox below a widget
 
 /// The glass of the message boxes and of the update log dialog: dark, round corners, red edge.
 void paintDialogGlass(QPainter &painter, QSize size);

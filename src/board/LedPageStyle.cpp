@@ -1,0 +1,83 @@
+#include "board/LedPageStyle.h"
+
+#include "ui/UiStyle.h"
+
+#include <QPainter>
+#include <QPainterPath>
+#include <QPixmap>
+
+#include <algorithm>
+
+namespace
+{
+
+constexpr double kLineWidth = 2;
+constexpr double kStartDegrees = 50; // the open part of the round lies at the top right
+constexpr double kSweepDegrees = 290;
+
+QPixmap resetPixmap(int size, const QColor &color)
+{
+    QPixmap pixmap(std::max(1, size), std::max(1, size));
+    pixmap.fill(Qt::transparent);
+    const double inset = size / 6.0;
+    const QRectF round(inset, inset, size - 2 * inset, size - 2 * inset);
+
+    QPainterPath way;
+    way.arcMoveTo(round, kStartDegrees);
+    const QPointF tip = way.currentPosition();
+    way.arcTo(round, kStartDegrees, kSweepDegrees);
+
+    const double arrow = size / 3.2;
+    QPainterPath head;
+    head.moveTo(tip + QPointF(arrow * 0.35, arrow * 0.35));
+    head.lineTo(tip + QPointF(arrow * 0.35, -arrow * 0.65));
+    head.lineTo(tip + QPointF(-arrow * 0.65, arrow * 0.35));
+    head.closeSubpath();
+
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.strokePath(way, QPen(color, kLineWidth, Qt::SolidLine, Qt::RoundCap));
+    painter.fillPath(head, color);
+    return pixmap;
+}
+
+} // namespace
+
+QString LedPageStyle::page()
+{
+    return UiStyle::numberBoxes() + UiStyle::radioButtonIndicator() +
+           QStringLiteral("QRadioButton{color:rgb(225,225,225);spacing:8px;outline:none;}"
+                          "QRadioButton:hover{color:white;}"
+                          "QRadioButton:disabled{color:rgb(120,120,120);}"
+                          "ModifySpinBox::up-button,ModifySpinBox::down-button{width:18px;border:none;"
+                          "background-color:rgba(252,10,53,60);}"
+                          "ModifySpinBox::up-button:hover,ModifySpinBox::down-button:hover{"
+                          "background-color:rgba(252,10,53,150);}"
+                          "ModifySpinBox::up-button:disabled,ModifySpinBox::down-button:disabled{"
+                          "background-color:rgba(140,140,140,30);}"
+                          "ModifySpinBox::up-arrow{image:url(:/images/images/spin/arrow_up.png);"
+                          "width:8px;height:5px;}"
+                          "ModifySpinBox::down-arrow{image:url(:/images/images/spin/arrow_down.png);"
+                          "width:8px;height:5px;}"
+                          "ModifySpinBox::up-arrow:disabled,ModifySpinBox::up-arrow:off{"
+                          "image:url(:/images/images/spin/arrow_up_off.png);}"
+                          "ModifySpinBox::down-arrow:disabled,ModifySpinBox::down-arrow:off{"
+                          "image:url(:/images/images/spin/arrow_down_off.png);}"
+                          "QLabel#lblInterval{color:rgb(225,225,225);}"
+                          "QLabel#lblInterval:disabled{color:rgb(120,120,120);}"
+                          "QPushButton#ResetDynamicColors{border:1px solid rgba(252,10,53,130);"
+                          "background-color:rgba(0,0,0,110);padding:0px;outline:none;}"
+                          "QPushButton#ResetDynamicColors:hover{border:1px solid rgba(252,10,53,220);"
+                          "background-color:rgba(252,10,53,90);}"
+                          "QPushButton#ResetDynamicColors:pressed{background-color:rgba(252,10,53,150);}"
+                          "QPushButton#ResetDynamicColors:disabled{border:1px solid rgba(140,140,140,90);"
+                          "background-color:rgba(0,0,0,60);}");
+}
+
+QIcon LedPageStyle::resetIcon(int size)
+{
+    QIcon icon;
+    icon.addPixmap(resetPixmap(size, QColor(235, 235, 235)), QIcon::Normal);
+    icon.addPixmap(resetPixmap(size, QColor(120, 120, 120)), QIcon::Disabled);
+    return icon;
+}

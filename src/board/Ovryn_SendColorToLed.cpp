@@ -1,0 +1,61 @@
+#include "board/Ovryn_SendColorToLed.h"
+
+#include "board/LedEffects.h"
+#include "device/NvGpuControl.h"
+
+#include <QMutexLocker>
+
+Ovryn_SendColorToLed::Ovryn_SendColorToLed(NvGpuControl *card, QObject *parent, unsigned int pauseMs)
+    : WorkerThread(parent), control(card), sleepMs(pauseMs)
+{
+}
+
+Ovryn_SendColorToLed::~Ovryn_SendColorToLed()
+{
+    endThread();
+}
+
+void Ovryn_SendColorToLed::startStateDisplay()
+{
+    // One hold for both: a pass between them would already spend the reset colour.
+    QMutexLocker held(&mutex);
+    lastColor = QColor(0, 0, 0); // the colour of no band
+    if (!stopped)
+        return;
+    start(QThread::InheritPriority);
+    stopped = false;
+}
+
+void Ovryn_SendColorToLed::stopStateDisplay()
+{
+    QMutexLocker held(&mutex);
+    stopped = true;
+}
+
+void Ovryn_SendColorToLed::run()
+{
+    QMutexLocker held(&mutex);
+    while (control != nullptr) {
+        if (!showStateOnce())
+            return; // `stopped` stays unset, so that a dead controller isn't asked again by the next start
+        if (stopped)
+            return;
+        held.unlock();
+        QThread::msleep(sleepMs);
+        held.relock();
+    }
+    stopped = true;
+}
+
+bool Ovryn_SendColorToLed::showStateOnce()
+{
+    NvThermalInfo thermal;
+    control->getThermalSensor(thermal); // a failed read leaves 0 degrees
+    const LedStateBand band = ledStateBandFor(thermal.currentTemp);
+    if (band.color.rgb() == lastColor.rgb())
+        return true;
+    lastColor = band.color;
+    const LedCommand command = ledStateCommandFor(band);
+    return control->i2cWriteFramed(command.colours.data(), qint32(command.colours.size()), command.effect,
+                                   command.level, command.interval, false);
+}

@@ -1,0 +1,143 @@
+#pragma once
+
+#include "board/LedJournal.h"
+#include "board/Ovryn_ColorButton.h"
+#include "board/Ovryn_LEDControlWidget.h"
+#include "device/NvGpuControl.h"
+#include "ui/ModifySpinBox.h"
+
+#include <QPushButton>
+#include <QRadioButton>
+#include <QtTest>
+
+#include <memory>
+
+inline bool operator==(const LedModuleInfo &a, const LedModuleInfo &b)
+{
+    return a.LedMode == b.LedMode && a.CheckedColorButtonStatic == b.CheckedColorButtonStatic &&
+           a.CheckedColorButtonDynamic == b.CheckedColorButtonDynamic && a.Interval == b.Interval &&
+           a.Colors == b.Colors;
+}
+
+/// One simulated card with its LED page, and the hands of a user. The page's pauses are short.
+class LedPageWorld
+{
+public:
+    static constexpr QSize kPageSize{382, 394}; ///< as in the main dialog
+    /// The pauses of construction and of the sleep frame, of a drag and of the worker.
+    static constexpr LedTimings kTimings{0, 0, 0, 10, 1};
+
+    FakeDriver driver; ///< first, since the device object needs it
+    std::unique_ptr<NvGpuControl> control;
+    std::unique_ptr<Ovryn_LEDControlWidget> page;
+
+    void open(const LedTimings &timings = kTimings)
+    {
+        connectCard();
+        show(new Ovryn_LEDControlWidget(control.get(), nullptr, timings));
+    }
+    void open(const LedModuleInfo &saved, const LedTimings &timings = kTimings)
+    {
+        connectCard();
+        show(new Ovryn_LEDControlWidget(saved, control.get(), nullptr, timings));
+    }
+    /// Without saved colours.
+    void openInMode(LedMode mode, const LedTimings &timings = kTimings)
+    {
+        LedModuleInfo saved;
+        saved.LedMode = int(mode);
+        open(saved, timings);
+    }
+
+    void setControllerType(quint8 type) { driver.card().i2cReplies[0xA1] = QByteArray(1, char(type)); }
+    void loseController()
+    {
+        driver.card().i2cReplies.remove(0xA1);
+        driver.card().i2cListeners.remove(0xA0);
+    }
+    void setTemperature(int degrees) { driver.card().thermal.sensor[0].currentTemp = degrees; }
+
+    [[nodiscard]] QRadioButton *radio(const char *name) const { return find<QRadioButton>(name); }
+    [[nodiscard]] ModifySpinBox *spin() const { return find<ModifySpinBox>("spinInterval"); }
+    [[nodiscard]] QPushButton *reset() const { return find<QPushButton>("ResetDynamicColors"); }
+    [[nodiscard]] Ovryn_ColorButton *preset(int i) const
+    {
+        return find<Ovryn_ColorButton>(qPrintable(QStringLiteral("preset%1").arg(i)));
+    }
+    [[nodiscard]] Ovryn_ColorButton *custom(int i) const
+    {
+        return find<Ovryn_ColorButton>(qPrintable(QStringLiteral("custom%1").arg(i)));
+    }
+
+    void choose(const char *radioName) const
+    {
+        QTest::mouseClick(radio(radioName), Qt::LeftButton, Qt::NoModifier,
+                          QPoint(10, radio(radioName)->height() / 2));
+    }
+    /// A real click, waited for.
+    static void click(Ovryn_ColorButton *button)
+    {
+        QSignalSpy clicked(button, SIGNAL(onMouseClick(Ovryn_ColorButton *)));
+        QTest::mouseClick(button, Qt::LeftButton);
+        QTRY_COMPARE(clicked.size(), 1);
+    }
+
+    [[nodiscard]] LedModuleInfo info() const
+    {
+        LedModuleInfo out;
+        page->getLedModuleInfo(out);
+        return out;
+    }
+    [[nodiscard]] QString checkedRadio() const
+    {
+        QStringList names;
+        for (const QRadioButton *button : page->findChildren<QRadioButton *>()) {
+            if (button->isChecked())
+                names << button->objectName();
+        }
+        return names.join(QLatin1Char(' '));
+    }
+    /// Whether colours, interval and Reset can be used; fails the test where they differ.
+    [[nodiscard]] bool colorControlsEnabled() const
+    {
+        int enabled = int(spin()->isEnabled()) + int(reset()->isEnabled());
+        for (const Ovryn_ColorButton *button : page->findChildren<Ovryn_ColorButton *>())
+            enabled += int(button->isEnabled());
+        if (enabled != 0 && enabled != 16)
+            QTest::qFail("some of the colour controls are enabled", __FILE__, __LINE__);
+        return enabled == 16;
+    }
+    [[nodiscard]] QStringList frames() const { return ledFrames(driver); }
+    /// The frames since the last call.
+    QStringList takeFrames()
+    {
+        const QStringList sent = frames();
+        driver.forgetCalls();
+        return sent;
+    }
+
+private:
+    template <typename Widget>
+    [[nodiscard]] Widget *find(const char *name) const
+    {
+        auto *widget = page->findChild<Widget *>(QLatin1String(name));
+        if (!widget)
+            qFatal("the page has no %s", name);
+        return widget;
+    }
+    void connectCard()
+    {
+        page.reset();
+        control = std::make_unique<NvGpuControl>();
+        control->setCurrentGpu(0);
+        driver.forgetCalls();
+    }
+    void show(Ovryn_LEDControlWidget *newPage)
+    {
+        page.reset(newPage);
+        for (Ovryn_ColorButton *button : page->findChildren<Ovryn_ColorButton *>())
+            button->setClickDelay(1);
+        page->resize(kPageSize);
+        page->show();
+    }
+};

@@ -1,0 +1,322 @@
+#include "board/LedJournal.h"
+#include "board/Ovryn_SendColorToLed.h"
+#include "device/NvGpuControl.h"
+
+#include <QElapsedTimer>
+#include <QMutex>
+#include <QtTest>
+
+#include <atomic>
+#include <memory>
+
+/// The State-Display worker, pass by pass without a thread and then with one.
+class TestSendColorToLed : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void courseOfTemperatures_data();
+    void courseOfTemperatures();
+    void failingSensorPaintsGreen();
+    void refusedFrameIsNotSentAgain();
+    void frameGoesThroughTheControllersTransport();
+    void defaultPause();
+    void idleUntilStarted();
+    void startRuns();
+    void startWhileRunningSendsOnceMore();
+    void stopEndsBehindOneMorePass();
+    void startWhileEndingRunsOn();
+    void refusedFrameEndsTheLoop();
+    void deadWorkerDoesNotStart();
+    void deadWorkerRevivesByAStop();
+    void stopOfAnIdleWorker();
+    void withoutACard();
+    void stopWaitsForARunningPassOnly();
+    void destroyedInEveryState_data();
+    void destroyedInEveryState();
+
+private:
+    static constexpr unsigned int kPauseMs = 1;
+    static constexpr unsigned int kLongPauseMs = 400; // long enough to be met while it lasts
+
+    void setTemperature(int degrees) { driver->card().thermal.sensor[0].currentTemp = degrees; }
+    void loseController() { driver->card().i2cListeners.remove(0xA0); }
+    [[nodiscard]] QStringList frames() const { return ledFrames(*driver); }
+    [[nodiscard]] int passes() const { return driver->calls("NvAPI_GPU_GetThermalSettings").size(); }
+
+    std::unique_ptr<FakeDriver> driver;
+    std::unique_ptr<NvGpuControl> control;
+};
+
+namespace
+{
+
+const QString kGreen = QStringLiteral("08 01 32 04 00 FF 00 C1");
+const QString kYellow = QStringLiteral("08 01 32 04 FF FF 00 C2");
+const QString kRed = QStringLiteral("08 01 32 04 FF 00 00 C1");
+const QString kQuickRed = QStringLiteral("08 01 32 02 FF 00 00 C3");
+
+} // namespace
+
+void TestSendColorToLed::init()
+{
+    driver = std::make_unique<FakeDriver>();
+    control = std::make_unique<NvGpuControl>();
+    driver->forgetCalls();
+    setTemperature(40);
+}
+
+void TestSendColorToLed::cleanup()
+{
+    control.reset();
+    driver.reset();
+}
+
+void TestSendColorToLed::courseOfTemperatures_data()
+{
+    QTest::addColumn<QList<int>>("degrees");
+    QTest::addColumn<QStringList>("sent");
+
+    using Course = QList<int>;
+    QTest::newRow("below 50") << Course{49} << QStringList{kGreen};
+    QTest::newRow("exactly 50") << Course{50} << QStringList{kYellow};
+    QTest::newRow("exactly 64") << Course{64} << QStringList{kRed};
+    QTest::newRow("exactly 68") << Course{68} << QStringList{kQuickRed};
+    QTest::newRow("one band sends once") << Course{30, 49, 12} << QStringList{kGreen};
+    QTest::newRow("each band once") << Course{40, 55, 66} << QStringList{kGreen, kYellow, kRed};
+    QTest::newRow("from the first red on nothing more") << Course{55, 64, 68, 90} << QStringList{kYellow, kRed};
+    QTest::newRow("a jump to 68 is quick") << Course{63, 68} << QStringList{kYellow, kQuickRed};
+    QTest::newRow("cooling from the quick red keeps it") << Course{70, 66} << QStringList{kQuickRed};
+    QTest::newRow("back and forth") << Course{70, 40, 66, 40} << QStringList{kQuickRed, kGreen, kRed, kGreen};
+}
+
+void TestSendColorToLed::courseOfTemperatures()
+{
+    QFETCH(QList<int>, degrees);
+    Ovryn_SendColorToLed worker(control.get());
+    for (int temperature : degrees) {
+        setTemperature(temperature);
+        QVERIFY(worker.showStateOnce());
+    }
+    QTEST(frames(), "sent");
+}
+
+void TestSendColorToLed::failingSensorPaintsGreen()
+{
+    Ovryn_SendColorToLed worker(control.get());
+    setTemperature(90);
+    QVERIFY(worker.showStateOnce());
+    driver->fails("NvAPI_GPU_GetThermalSettings", NVAPI_ERROR);
+    QVERIFY(worker.showStateOnce());
+    QCOMPARE(frames(), QStringList({kQuickRed, kGreen}));
+}
+
+void TestSendColorToLed::refusedFrameIsNotSentAgain()
+{
+    Ovryn_SendColorToLed worker(control.get());
+    loseController();
+    QVERIFY(!worker.showStateOnce());
+    const int sent = frames().size();
+    QVERIFY(worker.showStateOnce()); // the colour counts as sent: there is no retry
+    QCOMPARE(frames().size(), sent);
+}
+
+void TestSendColorToLed::frameGoesThroughTheControllersTransport()
+{
+    Ovryn_SendColorToLed worker(control.get());
+    QVERIFY(worker.showStateOnce());
+    const QStringList calls = driver->calls();
+    QCOMPARE(calls.size(), 2); // first read, then send
+    QVERIFY(calls.first().startsWith(QLatin1String("GPU_GetThermalSettings gpu0")));
+    QVERIFY2(calls.last().endsWith(QLatin1String("addr=A0 reg=00 regSize=0 size=8 speed=FFFF/6 port=1/1 "
+                                                 "data=08 01 32 04 00 FF 00 C1")),
+             qPrintable(calls.last()));
+}
+
+void TestSendColorToLed::defaultPause()
+{
+    QCOMPARE(Ovryn_SendColorToLed::kSleepMs, 1000U);
+}
+
+void TestSendColorToLed::idleUntilStarted()
+{
+    Ovryn_SendColorToLed worker(control.get());
+    QVERIFY(worker.isStopped());
+    QVERIFY(!worker.isRunning());
+    QVERIFY(!worker.isFinished());
+    QCOMPARE(driver->calls(), QStringList());
+}
+
+void TestSendColorToLed::startRuns()
+{
+    Ovryn_SendColorToLed worker(control.get(), nullptr, kPauseMs);
+    worker.startStateDisplay();
+    QVERIFY(!worker.isStopped());
+    QTRY_VERIFY(passes() > 3);
+    QVERIFY(worker.isRunning());
+    QCOMPARE(frames(), QStringList(kGreen));
+}
+
+void TestSendColorToLed::startWhileRunningSendsOnceMore()
+{
+    Ovryn_SendColorToLed worker(control.get(), nullptr, kPauseMs);
+    worker.startStateDisplay();
+    QTRY_COMPARE(frames().size(), 1);
+    worker.startStateDisplay();
+    QTRY_COMPARE(frames(), QStringList({kGreen, kGreen}));
+    const int before = passes();
+    QTRY_VERIFY(passes() > before + 3);
+    QCOMPARE(frames().size(), 2);
+}
+
+void TestSendColorToLed::stopEndsBehindOneMorePass()
+{
+    Ovryn_SendColorToLed worker(control.get(), nullptr, kLongPauseMs);
+    worker.startStateDisplay();
+    QTRY_COMPARE(passes(), 1);
+    worker.stopStateDisplay();
+    QVERIFY(worker.isStopped());
+    QVERIFY(worker.wait());
+    QCOMPARE(passes(), 2); // the flag is looked at behind the pass
+    QVERIFY(worker.isStopped());
+    worker.startStateDisplay(); // idle again
+    QTRY_VERIFY(passes() > 2);
+    QTRY_COMPARE(frames(), QStringList({kGreen, kGreen}));
+}
+
+void TestSendColorToLed::startWhileEndingRunsOn()
+{
+    Ovryn_SendColorToLed worker(control.get(), nullptr, kLongPauseMs);
+    worker.startStateDisplay();
+    QTRY_COMPARE(passes(), 1);
+    worker.stopStateDisplay();
+    worker.startStateDisplay(); // it still sleeps
+    QTRY_VERIFY(passes() > 3);
+    QVERIFY(worker.isRunning());
+    QCOMPARE(frames(), QStringList({kGreen, kGreen}));
+}
+
+void TestSendColorToLed::refusedFrameEndsTheLoop()
+{
+    Ovryn_SendColorToLed worker(control.get(), nullptr, kPauseMs);
+    worker.startStateDisplay();
+    QTRY_COMPARE(frames().size(), 1);
+    loseController();
+    setTemperature(55);
+    QVERIFY(worker.wait(5000));
+    QVERIFY(worker.isFinished());
+    QVERIFY(!worker.isStopped()); // dead
+}
+
+void TestSendColorToLed::deadWorkerDoesNotStart()
+{
+    Ovryn_SendColorToLed worker(control.get(), nullptr, kPauseMs);
+    loseController();
+    worker.startStateDisplay();
+    QVERIFY(worker.wait(5000));
+    const int before = passes();
+    driver->card().i2cListeners.insert(0xA0);
+    worker.startStateDisplay();
+    QVERIFY(worker.isFinished());
+    QVERIFY(!worker.isRunning());
+    QCOMPARE(passes(), before);
+}
+
+void TestSendColorToLed::deadWorkerRevivesByAStop()
+{
+    Ovryn_SendColorToLed worker(control.get(), nullptr, kPauseMs);
+    loseController();
+    worker.startStateDisplay();
+    QVERIFY(worker.wait(5000));
+    driver->card().i2cListeners.insert(0xA0);
+    driver->forgetCalls();
+    worker.stopStateDisplay();
+    QVERIFY(worker.isStopped());
+    worker.startStateDisplay();
+    QTRY_COMPARE(frames(), QStringList(kGreen));
+    QVERIFY(worker.isRunning());
+}
+
+void TestSendColorToLed::stopOfAnIdleWorker()
+{
+    Ovryn_SendColorToLed worker(control.get(), nullptr, kPauseMs);
+    worker.stopStateDisplay();
+    QVERIFY(worker.wait());
+    QVERIFY(worker.isStopped());
+    QVERIFY(!worker.isFinished()); // never ran
+}
+
+void TestSendColorToLed::withoutACard()
+{
+    Ovryn_SendColorToLed worker(nullptr, nullptr, kPauseMs);
+    worker.startStateDisplay();
+    QVERIFY(worker.wait(5000));
+    QVERIFY(worker.isStopped());
+    QCOMPARE(driver->calls(), QStringList());
+}
+
+void TestSendColorToLed::stopWaitsForARunningPassOnly()
+{
+    QMutex gate;
+    gate.lock();
+    std::atomic<bool> inPass{false};
+    driver->onCall("NvAPI_GPU_GetThermalSettings", [&] {
+        inPass = true;
+        gate.lock();
+        gate.unlock();
+    });
+    Ovryn_SendColorToLed worker(control.get(), nullptr, 1500);
+    worker.startStateDisplay();
+    QTRY_VERIFY(inPass);
+    std::atomic<bool> stopped{false};
+    std::unique_ptr<QThread> caller(QThread::create([&] {
+        worker.stopStateDisplay();
+        stopped = true;
+    }));
+    caller->start();
+    QVERIFY(!caller->wait(50)); // the pass holds the mutex
+    QVERIFY(!stopped);
+    gate.unlock();
+    QVERIFY(caller->wait(5000));
+    QCOMPARE(passes(), 1); // it came into the sleep behind that pass
+}
+
+void TestSendColorToLed::destroyedInEveryState_data()
+{
+    QTest::addColumn<bool>("start");
+    QTest::addColumn<bool>("stop");
+    QTest::addColumn<bool>("controller");
+
+    QTest::newRow("idle") << false << false << true;
+    QTest::newRow("running") << true << false << true;
+    QTest::newRow("ending") << true << true << true;
+    QTest::newRow("dead") << true << false << false;
+}
+
+void TestSendColorToLed::destroyedInEveryState()
+{
+    QFETCH(bool, start);
+    QFETCH(bool, stop);
+    QFETCH(bool, controller);
+    if (!controller)
+        loseController();
+    QElapsedTimer took;
+    {
+        Ovryn_SendColorToLed worker(control.get(), nullptr, 20);
+        if (start) {
+            worker.startStateDisplay();
+            QTRY_VERIFY(!frames().isEmpty());
+        }
+        if (stop)
+            worker.stopStateDisplay();
+        took.start();
+    }
+    QVERIFY(took.elapsed() < 2000); // it went by itself
+    control.reset();
+    QCOMPARE(driver->strayCalls(), 0); // nobody asked a card that was gone
+}
+
+QTEST_GUILESS_MAIN(TestSendColorToLed)
+#include "TestSendColorToLed.moc"
