@@ -129,28 +129,20 @@ void paintLcdFrame(QPainter &painter, const QRect &lcd)
     painter.drawPath(cutBox(box, 7));
 }
 
-/// The emblem as two strokes of a V around its bar.
-QPainterPath emblem(const QRect &logo)
+/// The emblem: a V in a ring.
+void paintEmblem(QPainter &painter, const CardLayout &layout, const QColor &colour)
 {
-    const QRectF box = QRectF(logo).adjusted(3, 3, -3, -3);
-    QPainterPath path;
-    path.addEllipse(box);
-    path.addEllipse(box.adjusted(3, 3, -3, -3));
-    return path;
-}
-
-void paintGlow(QPainter &painter, const QRectF &box, qreal reach, const QBrush &brush, double strength)
-{
-    constexpr int kShells = 7;
-    painter.save();
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(brush);
-    for (int i = 1; i <= kShells; ++i) {
-        const qreal out = reach * i / kShells;
-        painter.setOpacity(strength * 0.16 * (1.0 - double(i - 1) / kShells));
-        painter.drawRoundedRect(box.adjusted(-out, -out, out, out), out + 2, out + 2);
-    }
-    painter.restore();
+    const QPointF centre = QRectF(layout.logo).center();
+    const qreal radius = layout.logo.width() / 2.0 - 2;
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(colour, 2.4));
+    painter.drawEllipse(centre, radius, radius);
+    QPen stroke(colour, 4);
+    stroke.setJoinStyle(Qt::MiterJoin);
+    painter.setPen(stroke);
+    const QPointF letter[] = {centre + QPointF(-5.5, -5), centre + QPointF(0, 4), centre + QPointF(5.5, -5)};
+    painter.drawPolyline(letter, 3);
+    painter.fillRect(layout.logoCore, colour);
 }
 
 /// What the LEDs pour over the card: one colour, or the run of colours along the strip.
@@ -176,8 +168,10 @@ void paintFanLight(QPainter &painter, const CardLayout &layout, const QRect &fan
     const LedLight light = ledLightAt(led, sinceMs, placeOf(layout, fan));
     const QRectF ring = QRectF(fan).adjusted(-1.5, -1.5, 1.5, 1.5);
     painter.setBrush(Qt::NoBrush);
-    for (const int width : {9, 6})
-        painter.setPen(QPen(withAlpha(light.colour, 0.12 * light.brightness), width)), painter.drawEllipse(ring);
+    for (const int width : {9, 6}) {
+        painter.setPen(QPen(withAlpha(light.colour, 0.12 * light.brightness), width));
+        painter.drawEllipse(ring);
+    }
     painter.setPen(QPen(ledColourAt(led, sinceMs, placeOf(layout, fan)), 2));
     painter.drawEllipse(ring);
     // and on the blades
@@ -189,18 +183,44 @@ void paintFanLight(QPainter &painter, const CardLayout &layout, const QRect &fan
     painter.drawEllipse(ring);
 }
 
+/// The strip's light on the shroud around it, fading with the distance.
+void paintStripGlow(QPainter &painter, const CardLayout &layout, const QBrush &brush, double brightness)
+{
+    const QRect reach = layout.shroud & layout.strip.adjusted(-60, -20, 60, 64);
+    QImage glow(reach.size(), QImage::Format_ARGB32_Premultiplied);
+    glow.fill(Qt::transparent);
+    QPainter light(&glow);
+    light.translate(-reach.topLeft());
+    light.fillRect(reach, brush);
+    light.setCompositionMode(QPainter::CompositionMode_DestinationIn);
+    const double middle = double(layout.strip.center().y() - reach.top()) / reach.height();
+    QLinearGradient down(0, reach.top(), 0, reach.top() + reach.height());
+    down.setColorAt(0.0, QColor(0, 0, 0, 90));
+    down.setColorAt(middle, QColor(0, 0, 0, 170));
+    down.setColorAt(middle + (1.0 - middle) * 0.3, QColor(0, 0, 0, 62));
+    down.setColorAt(1.0, QColor(0, 0, 0, 0));
+    light.fillRect(reach, down);
+    QLinearGradient across(reach.left(), 0, reach.left() + reach.width(), 0);
+    across.setColorAt(0.0, QColor(0, 0, 0, 40));
+    across.setColorAt(0.12, QColor(0, 0, 0, 255));
+    across.setColorAt(0.88, QColor(0, 0, 0, 255));
+    across.setColorAt(1.0, QColor(0, 0, 0, 40));
+    light.fillRect(reach, across);
+    light.end();
+    painter.save();
+    painter.setClipPath(cutBox(QRectF(layout.shroud), 12));
+    painter.setOpacity(brightness);
+    painter.drawImage(reach.topLeft(), glow);
+    painter.restore();
+}
+
 void paintStripLight(QPainter &painter, const CardLayout &layout, const LedFrame &led, qint64 sinceMs)
 {
-    const double brightness = ledLightAt(led, sinceMs, 0.5).brightness;
     const QBrush brush = ledBrush(layout, led, sinceMs);
-    if (brightness > 0) {
-        painter.save();
-        painter.setClipPath(cutBox(QRectF(layout.shroud), 12));
-        paintGlow(painter, QRectF(layout.strip), 30, brush, brightness);
-        painter.restore();
-    }
-    painter.setPen(Qt::NoPen);
+    painter.setPen(QPen(QColor(0x08, 0x08, 0x0A), 4)); // the groove that it lies in
     painter.setBrush(brush);
+    painter.drawRoundedRect(QRectF(layout.strip).adjusted(-3, -1, 3, 1), 4, 4);
+    painter.setPen(Qt::NoPen);
     painter.drawRoundedRect(QRectF(layout.strip).adjusted(-2, 0, 2, 0), 3, 3);
     painter.fillRect(layout.strip.adjusted(1, 1, -1, -1), brush);
 }
@@ -218,18 +238,7 @@ void paintLogoLight(QPainter &painter, const CardLayout &layout, const LedFrame 
         painter.setBrush(halo);
         painter.drawEllipse(QRectF(layout.logo).center(), layout.logo.width(), layout.logo.width());
     }
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(colour);
-    painter.drawPath(emblem(layout.logo));
-    painter.fillRect(layout.logoBar, colour);
-}
-
-void paintPlainLogo(QPainter &painter, const CardLayout &layout)
-{
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(QColor(0x3A, 0x3C, 0x43));
-    painter.drawPath(emblem(layout.logo));
-    painter.drawRect(layout.logoBar);
+    paintEmblem(painter, layout, colour);
 }
 
 QPixmap emptyPixmap(QSize size, qreal pixelRatio)
@@ -250,9 +259,9 @@ QColor ledColourAt(const LedFrame &frame, qint64 sinceMs, double place)
             mixed(kUnlitLed.blue(), light.colour.blue(), light.brightness)};
 }
 
-const QPixmap &CardPainter::body(const CardLayout &layout, bool hasLed, qreal pixelRatio)
+const QPixmap &CardPainter::body(const CardLayout &layout, qreal pixelRatio)
 {
-    QPixmap &pixmap = bodies[layout.fanCount * 2 + (hasLed ? 1 : 0)];
+    QPixmap &pixmap = bodies[layout.fanCount];
     if (!pixmap.isNull() && qFuzzyCompare(pixmap.devicePixelRatio(), pixelRatio))
         return pixmap;
     pixmap = emptyPixmap(kCardSize, pixelRatio);
@@ -265,11 +274,6 @@ const QPixmap &CardPainter::body(const CardLayout &layout, bool hasLed, qreal pi
         paintWell(painter, QRectF(layout.fans[i]));
     if (!layout.lcd.isEmpty())
         paintLcdFrame(painter, layout.lcd);
-    if (hasLed) { // the groove that the strip lies in
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(QColor(0x08, 0x08, 0x0A));
-        painter.drawRoundedRect(QRectF(layout.strip).adjusted(-4, -2, 4, 2), 5, 5);
-    }
     return pixmap;
 }
 
@@ -308,7 +312,10 @@ void CardPainter::paint(QPainter &painter, const CardFront &card, const CardMome
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawPixmap(0, 0, body(layout, card.led.has_value(), pixelRatio));
+    painter.drawPixmap(0, 0, body(layout, pixelRatio));
+    if (card.led && ledLightAt(*card.led, moment.ledSinceMs, 0.5).brightness > 0)
+        paintStripGlow(painter, layout, ledBrush(layout, *card.led, moment.ledSinceMs),
+                       ledLightAt(*card.led, moment.ledSinceMs, 0.5).brightness);
 
     for (int i = 0; i < layout.fanCount; ++i) {
         const QRectF place(layout.fans[i]);
@@ -331,7 +338,7 @@ void CardPainter::paint(QPainter &painter, const CardFront &card, const CardMome
         paintStripLight(painter, layout, *card.led, moment.ledSinceMs);
         paintLogoLight(painter, layout, *card.led, moment.ledSinceMs);
     } else {
-        paintPlainLogo(painter, layout);
+        paintEmblem(painter, layout, QColor(0x3A, 0x3C, 0x43)); // printed
     }
     if (card.lcd)
         paintLcd(painter, layout.lcd, *card.lcd, moment.lcdSinceMs);

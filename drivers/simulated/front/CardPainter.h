@@ -21,7 +21,7 @@ struct CardMoment
 };
 
 /// What the LEDs look like when they are off: the milky plastic before them.
-constexpr QColor kUnlitLed(0x24, 0x25, 0x2B);
+constexpr QColor kUnlitLed(0x36, 0x38, 0x41);
 
 /// Colour of an LED in a picture, off or on or anything between.
 [[nodiscard]] QColor ledColourAt(const LedFrame &frame, qint64 sinceMs, double place);
@@ -34,10 +34,10 @@ public:
     void paint(QPainter &painter, const CardFront &card, const CardMoment &moment);
 
 private:
-    [[nodiscard]] const QPixmap &body(const CardLayout &layout, bool hasLed, qreal pixelRatio);
+    [[nodiscard]] const QPixmap &body(const CardLayout &layout, qreal pixelRatio);
     [[nodiscard]] const QPixmap &blades(int side, qreal pixelRatio);
 
-    std::map<int, QPixmap> bodies; ///< by number of fans and whether there are LEDs
+    std::map<int, QPixmap> bodies; ///< by number of fans
     QPixmap fan;
 };
 

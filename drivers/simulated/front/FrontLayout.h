@@ -24,7 +24,7 @@ struct CardLayout
     QRect shroud;
     QRect strip;      ///< the LED strip; its inner pixels all have the LEDs' colour
     QRect logo;       ///< the lit emblem
-    QRect logoBar;    ///< part of it that is filled with the LEDs' colour edge to edge
+    QRect logoCore;   ///< part of it that is filled with the LEDs' colour edge to edge
     QRect lcd;        ///< glass of the LCD; empty without one
     QRect fans[3];    ///< the first `fanCount`
     int fanCount = 3; ///< two beside an LCD, else three
@@ -44,7 +44,7 @@ inline CardLayout cardLayout(bool hasLcd)
     // beside the LCD above the glass, else on the hub of the middle fan
     const QPoint logoCentre = hasLcd ? QPoint(217, 42) : QPoint(217, kFanTop + kFan / 2);
     layout.logo = QRect(logoCentre - QPoint(14, 14), QSize(28, 28));
-    layout.logoBar = QRect(logoCentre - QPoint(4, 3), QSize(8, 6));
+    layout.logoCore = QRect(logoCentre + QPoint(-1, 1), QSize(3, 3));
     if (hasLcd)
         layout.lcd = QRect(152, 66, 130, 92);
     return layout;

@@ -61,9 +61,9 @@ QString modelText(const LcdFrame &frame)
         const int character = ('0' + digit) & 0xFF;
         text += character > ' ' && character < 0x7F ? QChar(character) : QChar(QLatin1Char('-'));
     }
-    if (!text.isEmpty() && frame.modelTi)
-        text += QLatin1String(" Ti");
-    return text;
+    if (text.isEmpty())
+        return text;
+    return QLatin1String("GTX ") + text + (frame.modelTi ? QLatin1String(" Ti") : QLatin1String());
 }
 
 LcdFace lcdFaceAt(const LcdFrame &frame, qint64 sinceMs)

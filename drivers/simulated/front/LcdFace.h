@@ -34,7 +34,7 @@ struct LcdFace
 /// memory and other in turn; 0 for off and for a command that names no page.
 [[nodiscard]] int lcdPageAt(int command, qint64 sinceMs);
 
-/// "1070 Ti" from the frame's model; empty without digits.
+/// "GTX 1070 Ti" from the frame's model, which only cards of that line have; empty without digits.
 [[nodiscard]] QString modelText(const LcdFrame &frame);
 
 [[nodiscard]] LcdFace lcdFaceAt(const LcdFrame &frame, qint64 sinceMs);

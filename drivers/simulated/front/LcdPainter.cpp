@@ -75,7 +75,9 @@ void paintLcd(QPainter &painter, const QRect &glass, const LcdFrame &frame, qint
     painter.setRenderHint(QPainter::Antialiasing);
     painter.fillRect(glass, face.lit ? kGlassLit : kGlassDark);
     if (face.lit) {
-        painter.setFont(fontOf("Space Age", 10));
+        QFont caption = fontOf("Space Age", 10);
+        caption.setWordSpacing(4);
+        painter.setFont(caption);
         painter.setPen(kWords);
         painter.drawText(layout.caption, Qt::AlignLeft | Qt::AlignVCenter, face.caption);
         QFont unit = fontOf("Arial", 12);
