@@ -42,12 +42,12 @@ bool VirtualScreen::startPart(const QString &program, const QStringList &argumen
     return true;
 }
 
-bool VirtualScreen::start()
+bool VirtualScreen::start(QSize size)
 {
     // The server picks a free number itself and writes it to its standard output.
     if (!startPart(QStringLiteral("Xvfb"),
                    {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"), QStringLiteral("0"),
-                    QStringLiteral("1280x900x24"), QStringLiteral("-noreset"), QStringLiteral("-nolisten"),
+                    QStringLiteral("%1x%2x24").arg(size.width()).arg(size.height()), QStringLiteral("-noreset"), QStringLiteral("-nolisten"),
                     QStringLiteral("tcp")}))
         return false;
     if (!parts.front()->waitForReadyRead(kStartTimeoutMs)) {

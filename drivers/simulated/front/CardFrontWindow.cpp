@@ -11,7 +11,8 @@ constexpr int kFrameMs = 33;
 constexpr double kFanSlowness = 60.0;        // a turn a second for each a second at sixty would be seen as standing
 constexpr double kFastestFanDegreesMs = 0.5; // half the way from blade to blade in a frame would seem to turn back
 constexpr QSize kMainWindow(1020, 680);
-constexpr int kGap = 12; // between the two windows
+constexpr int kGap = 12;   // between the two windows
+constexpr int kBorder = 4; // that a window manager may put around
 
 double fanDegreesAMs(double rpm)
 {
@@ -123,7 +124,7 @@ QPoint windowPlace(const QRect &available, QSize window)
 {
     const QRect middle(available.center() - QRect(QPoint(), kMainWindow).center(), kMainWindow);
     const int wanted = middle.right() + 1 + kGap;
-    const int furthest = available.right() + 1 - window.width();
+    const int furthest = available.right() + 1 - window.width() - kBorder;
     return {qMax(available.left(), qMin(wanted, furthest)), qMax(available.top(), middle.top())};
 }
 

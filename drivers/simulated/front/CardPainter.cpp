@@ -335,8 +335,8 @@ void CardPainter::paint(QPainter &painter, const CardFront &card, const CardMome
         painter.drawEllipse(place.center(), 19, 19);
     }
     if (card.led) {
-        paintStripLight(painter, layout, *card.led, moment.ledSinceMs);
         paintLogoLight(painter, layout, *card.led, moment.ledSinceMs);
+        paintStripLight(painter, layout, *card.led, moment.ledSinceMs); // last, so that no other light falls on it
     } else {
         paintEmblem(painter, layout, QColor(0x3A, 0x3C, 0x43)); // printed
     }
