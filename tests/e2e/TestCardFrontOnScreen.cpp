@@ -6,7 +6,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <cstdlib>
+#include <cstdio>
+#include <functional>
 #include <memory>
 
 using namespace cardfront;
@@ -32,10 +33,14 @@ private:
     void write(const QByteArray &text) const;
     bool start(const QStringList &arguments);
     [[nodiscard]] qint64 waitForWindow() const;
-    [[nodiscard]] QColor strip(qint64 window, int card, bool hasLcd) const;
+    /// Looks at the middle of a card's strip; what is seen there stands in `seen`.
+    bool look(qint64 window, int card, bool hasLcd);
+    /// Looks until the colour is of the kind wanted.
+    bool becomes(qint64 window, int card, bool hasLcd, const std::function<bool(const QColor &)> &wanted);
 
     std::unique_ptr<QTemporaryDir> folder;
     std::unique_ptr<QProcess> front;
+    QColor seen;
 };
 
 namespace
@@ -47,6 +52,13 @@ QByteArray stateOf(const QByteArrayList &leds)
     for (const QByteArray &led : leds)
         cards << "{\"name\":\"GeForce GTX 1070 Ti\",\"readings\":{},\"lcd\":null,\"led\":" + led + "}";
     return "{\"t\":1,\"cards\":[" + cards.join(',') + "]}";
+}
+
+std::function<bool(const QColor &)> is(const QColor &wanted)
+{
+    return [wanted](const QColor &colour) {
+        return colour == wanted;
+    };
 }
 
 QByteArray steady(const QByteArray &colour)
@@ -103,10 +115,18 @@ qint64 TestCardFrontOnScreen::waitForWindow() const
     return window;
 }
 
-QColor TestCardFrontOnScreen::strip(qint64 window, int card, bool hasLcd) const
+bool TestCardFrontOnScreen::look(qint64 window, int card, bool hasLcd)
 {
-    const QPoint place = inWindow(card, cardLayout(hasLcd).strip).center();
-    return QColor(screen.picture().pixel(screen.geometryOf(window).topLeft() + place));
+    const QPoint place = screen.geometryOf(window).topLeft() + inWindow(card, cardLayout(hasLcd).strip).center();
+    const QImage picture = screen.picture();
+    seen = picture.valid(place) ? QColor(picture.pixel(place)) : QColor();
+    return seen.isValid();
+}
+
+bool TestCardFrontOnScreen::becomes(qint64 window, int card, bool hasLcd,
+                                    const std::function<bool(const QColor &)> &wanted)
+{
+    return QTest::qWaitFor([&] { return look(window, card, hasLcd) && wanted(seen); }, kPatienceMs);
 }
 
 void TestCardFrontOnScreen::lightsFollowTheFile()
@@ -116,14 +136,16 @@ void TestCardFrontOnScreen::lightsFollowTheFile()
     QVERIFY(window != 0);
     QCOMPARE(screen.geometryOf(window).size(), windowSize(0));
     write(stateOf({steady("255,0,0")}));
-    QTRY_COMPARE_WITH_TIMEOUT(strip(window, 0, false), QColor(255, 0, 0), kPatienceMs);
+    QVERIFY2(becomes(window, 0, false, is(QColor(255, 0, 0))), qPrintable(seen.name()));
     write(stateOf({steady("0,127,255")}));
-    QTRY_COMPARE_WITH_TIMEOUT(strip(window, 0, false), QColor(0, 127, 255), kPatienceMs);
+    QVERIFY2(becomes(window, 0, false, is(QColor(0, 127, 255))), qPrintable(seen.name()));
     write("{\"cards\":[{\"na"); // a broken file leaves what was
     write(stateOf({steady("255,255,0")}).chopped(1));
-    QCOMPARE(strip(window, 0, false), QColor(0, 127, 255));
+    QVERIFY(look(window, 0, false));
+    QCOMPARE(seen, QColor(0, 127, 255));
     write(stateOf({R"({"effect":0,"level":0,"interval":10,"colours":[]})"}));
-    QTRY_VERIFY_WITH_TIMEOUT(strip(window, 0, false).value() < 80, kPatienceMs);
+    QVERIFY2(becomes(window, 0, false, [](const QColor &colour) { return colour.value() < 80; }),
+             qPrintable(seen.name()));
     QCOMPARE(front->state(), QProcess::Running);
 }
 
@@ -134,9 +156,12 @@ void TestCardFrontOnScreen::lightsBreathe()
     const qint64 window = waitForWindow();
     QVERIFY(window != 0);
     // without a word from anybody it goes up and down again
-    QTRY_VERIFY_WITH_TIMEOUT(strip(window, 0, false).green() > 180, kPatienceMs);
-    QTRY_VERIFY_WITH_TIMEOUT(strip(window, 0, false).green() < 120, kPatienceMs);
-    QTRY_VERIFY_WITH_TIMEOUT(strip(window, 0, false).green() > 180, kPatienceMs);
+    QVERIFY2(becomes(window, 0, false, [](const QColor &colour) { return colour.green() > 180; }),
+             qPrintable(seen.name()));
+    QVERIFY2(becomes(window, 0, false, [](const QColor &colour) { return colour.green() < 120; }),
+             qPrintable(seen.name()));
+    QVERIFY2(becomes(window, 0, false, [](const QColor &colour) { return colour.green() > 180; }),
+             qPrintable(seen.name()));
 }
 
 void TestCardFrontOnScreen::windowGrowsWithTheCards()
@@ -145,11 +170,12 @@ void TestCardFrontOnScreen::windowGrowsWithTheCards()
     QVERIFY(start({folder->filePath(QStringLiteral("state.json"))}));
     const qint64 window = waitForWindow();
     QVERIFY(window != 0);
-    QTRY_COMPARE_WITH_TIMEOUT(strip(window, 0, false), QColor(255, 0, 0), kPatienceMs);
+    QVERIFY2(becomes(window, 0, false, is(QColor(255, 0, 0))), qPrintable(seen.name()));
     write(stateOf({steady("255,0,0"), steady("0,0,255")}));
     QTRY_COMPARE_WITH_TIMEOUT(screen.geometryOf(window).size(), windowSize(2), kPatienceMs);
-    QTRY_COMPARE_WITH_TIMEOUT(strip(window, 1, false), QColor(0, 0, 255), kPatienceMs);
-    QCOMPARE(strip(window, 0, false), QColor(255, 0, 0));
+    QVERIFY2(becomes(window, 1, false, is(QColor(0, 0, 255))), qPrintable(seen.name()));
+    QVERIFY(look(window, 0, false));
+    QCOMPARE(seen, QColor(255, 0, 0));
 }
 
 void TestCardFrontOnScreen::programsLightsAreShown()
@@ -164,7 +190,8 @@ void TestCardFrontOnScreen::programsLightsAreShown()
     QTRY_COMPARE_WITH_TIMEOUT(screen.geometryOf(window).size(), windowSize(2), kPatienceMs); // the scene's cards
     QVERIFY(!screen.geometryOf(window).intersects(screen.geometryOf(main)));
 
-    QVERIFY(strip(window, 0, true).value() < 80);
+    QVERIFY(look(window, 0, true));
+    QVERIFY(seen.value() < 80);
 
     // The page's one chosen colour is red. Until the page has rolled in, a click meets another page or none.
     const LedPageLayout page = ledPageLayoutFor(layout.pagePanel.size());
@@ -175,15 +202,18 @@ void TestCardFrontOnScreen::programsLightsAreShown()
     QVERIFY(QTest::qWaitFor(
         [&] {
             clickRadio(page.bright);
-            return strip(window, 0, true) == QColor(255, 0, 0);
+            return look(window, 0, true) && seen == QColor(255, 0, 0);
         },
         kPatienceMs));
     clickRadio(page.sleep);
-    QTRY_VERIFY_WITH_TIMEOUT(strip(window, 0, true).value() < 80, kPatienceMs);
+    QVERIFY2(becomes(window, 0, true, [](const QColor &colour) { return colour.value() < 80; }),
+             qPrintable(seen.name()));
     clickRadio(page.gradient);
-    QTRY_VERIFY_WITH_TIMEOUT(strip(window, 0, true).saturation() > 200, kPatienceMs);
-    const QColor now = strip(window, 0, true);
-    QTRY_VERIFY_WITH_TIMEOUT(strip(window, 0, true) != now, kPatienceMs);
+    QVERIFY2(becomes(window, 0, true, [](const QColor &colour) { return colour.saturation() > 200; }),
+             qPrintable(seen.name()));
+    const QColor before = seen;
+    QVERIFY2(becomes(window, 0, true, [&](const QColor &colour) { return colour != before; }),
+             qPrintable(seen.name()));
     closeByButton(program, main);
     QCOMPARE(front->state(), QProcess::Running); // it shows what the cards did last
 }

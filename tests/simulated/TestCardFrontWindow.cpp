@@ -398,8 +398,8 @@ void TestCardFrontWindow::placeOnTheScreen_data()
 {
     QTest::addColumn<QRect>("available");
     QTest::addColumn<QPoint>("place");
-    QTest::newRow("beside the program") << QRect(0, 0, 1920, 1080) << QPoint(1464, 200);
-    QTest::newRow("below a panel") << QRect(0, 40, 1920, 1040) << QPoint(1464, 220);
+    QTest::newRow("beside the program") << QRect(0, 0, 1920, 1080) << QPoint(1476, 200);
+    QTest::newRow("below a panel") << QRect(0, 40, 1920, 1040) << QPoint(1476, 220);
     QTest::newRow("on a second screen") << QRect(1920, 0, 2560, 1440) << QPoint(3722, 380);
     QTest::newRow("no room beside") << QRect(0, 0, 1280, 900) << QPoint(1276 - windowSize(1).width(), 110);
     QTest::newRow("smaller than both") << QRect(0, 0, 320, 240) << QPoint(0, 0);

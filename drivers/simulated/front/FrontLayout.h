@@ -11,7 +11,7 @@ namespace cardfront
 
 constexpr const char *kWindowTitle = "Card front";
 
-constexpr int kMargin = 14;
+constexpr int kMargin = 8; ///< so narrow that the window stands beside the program on a screen of 1920 pixels
 constexpr QSize kCellSize(424, 216); ///< a card with its name above
 constexpr int kCardTop = 26;         ///< of the card in its cell
 constexpr QSize kCardSize(424, 184);
@@ -62,15 +62,15 @@ inline QSize windowSize(int count)
     const int cells = shownCards(count) > 0 ? shownCards(count) : 1;
     const int rows = cells < kRows ? cells : kRows;
     const int columns = (cells + kRows - 1) / kRows;
-    return QSize(columns * (kCellSize.width() + kMargin) + kMargin, rows * kCellSize.height() + kMargin);
+    return QSize(columns * (kCellSize.width() + kMargin) + kMargin, rows * kCellSize.height() + 2 * kMargin);
 }
 
 /// Cell of a card in the window: its name, and below the card.
 inline QRect cellRect(int index)
 {
-    return QRect(QPoint(kMargin + index / kRows * (kCellSize.width() + kMargin),
-                        kMargin / 2 + index % kRows * kCellSize.height()),
-                 kCellSize);
+    return QRect(
+        QPoint(kMargin + index / kRows * (kCellSize.width() + kMargin), kMargin + index % kRows * kCellSize.height()),
+        kCellSize);
 }
 
 /// The card in the window.
