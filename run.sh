@@ -34,4 +34,5 @@ rm -f "$NVAPI_SIM_STATE"
 build/release/bin/card-front & pids=($!)
 build/release/bin/OvrynDeck2 & pids+=($!)
 trap 'kill "${pids[@]}" 2>/dev/null || true' EXIT
+trap 'exit 143' HUP INT TERM
 wait "${pids[1]}"
