@@ -47,8 +47,8 @@ bool VirtualScreen::start(QSize size)
     // The server picks a free number itself and writes it to its standard output.
     if (!startPart(QStringLiteral("Xvfb"),
                    {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"), QStringLiteral("0"),
-                    QStringLiteral("%1x%2x24").arg(size.width()).arg(size.height()), QStringLiteral("-noreset"), QStringLiteral("-nolisten"),
-                    QStringLiteral("tcp")}))
+                    QStringLiteral("%1x%2x24").arg(size.width()).arg(size.height()), QStringLiteral("-noreset"),
+                    QStringLiteral("-nolisten"), QStringLiteral("tcp")}))
         return false;
     if (!parts.front()->waitForReadyRead(kStartTimeoutMs)) {
         problem = QStringLiteral("Xvfb tells no display");
