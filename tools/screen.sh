@@ -1,10 +1,10 @@
 # Sourced: a virtual screen of its own, with window manager, compositor and tray, and the hands to use it.
 
-# start_screen: sets DISPLAY; everything ends with the calling script.
+# start_screen [SIZE]: sets DISPLAY; everything ends with the calling script.
 start_screen() {
-    local number
+    local number size=${1:-1280x900}
     exec {display_fd}<> <(:)
-    Xvfb -displayfd "$display_fd" -screen 0 1280x900x24 -noreset -nolisten tcp >/dev/null 2>&1 &
+    Xvfb -displayfd "$display_fd" -screen 0 "${size}x24" -noreset -nolisten tcp >/dev/null 2>&1 &
     screen_pids=($!)
     trap stop_screen EXIT
     read -r -t 20 -u "$display_fd" number || { echo "The virtual screen did not start." >&2; exit 1; }
@@ -45,3 +45,6 @@ click() {
 
 # picture FILE: the whole screen.
 picture() { import -silent -window root "$1"; }
+
+# window_picture WINDOW FILE: what is inside a window's frame.
+window_picture() { import -silent -window "$1" "$2"; }

@@ -1,21 +1,30 @@
 #!/usr/bin/env bash
 # tour.sh PROGRAM FOLDER: starts the program on a virtual screen, visits its pages by mouse and leaves a
-# picture of each in FOLDER. The driver is whichever stands in LD_LIBRARY_PATH.
+# picture of each in FOLDER. The driver is whichever stands in LD_LIBRARY_PATH. Where a card-front lies beside the
+# program, it shows the simulated cards' lights and panels at the program's right.
 set -euo pipefail
 program=$(realpath "$1")
 mkdir -p "$2"
 pictures=$(realpath "$2")
 . "$(dirname "$0")/screen.sh"
 
-start_screen
+start_screen 1920x900 # room for both windows
 place=$(mktemp -d)
 # config.xml lies beside the executable: a fresh place gives a fresh start
 cp -r "$program" "$(dirname "$program")/updateLog" "$place/"
 # and with a runtime folder of its own it is the first instance even while another one runs
 mkdir -m 700 "$place/runtime"
+export NVAPI_SIM_STATE="$place/card-state.json"
+pids=()
+trap 'kill "${pids[@]}" 2>/dev/null || true; stop_screen; rm -rf "$place"' EXIT
+front="$(dirname "$program")/card-front"
+if [ -x "$front" ]; then
+    "$front" & pids+=($!)
+    wait_for 20 find_window "Card front"
+fi
 XDG_RUNTIME_DIR="$place/runtime" "$place/OvrynDeck2" &
 program_pid=$!
-trap 'kill $program_pid 2>/dev/null || true; stop_screen; rm -rf "$place"' EXIT
+pids+=($program_pid)
 
 wait_for 20 find_window OvrynDeckII
 window=$(find_window OvrynDeckII)
@@ -33,5 +42,9 @@ look 01-first-start
 sleep 0.3
 . "$(dirname "$0")/tour-stops.sh"
 
+if [ -x "$front" ]; then
+    window_picture "$(find_window "Card front")" "$pictures/card-front.png"
+    echo "  $pictures/card-front.png"
+fi
 kill $program_pid
 wait $program_pid 2>/dev/null || true

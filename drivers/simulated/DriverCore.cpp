@@ -6,6 +6,17 @@
 
 namespace simulated
 {
+namespace
+{
+
+/// A frame that the LED or LCD controller took: whoever looks at the state file is to see it at once.
+bool changesLights(const Call &call)
+{
+    const bool write = call.operation == Operation::NvAPI_I2CWrite || call.operation == Operation::NvAPI_I2CWriteEx;
+    return write && call.status == NVAPI_OK;
+}
+
+} // namespace
 
 DriverCore::DriverCore(const Scenario &scenario, const Settings &coreSettings)
     : driver(scenario.driver),
@@ -69,7 +80,7 @@ NvAPI_Status DriverCore::perform(Operation operation, const CallSubject &subject
         if (settings.keepCalls)
             calls.push_back(call);
     }
-    writeState(operation == Operation::NvAPI_Unload);
+    writeState(operation == Operation::NvAPI_Unload || changesLights(call));
     return call.status;
 }
 

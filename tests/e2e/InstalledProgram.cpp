@@ -59,7 +59,7 @@ QProcessEnvironment InstalledProgram::environment() const
     QProcessEnvironment environment = screen.environment();
     environment.insert(QStringLiteral("LD_LIBRARY_PATH"), QStringLiteral(OVRYN_SIMULATED_DRIVER_FOLDER));
     environment.insert(QStringLiteral("NVAPI_SIM_JOURNAL"), folder.filePath(QStringLiteral("journal.jsonl")));
-    environment.insert(QStringLiteral("NVAPI_SIM_STATE"), folder.filePath(QStringLiteral("state.json")));
+    environment.insert(QStringLiteral("NVAPI_SIM_STATE"), statePath());
     if (!scene.isEmpty())
         environment.insert(QStringLiteral("NVAPI_SIM_SCENARIO"), scene);
     // A runtime folder of its own, so that an instance of the person at the machine is no first instance.
@@ -189,10 +189,15 @@ QList<QJsonObject> InstalledProgram::journal() const
 
 QJsonObject InstalledProgram::cardState(int index) const
 {
-    QFile file(folder.filePath(QStringLiteral("state.json")));
+    QFile file(statePath());
     if (!file.open(QIODevice::ReadOnly))
         return {};
     const QJsonArray cards =
         QJsonDocument::fromJson(file.readAll()).object().value(QStringLiteral("cards")).toArray();
     return cards.at(index).toObject();
+}
+
+QString InstalledProgram::statePath() const
+{
+    return folder.filePath(QStringLiteral("state.json"));
 }

@@ -41,6 +41,7 @@ public:
     [[nodiscard]] QList<QDomElement> cardSections() const;
 
     [[nodiscard]] QList<QJsonObject> journal() const;     ///< what the driver was asked, in order
+    [[nodiscard]] QString statePath() const;              ///< of the file that the driver keeps its state in
     [[nodiscard]] QJsonObject cardState(int index) const; ///< what a simulated card did and held last
 
 private:

@@ -57,7 +57,7 @@ bool isRed(QRgb pixel)
 
 void ProgramTest::initTestCase()
 {
-    QVERIFY2(screen.start(), qPrintable(screen.error()));
+    QVERIFY2(screen.start(screenSize), qPrintable(screen.error()));
     layout = mainDialogLayout(kDialogSize);
     substituteFontFamilies();
     registerApplicationFonts();

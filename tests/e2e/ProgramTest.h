@@ -41,6 +41,7 @@ protected:
     [[nodiscard]] bool pictureChanges(const QImage &before, const QRect &screenRect) const;
     [[nodiscard]] QRect onScreen(qint64 window, const QRect &rect) const;
 
+    QSize screenSize = QSize(1280, 900); ///< a test that needs more room says so in its constructor
     VirtualScreen screen;
     MainDialogLayout layout;
 

@@ -42,13 +42,13 @@ bool VirtualScreen::startPart(const QString &program, const QStringList &argumen
     return true;
 }
 
-bool VirtualScreen::start()
+bool VirtualScreen::start(QSize size)
 {
     // The server picks a free number itself and writes it to its standard output.
     if (!startPart(QStringLiteral("Xvfb"),
                    {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"), QStringLiteral("0"),
-                    QStringLiteral("1280x900x24"), QStringLiteral("-noreset"), QStringLiteral("-nolisten"),
-                    QStringLiteral("tcp")}))
+                    QStringLiteral("%1x%2x24").arg(size.width()).arg(size.height()), QStringLiteral("-noreset"),
+                    QStringLiteral("-nolisten"), QStringLiteral("tcp")}))
         return false;
     if (!parts.front()->waitForReadyRead(kStartTimeoutMs)) {
         problem = QStringLiteral("Xvfb tells no display");
@@ -131,25 +131,18 @@ qint64 VirtualScreen::activeWindow() const
 
 QRect VirtualScreen::geometryOf(qint64 window) const
 {
-    const QStringList lines = run(QStringLiteral("xdotool"), {QStringLiteral("getwindowgeometry"),
-                                                              QStringLiteral("--shell"), QString::number(window)})
-                                  .split(QLatin1Char('\n'));
-    QRect geometry;
-    int x = 0;
-    int y = 0;
-    for (const QString &line : lines) {
-        const int value = line.section(QLatin1Char('='), 1).toInt();
-        if (line.startsWith(QLatin1String("X=")))
-            x = value;
-        else if (line.startsWith(QLatin1String("Y=")))
-            y = value;
-        else if (line.startsWith(QLatin1String("WIDTH=")))
-            geometry.setWidth(value);
-        else if (line.startsWith(QLatin1String("HEIGHT=")))
-            geometry.setHeight(value);
-    }
-    geometry.moveTopLeft(QPoint(x, y));
-    return geometry;
+    // not from xdotool, which counts a frame around the window twice
+    const QStringList lines =
+        run(QStringLiteral("xwininfo"), {QStringLiteral("-id"), QString::number(window)}).split(QLatin1Char('\n'));
+    const auto valueOf = [&](const QString &name) {
+        for (const QString &line : lines) {
+            if (line.trimmed().startsWith(name))
+                return line.section(QLatin1Char(':'), 1).trimmed().toInt();
+        }
+        return 0;
+    };
+    return {valueOf(QStringLiteral("Absolute upper-left X:")), valueOf(QStringLiteral("Absolute upper-left Y:")),
+            valueOf(QStringLiteral("Width:")), valueOf(QStringLiteral("Height:"))};
 }
 
 void VirtualScreen::movePointer(QPoint position) const

@@ -4,6 +4,7 @@
 #include <QPoint>
 #include <QProcess>
 #include <QRect>
+#include <QSize>
 #include <QString>
 #include <QStringList>
 
@@ -18,7 +19,7 @@ public:
     ~VirtualScreen();
 
     /// False with `error()` set when a part of it can't be started.
-    bool start();
+    bool start(QSize size = QSize(1280, 900));
     [[nodiscard]] QString error() const { return problem; }
     [[nodiscard]] QString display() const { return displayName; }
 

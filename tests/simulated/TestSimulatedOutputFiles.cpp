@@ -49,6 +49,7 @@ private slots:
     void hostileRequestIsJournalledSafely();
     void threadNumbers();
     void stateOfACard();
+    void stateOfTheLightsIsWrittenAtOnce();
     void stateIsRewrittenSparingly();
 
 private:
@@ -341,6 +342,26 @@ void TestOutputFiles::stateOfACard()
     QVERIFY(other["led"].is_null());
     QVERIFY(other["lcd"].is_null());
     QVERIFY(QDir(folder->path()).entryList({"*.new"}).isEmpty());
+}
+
+void TestOutputFiles::stateOfTheLightsIsWrittenAtOnce()
+{
+    SimulatedDriver driver(oneBoardCard(), settings());
+    const DriverCalls calls(driver.queryInterface());
+    NV_I2C_INFO transfer{};
+    transfer.version = kI2cInfoVersion2;
+    transfer.i2cDevAddress = 0xA0;
+    quint8 red[] = {0x08, 0x00, 0x32, 0x02, 0xFF, 0x00, 0x00, 0xC4};
+    quint8 off[] = {0x05, 0x00, 0x00, 0x0A, 0xF0};
+    transfer.pbData = red;
+    transfer.cbSize = sizeof(red);
+    QCOMPARE(calls.NvAPI_I2CWrite(driver.handle(0), &transfer), NVAPI_OK);
+    QCOMPARE(stateOf(state)["cards"][0]["led"]["level"].get<int>(), 0x32);
+    transfer.pbData = off;
+    transfer.cbSize = sizeof(off);
+    QCOMPARE(calls.NvAPI_I2CWrite(driver.handle(0), &transfer), NVAPI_OK);
+    QCOMPARE(stateOf(state)["cards"][0]["led"]["level"].get<int>(), 0);
+    QCOMPARE(stateOf(state)["cards"][0]["led"]["accepted"].get<int>(), 2);
 }
 
 void TestOutputFiles::stateIsRewrittenSparingly()
