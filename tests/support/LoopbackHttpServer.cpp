@@ -5,13 +5,14 @@ LoopbackHttpServer::LoopbackHttpServer()
     qunsetenv("http_proxy"); // a proxy of this machine would look for the loopback address at its own place
     if (!server.listen(QHostAddress::LocalHost))
         qFatal("no server on the loopback address: %s", qPrintable(server.errorString()));
+    port = server.serverPort();
     connect(&server, SIGNAL(newConnection()), this, SLOT(onNewConnection()));
     answerWith({}, "404 Not Found");
 }
 
 QString LoopbackHttpServer::address() const
 {
-    return QStringLiteral("http://127.0.0.1:%1").arg(server.serverPort());
+    return QStringLiteral("http://127.0.0.1:%1").arg(port);
 }
 
 void LoopbackHttpServer::answerWith(const QByteArray &body, const QByteArray &status, const QByteArray &headers,

@@ -36,6 +36,7 @@ private:
     void answer(QTcpSocket *socket);
 
     QTcpServer server;
+    quint16 port = 0; ///< stays the same after `stop`
     QByteArray answerHead;
     QByteArray answerBody;
     bool holding = false;
