@@ -237,11 +237,13 @@ void TestMainDialogUpdate::boxes_data()
     const QStringList latestChinese = {"当前OvrynDeckII为最新版本！"};
     const QStringList nothing;
 
-    QTest::newRow("automatic, no in the prompt of mode 2") << false << 2 << english << newVersion << no << ask << true;
-    QTest::newRow("automatic, no in the prompt of mode 1") << false << 1 << chinese << newVersion << no << askChinese
-                                                           << true;
+    QTest::newRow("automatic, no in the prompt of mode 2")
+        << false << 2 << english << newVersion << no << ask << true;
+    QTest::newRow("automatic, no in the prompt of mode 1")
+        << false << 1 << chinese << newVersion << no << askChinese << true;
     QTest::newRow("automatic, too old") << false << 0 << english << tooOld << confirm << old << true;
-    QTest::newRow("automatic, too old in Chinese") << false << 2 << chinese << tooOld << confirm << oldChinese << true;
+    QTest::newRow("automatic, too old in Chinese")
+        << false << 2 << chinese << tooOld << confirm << oldChinese << true;
     QTest::newRow("automatic, nothing new") << false << 0 << english << nothingNew << nothing << nothing << true;
     QTest::newRow("automatic, broken manifest") << false << 2 << english << broken << nothing << nothing << true;
     QTest::newRow("manual, no in the prompt") << true << 2 << english << newVersion << no << ask << true;
@@ -250,8 +252,8 @@ void TestMainDialogUpdate::boxes_data()
     QTest::newRow("manual, nothing new") << true << 2 << english << nothingNew << confirm << latest << false;
     QTest::newRow("manual, 1.0.10.0") << true << 2 << english << updateManifest("1.0.10.0") << confirm << latest
                                       << false;
-    QTest::newRow("manual, nothing new in Chinese") << true << 2 << chinese << nothingNew << confirm << latestChinese
-                                                    << false;
+    QTest::newRow("manual, nothing new in Chinese")
+        << true << 2 << chinese << nothingNew << confirm << latestChinese << false;
     QTest::newRow("manual, broken manifest is the latest version")
         << true << 2 << english << broken << confirm << latest << false;
 }

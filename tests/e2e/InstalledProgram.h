@@ -20,7 +20,7 @@ public:
     void useScene(const QString &name);       ///< file name of a shipped scene
     void useScenario(const QByteArray &json); ///< a scene of the test's own
     void writeConfig(const QByteArray &xml);
-    void setVariable(const QString &name, const QString &value); ///< of the environment
+    void setVariable(const QString &name, const QString &value);                            ///< of the environment
     [[nodiscard]] QString path(const QString &name) const { return folder.filePath(name); } ///< in the installation
 
     bool start();     ///< waits until the process runs

@@ -35,7 +35,7 @@ namespace
 
 // Waits for the program's end as the updater does, which has to replace its file; brings a new updater where one
 // lies ready, and comes back.
-const char *const kStandInUpdater = R"(#!/bin/sh
+const char *const kStandInUpdater = R"sh(#!/bin/sh
 here=$(cd "$(dirname "$0")" && pwd -P)
 printf '%s\n' "$@" > "$here/arguments.part"
 mv "$here/arguments.part" "$here/arguments"
@@ -51,7 +51,7 @@ cp "$here/ready.zip" "$here/temp/2.zip"
 "$here/OvrynDeck2" _OvrynUpdate &
 echo $! > "$here/pid.part"
 mv "$here/pid.part" "$here/pid"
-)";
+)sh";
 
 const QString kManifest = QStringLiteral("temp/update_info.xml");
 
@@ -71,9 +71,9 @@ QString dateText(const QDate &date)
 class UpdatingProgram : public InstalledProgram
 {
 public:
-    UpdatingProgram(const VirtualScreen &screen, const LoopbackHttpServer &server, int mode, int daysSinceCheck,
+    UpdatingProgram(const VirtualScreen &ofScreen, const LoopbackHttpServer &server, int mode, int daysSinceCheck,
                     const QByteArray &language = "lang_en")
-        : InstalledProgram(screen, QStringLiteral(OVRYN_PROGRAM_ASKING_THE_TEST))
+        : InstalledProgram(ofScreen, QStringLiteral(OVRYN_PROGRAM_ASKING_THE_TEST))
     {
         setVariable(QStringLiteral("OVRYN_TEST_UPDATE_SERVER"), server.address());
         lastCheck = dateText(QDate::currentDate().addDays(-daysSinceCheck));

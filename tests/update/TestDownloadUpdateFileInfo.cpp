@@ -116,8 +116,8 @@ void TestDownloadUpdateFileInfo::endings_data()
     QTest::newRow("redirect is an answer like any other")
         << QByteArray("302 Found") << QByteArray("Location: /elsewhere.xml\r\n") << QByteArray("moved") << 0 << true;
     QTest::newRow("not found") << QByteArray("404 Not Found") << none << QByteArray("no such page") << 0 << false;
-    QTest::newRow("error of the server") << QByteArray("500 Internal Server Error") << none << QByteArray("sorry") << 0
-                                         << false;
+    QTest::newRow("error of the server")
+        << QByteArray("500 Internal Server Error") << none << QByteArray("sorry") << 0 << false;
     QTest::newRow("wants a password") << QByteArray("401 Unauthorized")
                                       << QByteArray("WWW-Authenticate: Basic realm=\"x\"\r\n") << none << 0 << false;
     QTest::newRow("drops in mid-body") << ok << none << updateManifest("1.1") << 1000 << false;

@@ -90,32 +90,47 @@ void TestUpdateDecision::decision_data()
     const auto byUser = UpdateRoad::Manual;
     const int most = std::numeric_limits<int>::max();
 
-    QTest::newRow("automatic, new, mode 0") << byItself << 0 << "1.1" << "" << UpdateAction::Update;
-    QTest::newRow("automatic, new, mode 1") << byItself << 1 << "1.1" << "" << UpdateAction::AskThenUpdate;
-    QTest::newRow("automatic, new, mode 2") << byItself << 2 << "1.1" << "" << UpdateAction::AskThenUpdate;
-    QTest::newRow("automatic, new, mode 3 is as 0") << byItself << 3 << "1.1" << "" << UpdateAction::Update;
-    QTest::newRow("automatic, new, negative mode") << byItself << -1 << "1.1" << "" << UpdateAction::Update;
-    QTest::newRow("automatic, new, largest mode") << byItself << most << "1.1" << "" << UpdateAction::Update;
-    QTest::newRow("automatic, nothing new") << byItself << 0 << "1.0.2.4" << "" << UpdateAction::Nothing;
-    QTest::newRow("automatic, no manifest") << byItself << 2 << "" << "" << UpdateAction::Nothing;
-    QTest::newRow("automatic, too old") << byItself << 0 << "1.1" << "1.1" << UpdateAction::TellTooOld;
-    QTest::newRow("automatic, too old, mode that asks") << byItself << 2 << "1.1" << "1.1"
-                                                        << UpdateAction::TellTooOld;
-    QTest::newRow("automatic, own is the last to update by hand")
-        << byItself << 0 << "1.1" << "1.0.2.4" << UpdateAction::Update;
-    QTest::newRow("automatic, manual version alone is newer")
-        << byItself << 0 << "1.0.2.4" << "9" << UpdateAction::Nothing;
+    QTest::newRow("automatic, new, mode 0") << byItself << 0 << "1.1"
+                                            << "" << UpdateAction::Update;
+    QTest::newRow("automatic, new, mode 1") << byItself << 1 << "1.1"
+                                            << "" << UpdateAction::AskThenUpdate;
+    QTest::newRow("automatic, new, mode 2") << byItself << 2 << "1.1"
+                                            << "" << UpdateAction::AskThenUpdate;
+    QTest::newRow("automatic, new, mode 3 is as 0") << byItself << 3 << "1.1"
+                                                    << "" << UpdateAction::Update;
+    QTest::newRow("automatic, new, negative mode") << byItself << -1 << "1.1"
+                                                   << "" << UpdateAction::Update;
+    QTest::newRow("automatic, new, largest mode") << byItself << most << "1.1"
+                                                  << "" << UpdateAction::Update;
+    QTest::newRow("automatic, nothing new") << byItself << 0 << "1.0.2.4"
+                                            << "" << UpdateAction::Nothing;
+    QTest::newRow("automatic, no manifest") << byItself << 2 << ""
+                                            << "" << UpdateAction::Nothing;
+    QTest::newRow("automatic, too old") << byItself << 0 << "1.1"
+                                        << "1.1" << UpdateAction::TellTooOld;
+    QTest::newRow("automatic, too old, mode that asks") << byItself << 2 << "1.1"
+                                                        << "1.1" << UpdateAction::TellTooOld;
+    QTest::newRow("automatic, own is the last to update by hand") << byItself << 0 << "1.1"
+                                                                  << "1.0.2.4" << UpdateAction::Update;
+    QTest::newRow("automatic, manual version alone is newer") << byItself << 0 << "1.0.2.4"
+                                                              << "9" << UpdateAction::Nothing;
 
-    QTest::newRow("manual, new, mode 0 asks all the same") << byUser << 0 << "1.1" << ""
-                                                           << UpdateAction::AskThenUpdate;
-    QTest::newRow("manual, new, mode 2") << byUser << 2 << "1.1" << "" << UpdateAction::AskThenUpdate;
-    QTest::newRow("manual, too old") << byUser << 0 << "1.1" << "1.0.3" << UpdateAction::TellTooOld;
-    QTest::newRow("manual, empty manual version") << byUser << 0 << "1.1" << "" << UpdateAction::AskThenUpdate;
-    QTest::newRow("manual, nothing new") << byUser << 0 << "1.0.2.4" << "" << UpdateAction::TellLatest;
-    QTest::newRow("manual, 1.0.10.0 is not offered") << byUser << 0 << "1.0.10.0" << ""
-                                                     << UpdateAction::TellLatest;
-    QTest::newRow("manual, no manifest") << byUser << 2 << "" << "" << UpdateAction::TellLatest;
-    QTest::newRow("manual, manual version alone is newer") << byUser << 0 << "" << "9" << UpdateAction::TellLatest;
+    QTest::newRow("manual, new, mode 0 asks all the same") << byUser << 0 << "1.1"
+                                                           << "" << UpdateAction::AskThenUpdate;
+    QTest::newRow("manual, new, mode 2") << byUser << 2 << "1.1"
+                                         << "" << UpdateAction::AskThenUpdate;
+    QTest::newRow("manual, too old") << byUser << 0 << "1.1"
+                                     << "1.0.3" << UpdateAction::TellTooOld;
+    QTest::newRow("manual, empty manual version") << byUser << 0 << "1.1"
+                                                  << "" << UpdateAction::AskThenUpdate;
+    QTest::newRow("manual, nothing new") << byUser << 0 << "1.0.2.4"
+                                         << "" << UpdateAction::TellLatest;
+    QTest::newRow("manual, 1.0.10.0 is not offered") << byUser << 0 << "1.0.10.0"
+                                                     << "" << UpdateAction::TellLatest;
+    QTest::newRow("manual, no manifest") << byUser << 2 << ""
+                                         << "" << UpdateAction::TellLatest;
+    QTest::newRow("manual, manual version alone is newer") << byUser << 0 << ""
+                                                           << "9" << UpdateAction::TellLatest;
 }
 
 void TestUpdateDecision::decision()

@@ -181,8 +181,8 @@ void TestUpdateFiles::clearingEmptiesTheFolder()
     write(QStringLiteral("beside.txt"), "stays");
     clearFolder(QStringLiteral("temp"));
     QVERIFY(QFileInfo(QStringLiteral("temp")).isDir());
-    QVERIFY(QDir(QStringLiteral("temp")).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::System |
-                                                QDir::NoDotAndDotDot));
+    QVERIFY(
+        QDir(QStringLiteral("temp")).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot));
     QCOMPARE(content(QStringLiteral("beside.txt")), QByteArray("stays"));
 }
 
@@ -198,8 +198,8 @@ void TestUpdateFiles::clearingDoesNotFollowLinks()
     QVERIFY(QFile::link(QDir::currentPath() + QStringLiteral("/kept"), QStringLiteral("temp/sub/link")));
     QVERIFY(QFile::link(QDir::currentPath() + QStringLiteral("/temp"), QStringLiteral("temp/sub/round in a circle")));
     clearFolder(QStringLiteral("temp"));
-    QVERIFY(QDir(QStringLiteral("temp")).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::System |
-                                                QDir::NoDotAndDotDot));
+    QVERIFY(
+        QDir(QStringLiteral("temp")).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot));
     QCOMPARE(content(QStringLiteral("kept/file")), QByteArray("stays"));
     QCOMPARE(outside(), before);
 }
@@ -227,15 +227,33 @@ void TestUpdateFiles::takesTheUpdaterOut_data()
     QTest::addColumn<QString>("version");
     QTest::addColumn<QString>("target"); ///< in the installation
     QTest::addColumn<bool>("hasOldOne");
-    QTest::newRow("in place of the old one") << "" << "2.0" << "OvrynUpdate.exe" << true;
-    QTest::newRow("where none was") << "" << "2.0" << "OvrynUpdate.exe" << false;
-    QTest::newRow("into a folder") << "sub/" << "2.0" << "sub/OvrynUpdate.exe" << true;
-    QTest::newRow("into a folder that is not there") << "a/b/" << "2.0" << "a/b/OvrynUpdate.exe" << false;
-    QTest::newRow("dir without its slash is part of the name") << "sub" << "2.0" << "subOvrynUpdate.exe" << false;
-    QTest::newRow("round about") << "sub/../" << "2.0" << "OvrynUpdate.exe" << true;
-    QTest::newRow("dot") << "./" << "2.0" << "OvrynUpdate.exe" << true;
-    QTest::newRow("archive in a folder of temp") << "" << "sub/2.0" << "OvrynUpdate.exe" << true;
-    QTest::newRow("empty version") << "" << "" << "OvrynUpdate.exe" << true;
+    QTest::newRow("in place of the old one") << ""
+                                             << "2.0"
+                                             << "OvrynUpdate.exe" << true;
+    QTest::newRow("where none was") << ""
+                                    << "2.0"
+                                    << "OvrynUpdate.exe" << false;
+    QTest::newRow("into a folder") << "sub/"
+                                   << "2.0"
+                                   << "sub/OvrynUpdate.exe" << true;
+    QTest::newRow("into a folder that is not there") << "a/b/"
+                                                     << "2.0"
+                                                     << "a/b/OvrynUpdate.exe" << false;
+    QTest::newRow("dir without its slash is part of the name") << "sub"
+                                                               << "2.0"
+                                                               << "subOvrynUpdate.exe" << false;
+    QTest::newRow("round about") << "sub/../"
+                                 << "2.0"
+                                 << "OvrynUpdate.exe" << true;
+    QTest::newRow("dot") << "./"
+                         << "2.0"
+                         << "OvrynUpdate.exe" << true;
+    QTest::newRow("archive in a folder of temp") << ""
+                                                 << "sub/2.0"
+                                                 << "OvrynUpdate.exe" << true;
+    QTest::newRow("empty version") << ""
+                                   << ""
+                                   << "OvrynUpdate.exe" << true;
     QTest::newRow("version of other characters") << "" << QStringLiteral("版本 2") << "OvrynUpdate.exe" << true;
 }
 
@@ -362,23 +380,40 @@ void TestUpdateFiles::hostileEntries_data()
 {
     QTest::addColumn<QString>("dir"); ///< %1 is the world
     QTest::addColumn<QString>("version");
-    QTest::newRow("dir above") << "../" << "2";
-    QTest::newRow("dir far above") << "../../../../../../../../" << "2";
-    QTest::newRow("dir beside with the same beginning") << "../installation2/" << "2";
-    QTest::newRow("dir beside by its name") << "../installation2" << "2";
-    QTest::newRow("absolute dir") << "%1/other/" << "2";
-    QTest::newRow("absolute dir that is not there") << "%1/other/new/" << "2";
-    QTest::newRow("root") << "/" << "2";
-    QTest::newRow("in and out again") << "sub/../../other/" << "2";
-    QTest::newRow("through a link") << "out/" << "2";
-    QTest::newRow("below a link, into a new folder") << "out/new/deep/" << "2";
-    QTest::newRow("through a link to nothing") << "nowhere/" << "2";
-    QTest::newRow("through a link of the archive's folder") << "temp/out/" << "2";
-    QTest::newRow("version above temp") << "" << "../1";
-    QTest::newRow("version above the installation") << "" << "../../1";
-    QTest::newRow("version beside the installation") << "" << "../../other/1";
-    QTest::newRow("version through a link") << "" << "out/1";
-    QTest::newRow("archive is a link") << "" << "linked";
+    QTest::newRow("dir above") << "../"
+                               << "2";
+    QTest::newRow("dir far above") << "../../../../../../../../"
+                                   << "2";
+    QTest::newRow("dir beside with the same beginning") << "../installation2/"
+                                                        << "2";
+    QTest::newRow("dir beside by its name") << "../installation2"
+                                            << "2";
+    QTest::newRow("absolute dir") << "%1/other/"
+                                  << "2";
+    QTest::newRow("absolute dir that is not there") << "%1/other/new/"
+                                                    << "2";
+    QTest::newRow("root") << "/"
+                          << "2";
+    QTest::newRow("in and out again") << "sub/../../other/"
+                                      << "2";
+    QTest::newRow("through a link") << "out/"
+                                    << "2";
+    QTest::newRow("below a link, into a new folder") << "out/new/deep/"
+                                                     << "2";
+    QTest::newRow("through a link to nothing") << "nowhere/"
+                                               << "2";
+    QTest::newRow("through a link of the archive's folder") << "temp/out/"
+                                                            << "2";
+    QTest::newRow("version above temp") << ""
+                                        << "../1";
+    QTest::newRow("version above the installation") << ""
+                                                    << "../../1";
+    QTest::newRow("version beside the installation") << ""
+                                                     << "../../other/1";
+    QTest::newRow("version through a link") << ""
+                                            << "out/1";
+    QTest::newRow("archive is a link") << ""
+                                       << "linked";
 }
 
 void TestUpdateFiles::hostileEntries()

@@ -73,49 +73,77 @@ void TestUpdateInfoReader::reads_data()
     const QStringList none;
     const QString address = QStringLiteral("http://files.example/packets");
 
-    QTest::newRow("whole") << updateManifest("1.1", "1.0", manifestFile("", "a.dll", "1") + manifestFile("", "b", "2"))
-                           << "1.1" << "1.0" << address << QStringList{"a.dll", "b"};
-    QTest::newRow("empty FileInfos") << updateManifest("1.1") << "1.1" << "" << address << none;
-    QTest::newRow("bare root") << QByteArray("<Update/>") << "" << "" << "" << none;
+    QTest::newRow("whole") << updateManifest("1.1", "1.0",
+                                             manifestFile("", "a.dll", "1") + manifestFile("", "b", "2"))
+                           << "1.1"
+                           << "1.0" << address << QStringList{"a.dll", "b"};
+    QTest::newRow("empty FileInfos") << updateManifest("1.1") << "1.1"
+                                     << "" << address << none;
+    QTest::newRow("bare root") << QByteArray("<Update/>") << ""
+                               << ""
+                               << "" << none;
     QTest::newRow("other order") << QByteArray("<Update><ManualDownloadVersion Value='3'/><CurrentVersion Value='4'/>"
                                                "<ServerAdress Value='s'/></Update>")
-                                 << "4" << "3" << "s" << none;
+                                 << "4"
+                                 << "3"
+                                 << "s" << none;
     QTest::newRow("missing attributes") << QByteArray("<Update><CurrentVersion/><ManualDownloadVersion value='1'/>"
                                                       "<FileInfos><FileInfo/></FileInfos></Update>")
-                                        << "" << "" << "" << QStringList{""};
+                                        << ""
+                                        << ""
+                                        << "" << QStringList{""};
     QTest::newRow("the last of several stands")
-        << QByteArray("<Update><CurrentVersion Value='1'/><CurrentVersion Value='2'/></Update>") << "2" << "" << ""
-        << none;
+        << QByteArray("<Update><CurrentVersion Value='1'/><CurrentVersion Value='2'/></Update>") << "2"
+        << ""
+        << "" << none;
     QTest::newRow("a last one without its attribute stands too")
-        << QByteArray("<Update><CurrentVersion Value='1'/><CurrentVersion/></Update>") << "" << "" << "" << none;
+        << QByteArray("<Update><CurrentVersion Value='1'/><CurrentVersion/></Update>") << ""
+        << ""
+        << "" << none;
     QTest::newRow("several FileInfos add up")
         << QByteArray("<Update><FileInfos><FileInfo FileName='a'/></FileInfos><FileInfos><FileInfo FileName='b'/>"
                       "</FileInfos></Update>")
-        << "" << "" << "" << QStringList{"a", "b"};
-    QTest::newRow("FileInfo outside FileInfos") << QByteArray("<Update><FileInfo FileName='a'/></Update>") << "" << ""
+        << ""
+        << ""
+        << "" << QStringList{"a", "b"};
+    QTest::newRow("FileInfo outside FileInfos") << QByteArray("<Update><FileInfo FileName='a'/></Update>") << ""
+                                                << ""
                                                 << "" << none;
     QTest::newRow("FileInfo too deep inside")
-        << QByteArray("<Update><FileInfos><Group><FileInfo FileName='a'/></Group></FileInfos></Update>") << "" << ""
+        << QByteArray("<Update><FileInfos><Group><FileInfo FileName='a'/></Group></FileInfos></Update>") << ""
+        << ""
         << "" << none;
     QTest::newRow("other names among the files")
         << QByteArray("<Update><FileInfos><fileinfo FileName='x'/><!-- c -->text<FileInfo FileName='a'/><Other/>"
                       "</FileInfos></Update>")
-        << "" << "" << "" << QStringList{"a"};
+        << ""
+        << ""
+        << "" << QStringList{"a"};
     QTest::newRow("other names among the values")
-        << QByteArray("<Update><currentversion Value='9'/><ServerAddress Value='s'/><Other Value='9'/></Update>") << ""
-        << "" << "" << none;
+        << QByteArray("<Update><currentversion Value='9'/><ServerAddress Value='s'/><Other Value='9'/></Update>")
+        << ""
+        << ""
+        << "" << none;
     QTest::newRow("value as text is none") << QByteArray("<Update><CurrentVersion>2</CurrentVersion></Update>") << ""
-                                           << "" << "" << none;
-    QTest::newRow("small and in UTF-16") << utf16(QStringLiteral("<Update><CurrentVersion Value='2'/></Update>"))
-                                         << "2" << "" << "" << none;
+                                           << ""
+                                           << "" << none;
+    QTest::newRow("small and in UTF-16")
+        << utf16(QStringLiteral("<Update><CurrentVersion Value='2'/></Update>")) << "2"
+        << ""
+        << "" << none;
     QTest::newRow("characters of other scripts")
-        << QByteArray("<Update><CurrentVersion Value='二'/></Update>") << QStringLiteral("二") << "" << "" << none;
+        << QByteArray("<Update><CurrentVersion Value='二'/></Update>") << QStringLiteral("二") << ""
+        << "" << none;
     QTest::newRow("large, with a declaration in small letters")
         << QByteArray("<?xml version='1.0' encoding='utf-8'?><Update><CurrentVersion Value='2'/>" +
                       QByteArray(100000, ' ') + "</Update>")
-        << "2" << "" << "" << none;
+        << "2"
+        << ""
+        << "" << none;
     QTest::newRow("large, with as many attributes as allowed")
-        << QByteArray(wide(kManifestEqualsSignsMaxPerTag - 1) + QByteArray(100000, ' ')) << "2" << "" << "" << none;
+        << QByteArray(wide(kManifestEqualsSignsMaxPerTag - 1) + QByteArray(100000, ' ')) << "2"
+        << ""
+        << "" << none;
 
     QByteArray many;
     QStringList manyNames;
@@ -123,7 +151,8 @@ void TestUpdateInfoReader::reads_data()
         many += manifestFile("dir/", "f" + QByteArray::number(i), "1");
         manyNames.append(QStringLiteral("f%1").arg(i));
     }
-    QTest::newRow("twenty thousand files") << updateManifest("1.1", "", many) << "1.1" << "" << address << manyNames;
+    QTest::newRow("twenty thousand files") << updateManifest("1.1", "", many) << "1.1"
+                                           << "" << address << manyNames;
 }
 
 void TestUpdateInfoReader::reads()
@@ -154,8 +183,8 @@ void TestUpdateInfoReader::refuses_data()
     QTest::newRow("root of the settings") << QByteArray("<OvrynParameter/>") << true;
     QTest::newRow("Update below another root")
         << QByteArray("<a><Update><CurrentVersion Value='2'/></Update></a>") << true;
-    QTest::newRow("a million files")
-        << updateManifest("2", "", manifestFile("d", "n", "v").repeated(1000000)) << false;
+    QTest::newRow("a million files") << updateManifest("2", "", manifestFile("d", "n", "v").repeated(1000000))
+                                     << false;
     QTest::newRow("deep") << QByteArray("<Update>").repeated(100000) << false;
     QTest::newRow("an element of a hundred thousand attributes") << wide(100000) << false;
     QTest::newRow("many elements of many attributes")
@@ -168,9 +197,8 @@ void TestUpdateInfoReader::refuses_data()
     QTest::newRow("large and in an encoding of its own")
         << QByteArray("<?xml version='1.0' encoding='ISO-8859-1'?><Update>" + QByteArray(20000, ' ') + "</Update>")
         << false;
-    QTest::newRow("large with entities") << QByteArray("<!DOCTYPE Update [<!ENTITY e '" + QByteArray(20000, 'x') +
-                                                       "'>]><Update/>")
-                                         << false;
+    QTest::newRow("large with entities")
+        << QByteArray("<!DOCTYPE Update [<!ENTITY e '" + QByteArray(20000, 'x') + "'>]><Update/>") << false;
     QByteArray bomb = "<!DOCTYPE Update [<!ENTITY e0 'lol'>";
     for (int level = 1; level < 10; ++level) {
         bomb += "<!ENTITY e" + QByteArray::number(level) + " '" +
