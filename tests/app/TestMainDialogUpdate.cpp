@@ -33,6 +33,7 @@ private slots:
     void updaterThatIsMissing();
     void failedCheckIsSilent_data();
     void failedCheckIsSilent();
+    void manualCheckTakesOverARunningOne_data();
     void manualCheckTakesOverARunningOne();
     void oneAnswerForEachCheck();
     void looksOfABox();
@@ -412,20 +413,39 @@ void TestMainDialogUpdate::failedCheckIsSilent()
     QVERIFY(!manifestStands());
 }
 
+void TestMainDialogUpdate::manualCheckTakesOverARunningOne_data()
+{
+    QTest::addColumn<QByteArray>("version");
+    QTest::addColumn<QString>("answer");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("speaks where the automatic one would be silent")
+        << QByteArray("1.0.2.4") << kYes << "This is the latest version.";
+    QTest::newRow("asks where the automatic one would not")
+        << QByteArray("1.1") << kNo << "New version detected ,update now?";
+}
+
 void TestMainDialogUpdate::manualCheckTakesOverARunningOne()
 {
+    QFETCH(QByteArray, version);
+    QFETCH(QString, answer);
+    QFETCH(QString, text);
     withoutCards();
-    UpdateServer server(updateManifest("1.0.2.4"));
+    const StandInUpdater updater;
+    UpdateServer server(updateManifest(version));
     server.hold();
     writeConfig(config(0, 7));
-    ModalAnswer answer({kYes});
+    ModalAnswer answers({answer});
     OvrynDeck2 dialog;
+    dialog.show();
     QTRY_COMPARE_WITH_TIMEOUT(server.requests().size(), 1, kPatienceMs);
     dialog.manualDetectUpdate();
     server.release();
-    QTRY_COMPARE_WITH_TIMEOUT(answer.captions().size(), 1, kPatienceMs);
-    QCOMPARE(answer.texts(), QStringList{QStringLiteral("This is the latest version.")}); // the manual road speaks
+    QTRY_COMPARE_WITH_TIMEOUT(answers.captions().size(), 1, kPatienceMs);
+    QCoreApplication::processEvents();
+    QCOMPARE(answers.texts(), QStringList{text});
     QCOMPARE(server.requests().size(), 1);
+    QVERIFY(dialog.isVisible());
+    QCOMPARE(updater.arguments(), QString());
 }
 
 void TestMainDialogUpdate::oneAnswerForEachCheck()
