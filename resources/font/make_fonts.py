@@ -40,8 +40,9 @@ LATIN_TEXT = sorted({*ASCII, *LATIN_1, *PUNCTUATION, *GREEK_IN_UNITS})
 
 
 def hei_characters():
-    """The Latin text and every character of characters.txt, the list of what the Chinese texts show."""
-    listed = (HERE / "characters.txt").read_text(encoding="utf-8")
+    """The Latin text and every character of the Chinese texts: those in characters.txt, and the update log's."""
+    sources = (HERE / "characters.txt", HERE.parent / "updateLog" / "chinese.txt")
+    listed = "".join(source.read_text(encoding="utf-8") for source in sources)
     return sorted({*LATIN_TEXT, *CHINESE_PUNCTUATION, *(ord(c) for c in listed if not c.isspace())})
 
 

@@ -13,6 +13,7 @@
 #include "ui/Ovryn_ComboBox.h"
 #include "ui/Ovryn_SettingParentWidget.h"
 #include "ui/RollStackWidget.h"
+#include "update/Ovryn_DownloadUpdateFileInfo.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -29,7 +30,7 @@ const char *const kBackgroundPicture = ":/images/images/BKImage.png";
 
 } // namespace
 
-OvrynDeck2::OvrynDeck2(QWidget *parent) : QDialog(parent)
+OvrynDeck2::OvrynDeck2(QWidget *parent) : QDialog(parent), updateDownloader(new Ovryn_DownloadUpdateFileInfo(this))
 {
     setObjectName(QStringLiteral("OvrynDeck2"));
     buildWidgets();
@@ -59,6 +60,7 @@ OvrynDeck2::OvrynDeck2(QWidget *parent) : QDialog(parent)
     connectWidgets();
 
     resize(background.isNull() ? kSizeWithoutPicture : background.size());
+    checkUpdateOnStart();
 }
 
 OvrynDeck2::~OvrynDeck2()

@@ -6,6 +6,7 @@
 #include "config/ConfigRecords.h"
 #include "config/Ovryn_ConfigFile.h"
 #include "ui/Ovryn_LanguageTable.h"
+#include "update/UpdateDecision.h"
 
 #include <QDialog>
 #include <QList>
@@ -15,6 +16,7 @@
 
 class Ovryn_BackgroundEffects;
 class Ovryn_ComboBox;
+class Ovryn_DownloadUpdateFileInfo;
 class Ovryn_LEDControlWidget;
 class Ovryn_OverClockingWidget;
 class Ovryn_SettingParentWidget;
@@ -126,6 +128,14 @@ private:
     void applyPageEffects(const GpuCardInfo &card, Ovryn_GpuInfoCircleBox *circleBox);
     void bringBack(); ///< from the tray
 
+    // update
+    void checkUpdateOnStart();
+    void startUpdateCheck(const char *answeringSlot);
+    void answerUpdateCheck(bool manifestStands, UpdateRoad road);
+    void handOverToUpdater();
+    void returnFromUpdater();
+    int showUpdateBox(int flags, const QString &text); ///< gives the box's result
+
     int detectedCards = 0;
     QList<GpuCardInfo> cardInfos;    ///< in detection order
     QList<CardPageSet> cardPageSets; ///< the same order
@@ -133,6 +143,7 @@ private:
     int currentPage = HomePage;
     bool pagePanelShown = false; ///< a page slides over the gauge
 
+    Ovryn_DownloadUpdateFileInfo *updateDownloader; ///< only its connection to this dialog changes
     Ovryn_ConfigFile configFile;
     GeneralSettingInfo generalSetting;
     UpdateSettingInfo updateSetting;

@@ -172,11 +172,3 @@ void OvrynDeck2::handWordsTo(const CardPageSet &pages)
     pages.ledPage->setLanguage(languageTable.led, languageTable.language());
     pages.circleBox->setLanguage(languageTable.breathCircle, languageTable.language());
 }
-
-// ---- update: the road of a new version joins here ---------------------------------------------------
-
-void OvrynDeck2::manualDetectUpdate() {}
-
-void OvrynDeck2::onDownloadUpdateFileFinished(bool) {}
-
-void OvrynDeck2::onDownloadUpdateFileFinished1(bool) {}

@@ -10,6 +10,7 @@
 #include <QFont>
 #include <QIcon>
 #include <QScreen>
+#include <QTimer>
 
 namespace
 {
@@ -92,7 +93,8 @@ int main(int argc, char **argv)
         dialog.hide();
     } else {
         dialog.show();
-        dialog.afterShow();
+        // Inside the event loop: an update that takes over while the question stands must be able to end it.
+        QTimer::singleShot(0, &dialog, [&dialog] { dialog.afterShow(); });
     }
     return QApplication::exec();
 }

@@ -22,9 +22,9 @@ void writeFile(const QString &path, const QByteArray &content)
 
 } // namespace
 
-InstalledProgram::InstalledProgram(const VirtualScreen &ofScreen) : screen(ofScreen)
+InstalledProgram::InstalledProgram(const VirtualScreen &ofScreen, const QString &executable) : screen(ofScreen)
 {
-    QFile::copy(QStringLiteral(OVRYN_PROGRAM), folder.filePath(QStringLiteral("OvrynDeck2")));
+    QFile::copy(executable, folder.filePath(QStringLiteral("OvrynDeck2")));
     QDir(folder.path()).mkdir(QStringLiteral("runtime"));
     QFile::setPermissions(folder.filePath(QStringLiteral("runtime")),
                           QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
@@ -36,6 +36,8 @@ InstalledProgram::~InstalledProgram()
         process.kill();
         process.waitForFinished(5000);
     }
+    if (followed)
+        QProcess::execute(QStringLiteral("kill"), {QStringLiteral("-KILL"), QString::number(followed)});
 }
 
 void InstalledProgram::useScene(const QString &name)
@@ -54,6 +56,11 @@ void InstalledProgram::writeConfig(const QByteArray &xml)
     writeFile(folder.filePath(QStringLiteral("config.xml")), xml);
 }
 
+void InstalledProgram::setVariable(const QString &name, const QString &value)
+{
+    variables.insert(name, value);
+}
+
 QProcessEnvironment InstalledProgram::environment() const
 {
     QProcessEnvironment environment = screen.environment();
@@ -66,6 +73,8 @@ QProcessEnvironment InstalledProgram::environment() const
     environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), folder.filePath(QStringLiteral("runtime")));
     environment.insert(QStringLiteral("TMPDIR"), folder.filePath(QStringLiteral("runtime")));
     environment.insert(QStringLiteral("HOME"), folder.path());
+    for (auto variable = variables.cbegin(); variable != variables.cend(); ++variable)
+        environment.insert(variable.key(), variable.value());
     return environment;
 }
 
@@ -91,6 +100,11 @@ int InstalledProgram::startAgain()
     return second.exitStatus() == QProcess::NormalExit ? second.exitCode() : -1;
 }
 
+void InstalledProgram::follow(qint64 processId)
+{
+    followed = processId;
+}
+
 bool InstalledProgram::isRunning() const
 {
     return process.state() == QProcess::Running;
@@ -114,7 +128,7 @@ qint64 InstalledProgram::mainWindow() const
 QList<qint64> InstalledProgram::otherWindows() const
 {
     // In this order: a main window that appears in between must not be taken for another one.
-    const QStringList all = screen.windowsOf(process.processId());
+    const QStringList all = screen.windowsOf(followed ? followed : process.processId());
     const qint64 main = mainWindow();
     QList<qint64> others;
     for (const QString &id : all) {

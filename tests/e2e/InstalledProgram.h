@@ -5,6 +5,7 @@
 #include <QDomDocument>
 #include <QJsonObject>
 #include <QList>
+#include <QMap>
 #include <QProcess>
 #include <QTemporaryDir>
 
@@ -13,15 +14,20 @@
 class InstalledProgram
 {
 public:
-    explicit InstalledProgram(const VirtualScreen &screen);
+    explicit InstalledProgram(const VirtualScreen &screen, const QString &executable = QStringLiteral(OVRYN_PROGRAM));
     ~InstalledProgram();
 
     void useScene(const QString &name);       ///< file name of a shipped scene
     void useScenario(const QByteArray &json); ///< a scene of the test's own
     void writeConfig(const QByteArray &xml);
+    void setVariable(const QString &name, const QString &value);                            ///< of the environment
+    [[nodiscard]] QString path(const QString &name) const { return folder.filePath(name); } ///< in the installation
 
     bool start();     ///< waits until the process runs
     int startAgain(); ///< a second start at once; its exit code, -1 on a time-out
+    /// Another process, by its identifier, is the program from now on: its windows are looked for, and it ends with
+    /// the object, too.
+    void follow(qint64 processId);
     [[nodiscard]] bool isRunning() const;
     bool waitForEnd(int timeoutMs = 20000);
     [[nodiscard]] int exitCode() const { return process.exitCode(); }
@@ -50,6 +56,8 @@ private:
     const VirtualScreen &screen;
     QTemporaryDir folder;
     QString scene;
+    QMap<QString, QString> variables;
     QProcess process;
+    qint64 followed = 0; ///< 0 while it is `process` that counts
     mutable QDomDocument document;
 };

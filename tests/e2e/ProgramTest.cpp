@@ -1,6 +1,9 @@
 #include "e2e/ProgramTest.h"
 
 #include "ui/Fonts.h"
+#include "ui/Ovryn_LanguageTable.h"
+#include "ui/Ovryn_SettingParentWidget.h"
+#include "ui/Ovryn_SettingWidget.h"
 
 #include <QDate>
 
@@ -89,6 +92,32 @@ void ProgramTest::pressBoxButton(InstalledProgram &program, bool yes)
     const QSize size = screen.geometryOf(box).size();
     const int fromCentre = yes ? -kBoxButtonFromCentre : kBoxButtonFromCentre;
     program.clickIn(box, QPoint(size.width() / 2 + fromCentre, size.height() - kBoxButtonRise));
+}
+
+// Asked of a page built the same way.
+QPoint ProgramTest::settingControl(const QString &objectName) const
+{
+    QWidget dialog;
+    dialog.resize(kDialogSize);
+    Ovryn_LanguageTable table;
+    table.setLanguage(kLanguageEnglish);
+    Ovryn_SettingParentWidget panel{GeneralSettingInfo(), UpdateSettingInfo(), &dialog};
+    panel.setLanguage(table.setting, kLanguageEnglish);
+    dialog.show();
+    panel.setShowSettingWidget(true);
+    const auto *page = panel.findChild<Ovryn_SettingWidget *>();
+    const auto *control = panel.findChild<QWidget *>(objectName);
+    if (!page || !control || !QTest::qWaitFor([&] { return page->isVisible() && page->x() == 0; }, kPatienceMs))
+        return {};
+    return settingPanelPosition(kDialogSize, panel.size()) + control->mapTo(&panel, control->rect().center());
+}
+
+void ProgramTest::pressOnlyBoxButton(InstalledProgram &program)
+{
+    const qint64 box = program.waitForBox();
+    QVERIFY(box != 0);
+    const QSize size = screen.geometryOf(box).size();
+    program.clickIn(box, QPoint(size.width() / 2, size.height() - kBoxButtonRise));
 }
 
 void ProgramTest::closeByButton(InstalledProgram &program, qint64 window)

@@ -37,8 +37,11 @@ protected:
     /// Starts a program whose configuration has no question to ask; its main window, 0 when none came.
     [[nodiscard]] qint64 startedWindow(InstalledProgram &program);
     void pressBoxButton(InstalledProgram &program, bool yes);
+    void pressOnlyBoxButton(InstalledProgram &program);
     void closeByButton(InstalledProgram &program, qint64 window);
     [[nodiscard]] bool pictureChanges(const QImage &before, const QRect &screenRect) const;
+    /// Where a control of the settings page lies in the main window; null when there is no such control.
+    [[nodiscard]] QPoint settingControl(const QString &objectName) const;
     [[nodiscard]] QRect onScreen(qint64 window, const QRect &rect) const;
 
     QSize screenSize = QSize(1280, 900); ///< a test that needs more room says so in its constructor

@@ -1,7 +1,4 @@
 #include "e2e/ProgramTest.h"
-#include "ui/Ovryn_LanguageTable.h"
-#include "ui/Ovryn_SettingParentWidget.h"
-#include "ui/Ovryn_SettingWidget.h"
 
 #include <QTest>
 
@@ -21,28 +18,7 @@ private slots:
     void windowManagerCloseSaves();
     void escapeDoesNotClose();
     void dragByAFreeSpot();
-
-private:
-    [[nodiscard]] QPoint settingControl(const QString &objectName) const;
 };
-
-/// Where a control of the settings page lies in the main window, asked of a page built the same way.
-QPoint TestUse::settingControl(const QString &objectName) const
-{
-    QWidget dialog;
-    dialog.resize(kDialogSize);
-    Ovryn_LanguageTable table;
-    table.setLanguage(kLanguageEnglish);
-    Ovryn_SettingParentWidget panel{GeneralSettingInfo(), UpdateSettingInfo(), &dialog};
-    panel.setLanguage(table.setting, kLanguageEnglish);
-    dialog.show();
-    panel.setShowSettingWidget(true);
-    const auto *page = panel.findChild<Ovryn_SettingWidget *>();
-    const auto *control = panel.findChild<QWidget *>(objectName);
-    if (!page || !control || !QTest::qWaitFor([&] { return page->isVisible() && page->x() == 0; }, kPatienceMs))
-        return {};
-    return settingPanelPosition(kDialogSize, panel.size()) + control->mapTo(&panel, control->rect().center());
-}
 
 void TestUse::pageButtonsOpenAndCloseTheirPages()
 {

@@ -1,0 +1,110 @@
+#include "update/Ovryn_DownloadUpdateFileInfo.h"
+
+#include "update/Ovryn_UpdateInfoReader.h"
+#include "update/UpdateFiles.h"
+#include "update/UpdateServer.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QNetworkReply>
+#include <QNetworkRequest>
+
+namespace
+{
+
+const char *const kManifestOnServer = "/update_packets/OvrynDeck2_UpdateFiles/update_info.xml";
+
+} // namespace
+
+Ovryn_DownloadUpdateFileInfo::Ovryn_DownloadUpdateFileInfo(QObject *parent)
+    : QObject(parent),
+      manager(new QNetworkAccessManager(this)),
+      url(updateServer() + QString::fromLatin1(kManifestOnServer)),
+      savePath(QString::fromLatin1(kManifestPath))
+{
+}
+
+Ovryn_DownloadUpdateFileInfo::~Ovryn_DownloadUpdateFileInfo()
+{
+    dropRemains();
+}
+
+void Ovryn_DownloadUpdateFileInfo::startDownload()
+{
+    if (state == Running)
+        return;
+    state = Running;
+    dropRemains();
+
+    const QString folder = QDir::currentPath() + QStringLiteral("/temp/");
+    if (!QDir(folder).exists() && !QDir().mkdir(folder)) {
+        emit downloadFinished(false); // still Running, on purpose
+        return;
+    }
+    // A link counts, too, be it a dangling one: written through, it would lead out of the folder.
+    const QFileInfo earlier(savePath);
+    if ((earlier.exists() || earlier.isSymLink()) && !QFile::remove(savePath)) {
+        fail();
+        return;
+    }
+    file = new QFile(savePath);
+    if (!file->open(QIODevice::WriteOnly)) {
+        delete file;
+        file = nullptr;
+        fail();
+        return;
+    }
+
+    QNetworkRequest request(QUrl(url, QUrl::TolerantMode));
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
+    reply = manager->get(request);
+    connect(reply, SIGNAL(finished()), this, SLOT(httpFinished()));
+    connect(reply, SIGNAL(readyRead()), this, SLOT(httpReadyRead()));
+}
+
+void Ovryn_DownloadUpdateFileInfo::httpReadyRead()
+{
+    if (!reply || !file)
+        return;
+    const QByteArray data = reply->readAll();
+    // An endless answer must not fill the disk. One byte beyond the bound stays, by which the reader refuses it.
+    file->write(data.left(int(qBound<qint64>(0, kManifestBytesMax + 1 - file->pos(), data.size()))));
+}
+
+void Ovryn_DownloadUpdateFileInfo::httpFinished()
+{
+    if (!reply || !file)
+        return;
+    const bool complete = reply->error() == QNetworkReply::NoError;
+    if (!complete)
+        file->remove(); // closes it first
+    dropRemains();
+    if (!complete) {
+        fail();
+        return;
+    }
+    state = Succeeded;
+    emit downloadFinished(true);
+}
+
+void Ovryn_DownloadUpdateFileInfo::dropRemains()
+{
+    if (reply) {
+        reply->disconnect(this); // its end must not be taken for the end of the next one
+        reply->deleteLater();
+        reply = nullptr;
+    }
+    if (file) {
+        file->flush();
+        file->close();
+        delete file;
+        file = nullptr;
+    }
+}
+
+void Ovryn_DownloadUpdateFileInfo::fail()
+{
+    state = Failed;
+    emit downloadFinished(false);
+}

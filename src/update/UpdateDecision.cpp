@@ -1,0 +1,28 @@
+#include "update/UpdateDecision.h"
+
+QString ownVersion()
+{
+    return QStringLiteral(OVRYN_VERSION);
+}
+
+bool isNewerVersion(const QString &version, const QString &own)
+{
+    return own < version;
+}
+
+bool isUpdateCheckDue(const QDate &lastCheck, int intervalDays, const QDate &today)
+{
+    return !(lastCheck.addDays(intervalDays) > today);
+}
+
+UpdateAction decideUpdate(UpdateRoad road, int updateMode, const QString &currentVersion,
+                          const QString &manualDownloadVersion, const QString &own)
+{
+    const bool manual = road == UpdateRoad::Manual;
+    if (!isNewerVersion(currentVersion, own))
+        return manual ? UpdateAction::TellLatest : UpdateAction::Nothing;
+    if (isNewerVersion(manualDownloadVersion, own))
+        return UpdateAction::TellTooOld;
+    const bool asks = manual || updateMode == 1 || updateMode == 2;
+    return asks ? UpdateAction::AskThenUpdate : UpdateAction::Update;
+}

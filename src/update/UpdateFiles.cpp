@@ -1,0 +1,91 @@
+#include "update/UpdateFiles.h"
+
+#include <JlCompress.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+#include <algorithm>
+
+namespace
+{
+
+const char *const kUpdaterName = "OvrynUpdate";
+const char *const kUpdaterFileName = "OvrynUpdate.exe"; // in the manifest, on every platform
+
+bool isInside(const QString &canonicalPath, const QString &canonicalFolder)
+{
+    if (canonicalPath.isEmpty() || canonicalFolder.isEmpty()) // there is no such path
+        return false;
+    const bool isRoot = canonicalFolder.endsWith(QLatin1Char('/'));
+    return canonicalPath.startsWith(isRoot ? canonicalFolder : canonicalFolder + QLatin1Char('/'));
+}
+
+/// True where the file of this clean absolute path, existing or not, lies in the folder once all links among its
+/// parents are resolved.
+bool wouldLieInside(const QString &path, const QString &canonicalFolder)
+{
+    // The parents that are missing will be made as plain folders; a link into nothing is no missing one.
+    QFileInfo parent(QFileInfo(path).path());
+    while (!parent.exists() && !parent.isSymLink() && !parent.isRoot())
+        parent.setFile(parent.path());
+    const QString canonicalParent = parent.canonicalFilePath();
+    return isInside(canonicalParent, canonicalFolder) ||
+           (!canonicalParent.isEmpty() && canonicalParent == canonicalFolder);
+}
+
+} // namespace
+
+bool isReturnFromUpdater(const QStringList &arguments)
+{
+    return arguments.value(1) == QLatin1String(kCalledByUpdater);
+}
+
+QString updaterProgram(const QString &programFolder)
+{
+    const QString name = QString::fromLatin1(kUpdaterName);
+    const QString beside = QStandardPaths::findExecutable(name, {programFolder});
+    return beside.isEmpty() ? name : beside;
+}
+
+void clearFolder(const QString &path)
+{
+    const QFileInfoList entries =
+        QDir(path).entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    for (const QFileInfo &entry : entries) {
+        const QString entryPath = entry.absoluteFilePath();
+        if (entry.isDir() && !entry.isSymLink())
+            clearFolder(entryPath);
+        else
+            QFile::remove(entryPath);
+        // A link to a folder is removed as a folder on some systems; elsewhere this finds nothing to do.
+        if (entry.isDir())
+            QDir().rmdir(entryPath);
+    }
+}
+
+void takeOutUpdater(const QList<UpdateFileInfo> &fileInfos)
+{
+    const QString updater = QString::fromLatin1(kUpdaterFileName);
+    const auto entry = std::find_if(fileInfos.cbegin(), fileInfos.cend(),
+                                    [&](const UpdateFileInfo &info) { return info.fileName == updater; });
+    if (entry == fileInfos.cend())
+        return;
+
+    const QString installation = QDir::current().canonicalPath();
+    const QDir folder(installation);
+    const QString temp = QDir(QString::fromLatin1(kUpdateFolder)).canonicalPath();
+    const QString zipPath =
+        QFileInfo(QString::fromLatin1(kUpdateFolder) + QLatin1Char('/') + entry->fileVersion + QStringLiteral(".zip"))
+            .canonicalFilePath(); // empty where there is none
+    const QString target = QDir::cleanPath(folder.absoluteFilePath(entry->fileDir + entry->fileName));
+    if (zipPath.isEmpty() || !isInside(zipPath, temp) || !wouldLieInside(target, installation))
+        return;
+
+    QFile::remove(target);
+    if (!QFileInfo(target).isSymLink()) // one that stays would lead the new file anywhere
+        JlCompress::extractFile(zipPath, updater, target);
+    QFile::remove(zipPath);
+}

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "update/UpdateFileInfo.h"
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+/// \file
+/// The files of an update. Relative paths are those of the current folder, which is the installation folder. Nothing
+/// here tells of a failure: what can't be removed or taken out is left as it is.
+
+constexpr const char *kUpdateFolder = "temp";
+constexpr const char *kManifestPath = "temp/update_info.xml";
+
+/// What the two programs pass each other as the first argument.
+constexpr const char *kCalledByProgram = "_OvrynDeck2";
+constexpr const char *kCalledByUpdater = "_OvrynUpdate";
+
+/// True when the updater has started this program. `arguments` are those of the process, its own name first.
+[[nodiscard]] bool isReturnFromUpdater(const QStringList &arguments);
+
+/// The updater, to be started: the executable beside this program, as users expect it, or else the bare name, which
+/// the system looks up in its own way. (On Windows that search begins beside the program, elsewhere it never does.)
+[[nodiscard]] QString updaterProgram(const QString &programFolder);
+
+/// Removes everything in the folder, hidden files too, and leaves the folder itself. A link is a file here: it is
+/// removed and never gone into. What can't be removed is skipped.
+void clearFolder(const QString &path);
+
+/// Puts a new updater in place: a program can't replace its own running file, so the updater leaves its successor as
+/// the archive temp/VERSION.zip and this program takes it out. Only the first entry of that file counts. The old one
+/// goes before the archive is opened, and the archive goes in any case.
+///
+/// `fileInfos` come from the network. Inside the installation they are followed to the letter, but nothing outside is
+/// ever read, removed or written by them: an entry whose archive is not in temp, or whose target is not in the
+/// installation folder, is passed over, with links resolved first. Of the archive only the entry of exactly the
+/// updater's name is taken out, to the target and nowhere else.
+void takeOutUpdater(const QList<UpdateFileInfo> &fileInfos);

@@ -1,0 +1,6 @@
+#include "update/UpdateServer.h"
+
+QString updateServer()
+{
+    return QStringLiteral(OVRYN_UPDATE_SERVER);
+}
