@@ -20,9 +20,9 @@ Ovryn_BoardInfoMainWidget::Ovryn_BoardInfoMainWidget(Ovryn_BoardInfoWidget *rows
 void Ovryn_BoardInfoMainWidget::setLanguage(Lang_BoardInfo newTexts, LanguageType newLanguage)
 {
     boardRows->setLanguage(newTexts, newLanguage);
-    const QString title = newTexts.boardTemp;
+    const QString caption = newTexts.boardTemp;
     boardGraphs->setLanguage(std::move(newTexts), newLanguage);
-    setTitle(title, newLanguage);
+    setTitle(caption, newLanguage);
 }
 
 void Ovryn_BoardInfoMainWidget::recvBoardTempCompleteInfo(BoardTempCompleteInfo boardTempCompleteInfo)
