@@ -29,10 +29,10 @@ const char kPageStyle[] = "QLabel{font-family: \"Arial\";font-size: 12px;}Readon
 // which names one for every label, goes before a font that is set.
 const char kContentStyle[] =
     "QLabel,ReadonlyLineEdit{color:white;background-color:rgba(0,0,0,110);border:1px solid rgba(252,10,53,130);"
-    "padding:0px 3px 0px 3px;}"
+    "padding:0px 2px 0px 2px;}"
     "QLabel[caption=\"true\"]{color:rgb(225,225,225);background-color:transparent;border:none;padding:0px;"
     "font-family:\"%1\";}"
-    "ReadonlyLineEdit{font-family:\"Arial\";padding:0px 1px 0px 1px;"
+    "ReadonlyLineEdit{font-family:\"Arial\";padding:0px;"
     "selection-background-color:rgb(252,10,53);selection-color:white;}";
 
 template <typename Object>

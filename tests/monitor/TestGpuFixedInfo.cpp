@@ -462,9 +462,13 @@ void TestGpuFixedInfo::nothingIsClipped()
         QVERIFY2(content.contains(inPage(label, page.widget)), qPrintable(label->objectName()));
     }
     for (const auto *line : page.widget.findChildren<ReadonlyLineEdit *>()) {
-        // Edge and padding as the sheet tells, and the two pixels that a line keeps at either side of its text.
-        const int room = line->width() - 2 * (1 + 1 + 2);
-        QVERIFY2(line->fontMetrics().horizontalAdvance(line->text()) <= room, qPrintable(line->text()));
+        // The edge, and the two pixels that a line keeps at either side of its text.
+        const int room = line->width() - 2 * (1 + 2);
+        QVERIFY2(
+            line->fontMetrics().horizontalAdvance(line->text()) <= room,
+            qPrintable(
+                line->text() +
+                QStringLiteral(" of %1 in %2").arg(line->fontMetrics().horizontalAdvance(line->text())).arg(room)));
         QVERIFY2(content.contains(inPage(line, page.widget)), qPrintable(line->objectName()));
     }
 }
