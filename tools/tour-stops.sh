@@ -50,3 +50,12 @@ choose 510 110 Down
 look 14-second-card 2
 click "$window" 825 130
 look 15-second-card-rows 2
+
+choose 510 110 Up
+click "$window" 290 62
+look 16-card-information-english 2
+click "$window" 1005 71
+sleep 1.5
+choose $((settings_x + 361)) $((settings_y + 195)) Up
+click "$window" 1005 71
+look 17-card-information 2

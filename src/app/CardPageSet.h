@@ -1,7 +1,9 @@
 #pragma once
 
 class NvGpuControl;
+class Ovryn_BoardInfoMainWidget;
 class Ovryn_ColorPaletteBox;
+class Ovryn_GpuFixedInfo;
 class Ovryn_GpuInfoCircleBox;
 class Ovryn_LEDControlWidget;
 class Ovryn_NvCardInfoWidget;
@@ -19,8 +21,8 @@ struct CardPageSet
     QWidget *lcdPage = nullptr; ///< an empty place so far
     Ovryn_GpuInfoCircleBox *circleBox = nullptr;
     Ovryn_ColorPaletteBox *colorPalette = nullptr; ///< takes the gauge's place beside the LED page
-    QWidget *fixedInfoPage = nullptr;              ///< an empty place so far
+    Ovryn_GpuFixedInfo *fixedInfoPage = nullptr;
     Ovryn_SendNvCardInfoThread *infoWorker = nullptr;
     NvGpuControl *gpuControl = nullptr;
-    QWidget *boardInfoPage = nullptr; ///< an empty place so far
+    Ovryn_BoardInfoMainWidget *boardInfoPage = nullptr; ///< nothing feeds it and nothing leads to it
 };

@@ -2,10 +2,12 @@
 
 #include "app/EmptyPage.h"
 #include "app/MainDialogStyle.h"
+#include "board/Ovryn_BoardInfoMainWidget.h"
 #include "board/Ovryn_ColorPaletteBox.h"
 #include "board/Ovryn_LEDControlWidget.h"
 #include "device/NvGpuControl.h"
 #include "monitor/Ovryn_BackgroundEffects.h"
+#include "monitor/Ovryn_GpuFixedInfo.h"
 #include "monitor/Ovryn_GpuInfoCircleBox.h"
 #include "monitor/Ovryn_NvCardInfoWidget.h"
 #include "monitor/Ovryn_SendNvCardInfoThread.h"
@@ -148,11 +150,11 @@ void OvrynDeck2::buildCardPages(const GpuCardInfo &card)
     pages.lcdPage = new EmptyPage(this);
     pages.monitorPage = newMonitorPage(card, pages.gpuControl);
     pages.adjustPage = newAdjustPage(card, pages.gpuControl);
-    pages.boardInfoPage = new EmptyPage(this);
+    pages.boardInfoPage = new Ovryn_BoardInfoMainWidget(this);
     pages.circleBox = new Ovryn_GpuInfoCircleBox(this);
     applyPageEffects(card, pages.circleBox);
     pages.colorPalette = new Ovryn_ColorPaletteBox(this);
-    pages.fixedInfoPage = new EmptyPage(this);
+    pages.fixedInfoPage = new Ovryn_GpuFixedInfo(this);
     pages.infoWorker = new Ovryn_SendNvCardInfoThread(pages.gpuControl, this);
 
     connectCardPages(pages);
@@ -183,6 +185,9 @@ void OvrynDeck2::connectCardPages(const CardPageSet &pages)
             SLOT(recvNvCardInfo(NvCardBaseInfo)));
     connect(pages.infoWorker, SIGNAL(sendNvCardInfo(NvCardBaseInfo)), pages.circleBox,
             SLOT(recvNvCardInfo(NvCardBaseInfo)));
+    connect(pages.infoWorker, SIGNAL(sendNVCardFixedInfo(NvInfo)), pages.fixedInfoPage,
+            SLOT(recvGpuFixedInfo(NvInfo)));
+    // sendBoardTempCompleteInfo stays unconnected, as btnBoardTempInfo does.
 }
 
 Ovryn_LEDControlWidget *OvrynDeck2::newLedPage(const GpuCardInfo &card, NvGpuControl *control)

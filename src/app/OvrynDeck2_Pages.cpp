@@ -1,8 +1,10 @@
 #include "app/OvrynDeck2.h"
 
+#include "board/Ovryn_BoardInfoMainWidget.h"
 #include "board/Ovryn_ColorPaletteBox.h"
 #include "board/Ovryn_LEDControlWidget.h"
 #include "monitor/Ovryn_BackgroundEffects.h"
+#include "monitor/Ovryn_GpuFixedInfo.h"
 #include "monitor/Ovryn_GpuInfoCircleBox.h"
 #include "monitor/Ovryn_NvCardInfoWidget.h"
 #include "overclock/Ovryn_OverClockingWidget.h"

@@ -1,7 +1,9 @@
 #include "app/OvrynDeck2.h"
 
+#include "board/Ovryn_BoardInfoMainWidget.h"
 #include "board/Ovryn_LEDControlWidget.h"
 #include "device/NvGpuControl.h"
+#include "monitor/Ovryn_GpuFixedInfo.h"
 #include "monitor/Ovryn_GpuInfoCircleBox.h"
 #include "monitor/Ovryn_NvCardInfoWidget.h"
 #include "monitor/Ovryn_SendNvCardInfoThread.h"
@@ -170,5 +172,7 @@ void OvrynDeck2::handWordsTo(const CardPageSet &pages)
     pages.monitorPage->setLanguage(languageTable.monitor, languageTable.language());
     pages.adjustPage->setLanguage(languageTable.overClock, languageTable.language());
     pages.ledPage->setLanguage(languageTable.led, languageTable.language());
+    pages.fixedInfoPage->setLanguage(languageTable.gpuFixedInfo, languageTable.language());
     pages.circleBox->setLanguage(languageTable.breathCircle, languageTable.language());
+    pages.boardInfoPage->setLanguage(languageTable.boardInfo, languageTable.language());
 }

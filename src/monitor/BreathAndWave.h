@@ -10,6 +10,8 @@
 /// water. The steps are pure functions of their state and the painting of its result; who keeps the state
 /// is the renderer's business. Lengths are pixels.
 
+constexpr double kLargestBreathPos = 0.906; ///< a step beyond where the breath turns
+
 /// Where the glow stands in its breath. One step a frame.
 struct BreathPulse
 {
@@ -46,7 +48,8 @@ struct WaveMotion
 /// One wave and all the water below it, for odd-even filling, not yet cut by the disc.
 [[nodiscard]] QPainterPath wavePath(const WaveShape &shape, int width, double amplitude, double phase);
 
-/// Paints the glow, antialiased, into a square picture, but for the disc of `innerRadius` in its middle.
+/// Paints the glow, antialiased, into an empty square picture of premultiplied ARGB, but for the disc of
+/// `innerRadius` in its middle. A radius that is 0, less or no number leaves no disc out.
 void paintGlow(QImage &picture, double innerRadius, double breathPos, const QColor &color);
 
 /// What paintWave needs besides the motion.

@@ -1,6 +1,11 @@
 #include "monitor/GaugeLayout.h"
 
+#include "monitor/BreathAndWave.h"
+
 #include <QtMath>
+
+#include <algorithm>
+#include <cmath>
 
 namespace
 {
@@ -15,6 +20,9 @@ double halfChord(double radius, int height)
 {
     return std::sqrt(qMax(0.0, radius * radius - double(height) * height));
 }
+
+constexpr double kAnimationOverlap = 3; // disc and glow overlap the ring by a pixel, and their edges are soft
+constexpr int kStripHeight = 8;
 
 } // namespace
 
@@ -67,4 +75,34 @@ OverlayLayout overlayLayoutFor(int side, double holeRadius, double ringRatio)
         layout.rows[row].value = QRect(centre, tops[row], column, height);
     }
     return layout;
+}
+
+QRegion animatedRegionFor(const RingLayout &ring)
+{
+    const double middle = ring.side / 2.0;
+    const double discRadius = ring.holeRadius + kAnimationOverlap;
+    const double glowInner = ring.ringSize / 2.0 - kAnimationOverlap;
+    const double glowOuter = middle * kLargestBreathPos + kAnimationOverlap;
+
+    const auto spread = [&](double radius, double dy) {
+        return radius > dy ? std::sqrt(radius * radius - dy * dy) : 0.0;
+    };
+    QRegion region;
+    for (int y = 0; y < ring.side; y += kStripHeight) {
+        const double top = std::abs(y - middle);
+        const double bottom = std::abs(y + kStripHeight - middle);
+        const double nearest = y <= middle && middle <= y + kStripHeight ? 0.0 : std::min(top, bottom);
+        const double farthest = std::max(top, bottom);
+        const auto widest = [&](double radius) {
+            const double half = spread(radius, nearest);
+            const int left = static_cast<int>(std::floor(middle - half));
+            return half > 0.0 ? QRect(left, y, static_cast<int>(std::ceil(middle + half)) - left, kStripHeight)
+                              : QRect();
+        };
+        const double kept = spread(glowInner, farthest); // of the ring, on every row of the strip
+        const int keptLeft = static_cast<int>(std::ceil(middle - kept));
+        const QRect band(keptLeft, y, static_cast<int>(std::floor(middle + kept)) - keptLeft, kStripHeight);
+        region += QRegion(widest(glowOuter)) - QRegion(band) + QRegion(widest(discRadius));
+    }
+    return region & QRect(0, 0, ring.side, ring.side);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QRect>
+#include <QRegion>
 #include <QSize>
 
 #include <array>
@@ -50,3 +51,7 @@ struct OverlayLayout
 };
 
 [[nodiscard]] OverlayLayout overlayLayoutFor(int side, double holeRadius, double ringRatio);
+
+/// What of the gauge a new picture of the animation can change: all but the band of the ring, which the glow leaves
+/// out and the disc does not reach. In strips of some pixels, for a region of few rectangles is cheap to repaint.
+[[nodiscard]] QRegion animatedRegionFor(const RingLayout &ring);

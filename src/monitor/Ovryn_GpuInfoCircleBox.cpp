@@ -157,7 +157,12 @@ void Ovryn_GpuInfoCircleBox::selectDisplayMode(GaugeDisplayMode mode)
 
 void Ovryn_GpuInfoCircleBox::recvRenderedImage(const QImage &image)
 {
-    recvBkImg(QPixmap::fromImage(image));
+    const bool fits = background.size() == image.size();
+    background = QPixmap::fromImage(image);
+    if (fits)
+        update(animatedRegion);
+    else
+        update();
 }
 
 void Ovryn_GpuInfoCircleBox::recvBkImg(QPixmap pixmap)
@@ -174,6 +179,7 @@ void Ovryn_GpuInfoCircleBox::resizeEvent(QResizeEvent *event)
     holeRadius = ring.holeRadius;
     readoutLayout = readoutLayoutFor(ring.side, holeRadius);
     overlayLayout = overlayLayoutFor(ring.side, holeRadius, ringRatio);
+    animatedRegion = animatedRegionFor(ring);
     setMask(QRegion(0, 0, ring.side, ring.side, QRegion::Ellipse));
 
     for (Ovryn_CircleButton *button : {btnFreClock, btnTemperature, btnMemory}) {

@@ -78,6 +78,7 @@ private:
     void updateOverlayTexts();
 
     // what paintEvent needs, made where its inputs change
+    QRegion animatedRegion;
     ReadoutLayout readoutLayout;
     OverlayLayout overlayLayout;
     ReadoutTexts readoutTexts;

@@ -3,10 +3,10 @@
 #include "device/NvGpuControl.h"
 #include "monitor/Ovryn_GPUInfoMonitorWidget.h"
 #include "monitor/Ovryn_GPUInfoWidget.h"
+#include "ui/PageFrame.h"
 
 #include <QPainter>
 
-#include <algorithm>
 #include <utility>
 
 namespace
@@ -64,10 +64,5 @@ void Ovryn_NvCardInfoWidget::paintEvent(QPaintEvent *event)
 {
     RowsAndGraphsPage::paintEvent(event);
     QPainter painter(this);
-    painter.setRenderHint(QPainter::TextAntialiasing);
-    QFont versionFont = font();
-    versionFont.setPixelSize(std::max(1, pageLayout().bandHeight / 2)); // a font of 0 pixels is none
-    painter.setFont(versionFont);
-    painter.setPen(Qt::white);
-    painter.drawText(pageLayout().versionRect, Qt::AlignLeft | Qt::AlignVCenter, driverVersion);
+    PageFrame::paintBandVersion(painter, font(), pageLayout().bandHeight, pageLayout().versionRect, driverVersion);
 }

@@ -1,6 +1,5 @@
 #include "ui/PageFrame.h"
 
-#include <QFont>
 #include <QPainter>
 
 #include <algorithm>
@@ -74,4 +73,14 @@ QPixmap PageFrame::background(QSize size, int bandHeight, const QRect &titleRect
     painter.setPen(Qt::white);
     painter.drawText(titleRect, Qt::AlignLeft | Qt::AlignVCenter, title);
     return pixmap;
+}
+
+void PageFrame::paintBandVersion(QPainter &painter, QFont font, int bandHeight, const QRect &rect,
+                                 const QString &text)
+{
+    painter.setRenderHint(QPainter::TextAntialiasing);
+    font.setPixelSize(std::max(1, bandHeight / 2)); // a font of 0 pixels is none
+    painter.setFont(font);
+    painter.setPen(Qt::white);
+    painter.drawText(rect, Qt::AlignLeft | Qt::AlignVCenter, text);
 }

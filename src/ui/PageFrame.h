@@ -3,11 +3,14 @@
 #include "ui/Ovryn_LanguageTable.h"
 
 #include <QColor>
+#include <QFont>
 #include <QPainterPath>
 #include <QPixmap>
 #include <QRect>
 #include <QSize>
 #include <QString>
+
+class QPainter;
 
 /// What the side pages share: the glass with the cut corner, the header band, the red rule under it
 /// and the fonts. Free functions, GUI thread.
@@ -37,5 +40,9 @@ enum class BandRule
 /// left and vertically centred. Null for an empty size.
 QPixmap background(QSize size, int bandHeight, const QRect &titleRect, const QString &title, int titlePixels,
                    LanguageType language, BandRule rule = BandRule::Drawn);
+
+/// A version in the right part of a band: white, in `font` at half the band's height, left and vertically centred
+/// in `rect`.
+void paintBandVersion(QPainter &painter, QFont font, int bandHeight, const QRect &rect, const QString &text);
 
 } // namespace PageFrame

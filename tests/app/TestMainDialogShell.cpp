@@ -1,9 +1,12 @@
 #include "app/MainDialogTest.h"
+#include "board/Ovryn_BoardInfoWidget.h"
+#include "monitor/Ovryn_BaseInfoRow.h"
 #include "support/ModalAnswer.h"
 
 #include <QAction>
 #include <QComboBox>
 #include <QDate>
+#include <QLabel>
 #include <QMenu>
 #include <QRegularExpression>
 
@@ -157,6 +160,8 @@ void TestMainDialogShell::changeOfLanguageReachesEveryWord()
     QCOMPARE(button(dialog, "btnAdjust")->text(), QStringLiteral("Adjust"));
     QCOMPARE(button(dialog, "btnBoardTempInfo")->text(), QStringLiteral("Temp"));
     QCOMPARE(button(dialog, "btnHighPerformance")->text(), QStringLiteral("On   Off"));
+    QCOMPARE(dialog.findChild<QLabel *>(QStringLiteral("lbl_MemType"))->text(), QStringLiteral("Mem Type"));
+    QCOMPARE(dialog.findChild<Ovryn_BoardInfoWidget *>()->row(0)->titleText(), QStringLiteral("Mem 1"));
     QVERIFY(!savedText().contains(QLatin1String("lang_en"))); // the file waits for the close
     dialog.close();
     QVERIFY(savedText().contains(QLatin1String("Language=\"lang_en\"")));

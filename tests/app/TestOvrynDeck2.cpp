@@ -1,5 +1,6 @@
 #include "app/MainDialogTest.h"
 #include "monitor/Ovryn_BackgroundEffects.h"
+#include "monitor/Ovryn_GpuFixedInfo.h"
 #include "monitor/Ovryn_GpuInfoCircleBox.h"
 #include "monitor/Ovryn_NvCardInfoWidget.h"
 #include "support/ConnectWarnings.h"
@@ -7,6 +8,7 @@
 #include "ui/Ovryn_ComboBox.h"
 #include "ui/RollStackWidget.h"
 
+#include <QLabel>
 #include <QRegularExpression>
 #include <QStackedWidget>
 
@@ -42,6 +44,9 @@ private slots:
     void storedSelectionIsUsed_data();
     void storedSelectionIsUsed();
     void boardTemperatureButtonLeadsNowhere();
+    void eachCardsInformationReachesItsPage();
+    void cardInformationStandsInForAMissingPage_data();
+    void cardInformationStandsInForAMissingPage();
 };
 
 namespace
@@ -458,6 +463,43 @@ void TestOvrynDeck2::boardTemperatureButtonLeadsNowhere()
     QVERIFY(!button(dialog, "btnBoardTempInfo")->isVisible());
     button(dialog, "btnBoardTempInfo")->click();
     QCOMPARE(dialog.shownPage(), int(OvrynDeck2::HomePage));
+}
+
+void TestOvrynDeck2::eachCardsInformationReachesItsPage()
+{
+    driver->cards.resize(2);
+    driver->card(1).vbiosVersion = "11.22.33";
+    OvrynDeck2 dialog;
+    dialog.show();
+    const QList<Ovryn_GpuFixedInfo *> pages = dialog.findChildren<Ovryn_GpuFixedInfo *>();
+    QCOMPARE(pages.size(), 2);
+    const auto biosVersion = [&](int card) {
+        return pages.at(card)->findChild<QLabel *>(QStringLiteral("lbl_BiosVersionValue"))->text();
+    };
+    QTRY_COMPARE(biosVersion(0), QStringLiteral("86.04.85.00.AB"));
+    QTRY_COMPARE(biosVersion(1), QStringLiteral("11.22.33"));
+}
+
+void TestOvrynDeck2::cardInformationStandsInForAMissingPage_data()
+{
+    QTest::addColumn<QByteArray>("button");
+    QTest::newRow("LED") << QByteArray("btnFirstSlot");
+    QTest::newRow("LCD") << QByteArray("btnSecondSlot");
+}
+
+void TestOvrynDeck2::cardInformationStandsInForAMissingPage()
+{
+    QFETCH(QByteArray, button);
+    driver->cards.resize(2);
+    makeForeign(driver->card(1), "GeForce GTX 1080");
+    OvrynDeck2 dialog;
+    dialog.show();
+    this->button(dialog, button.constData())->click();
+    finishSlide(dialog);
+    dialog.findChild<Ovryn_ComboBox *>()->setCurrentIndex(1); // a card without such a page
+    const QList<Ovryn_GpuFixedInfo *> pages = dialog.findChildren<Ovryn_GpuFixedInfo *>();
+    QVERIFY(pages.at(1)->isVisible());
+    QVERIFY(qobject_cast<Ovryn_GpuInfoCircleBox *>(circleStack(dialog)->currentWidget()));
 }
 
 QTEST_MAIN(TestOvrynDeck2)

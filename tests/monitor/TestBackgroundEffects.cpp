@@ -74,6 +74,8 @@ private slots:
     void logosRestInsideThePicture();
     void slidesInStepByStep();
     void slidesOutStepByStep();
+    void turnsBackInMidSlide();
+    void movingInAtRestStartsTheDelayAgain();
     void eachLogoStopsAtItsOwnLimit();
     void secondLogoGoesAfterTheDelay();
     void secondLogoComesBackOnShowing();
@@ -172,6 +174,33 @@ void TestBackgroundEffects::slidesOutStepByStep()
     effects.moveIn();
     QVERIFY(effects.movingIn);
     QCOMPARE(effects.slide(), 65);
+}
+
+void TestBackgroundEffects::turnsBackInMidSlide()
+{
+    OpenEffects effects;
+    for (int tick = 0; tick < 10; ++tick)
+        effects.onMoveTimerTimeout();
+    QCOMPARE(effects.logo2X, 1020 - 150);
+    effects.moveOut();
+    effects.onMoveTimerTimeout();
+    QCOMPARE(effects.logo2X, 1020 - 135);
+    QCOMPARE(effects.logoX, 1020 - 135 + 769 - 51);
+    effects.moveIn();
+    QCOMPARE(effects.slide(), 56); // 834 pixels
+    QCOMPARE(effects.logoX, 769);
+    QCOMPARE(effects.logo2X, 51);
+}
+
+void TestBackgroundEffects::movingInAtRestStartsTheDelayAgain()
+{
+    OpenEffects effects;
+    effects.slide();
+    effects.onDelayTimerTimeout();
+    effects.moveIn();
+    QCOMPARE(effects.slide(), 1);
+    QVERIFY(effects.delayTimer->isActive());
+    QVERIFY(effects.hideSecondLogo); // only a showing and the way out bring the second logo back
 }
 
 void TestBackgroundEffects::eachLogoStopsAtItsOwnLimit()

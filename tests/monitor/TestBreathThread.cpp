@@ -57,6 +57,9 @@ private slots:
     void withBothEffectsOffItEndsAfterOneEmptyFrame();
     void withBothEffectsOffTheDiscIsPale();
     void aDisabledWaveIsEmptyAtAnyLevel();
+    void framesShowTheLevel_data();
+    void framesShowTheLevel();
+    void glowKeepsOutsideTheRing();
     void radiiOverlapTheRingByAPixel();
     void startingARunningThreadDoesNothing();
     void itStartsAgainAfterItEndedByItself();
@@ -109,6 +112,72 @@ void TestBreathThread::aDisabledWaveIsEmptyAtAnyLevel()
     QVERIFY(qAlpha(renderer.renderFrame().pixel(100, 130)) > 200);
     renderer.setWaveEnabled(false);
     QCOMPARE(qAlpha(renderer.renderFrame().pixel(100, 130)), 50);
+}
+
+void TestBreathThread::framesShowTheLevel_data()
+{
+    QTest::addColumn<double>("level");
+    QTest::addColumn<int>("line"); // first row of the water
+    QTest::newRow("empty: the pale disc") << 0.0 << 400;
+    QTest::newRow("a quarter") << 0.25 << 240;
+    QTest::newRow("half") << 0.5 << 200;
+    QTest::newRow("three quarters") << 0.75 << 159;
+    QTest::newRow("full: the dark disc") << 1.0 << 0;
+}
+
+void TestBreathThread::framesShowTheLevel()
+{
+    QFETCH(double, level);
+    QFETCH(int, line);
+    CreateBreathCircleAndWaveCircleThread renderer(nullptr);
+    renderer.setSize(400);
+    renderer.setWaveRadius(80);
+    renderer.setBreathEnabled(false);
+    renderer.setWaveLevel(level);
+    const int limit = static_cast<int>(waveShapeFor(400, 81, level).amplitudeLimit) + 2;
+    for (int frame = 0; frame < 300; ++frame) { // several breaths of the waves
+        const QImage picture = renderer.renderFrame();
+        for (int y = 122; y < 278; ++y) { // the disc's own rows, without its edge
+            const int alpha = qAlpha(picture.pixel(200, y));
+            const QByteArray place = QByteArray::number(frame) + ": row " + QByteArray::number(y);
+            if (y < line - limit)
+                QVERIFY2(qAbs(alpha - 50) <= 1, place.constData());
+            else if (y > line + limit)
+                QVERIFY2(qAbs(alpha - (level < 1 ? 220 : 171)) <= 1, place.constData()); // both waves, or dark once
+            else
+                QVERIFY2(alpha >= 49 && alpha <= 221, place.constData());
+        }
+        QCOMPARE(qAlpha(picture.pixel(200, 117)), 0);
+        QCOMPARE(qAlpha(picture.pixel(200, 282)), 0);
+    }
+}
+
+void TestBreathThread::glowKeepsOutsideTheRing()
+{
+    CreateBreathCircleAndWaveCircleThread renderer(nullptr);
+    renderer.setSize(200);
+    renderer.setBreathRadius(60);
+    renderer.setWaveRadius(0); // a disc of one pixel's radius
+    int widest = 0;
+    int narrowest = 100;
+    for (int frame = 0; frame < 200; ++frame) {
+        const QImage picture = renderer.renderFrame();
+        int reach = 0; // of the glow, from the middle along the row
+        for (int x = 100; x < 200; ++x) {
+            const int distance = x - 100;
+            const int alpha = qAlpha(picture.pixel(x, 100));
+            if (distance > 2 && distance < 58)
+                QCOMPARE(alpha, 0);
+            if (distance == 60)
+                QVERIFY(alpha > 20);
+            if (alpha > 0)
+                reach = distance;
+        }
+        widest = qMax(widest, reach);
+        narrowest = qMin(narrowest, reach);
+    }
+    QVERIFY2(widest >= 87 && widest <= 91, qPrintable(QString::number(widest)));
+    QVERIFY2(narrowest >= 67 && narrowest <= 71, qPrintable(QString::number(narrowest)));
 }
 
 void TestBreathThread::radiiOverlapTheRingByAPixel()

@@ -1,5 +1,9 @@
 #include "monitor/GaugeLayout.h"
 
+#include "monitor/BreathAndWave.h"
+
+#include <QPainter>
+#include <QtMath>
 #include <QtTest>
 
 class TestGaugeLayout : public QObject
@@ -7,6 +11,9 @@ class TestGaugeLayout : public QObject
     Q_OBJECT
 
 private slots:
+    void animationStaysInItsRegion_data();
+    void animationStaysInItsRegion();
+    void animatedRegionLeavesTheRingOut();
     void ring_data();
     void ring();
     void readout_data();
@@ -115,6 +122,56 @@ void TestGaugeLayout::overlay()
         QCOMPARE(layout.rows[std::size_t(row)].label, labels[row]);
         QCOMPARE(layout.rows[std::size_t(row)].value, values[row]);
     }
+}
+
+void TestGaugeLayout::animationStaysInItsRegion_data()
+{
+    QTest::addColumn<int>("side");
+    for (const int side : {0, 1, 2, 33, 300, 639, 640, 801})
+        QTest::addRow("%d pixels", side) << side;
+}
+
+void TestGaugeLayout::animationStaysInItsRegion()
+{
+    QFETCH(int, side);
+    const RingLayout ring = ringLayoutFor(QSize(side, side), 0.2);
+    const QRegion region = animatedRegionFor(ring);
+    QVERIFY(QRegion(0, 0, side, side).contains(region.boundingRect()) || region.isEmpty());
+    for (const double breathPos : {0.7, 0.8, kLargestBreathPos}) {
+        QImage picture(side, side, QImage::Format_ARGB32_Premultiplied);
+        picture.fill(Qt::transparent);
+        paintGlow(picture, ring.ringSize / 2.0 - 1.0, breathPos, QColor(236, 9, 40, 180));
+        const WaveDisc full = {side, ring.holeRadius + 1.0, 1.0, QColor(236, 9, 40, 50), QColor(236, 9, 40, 150)};
+        paintWaveDisc(picture, full, WaveMotion());
+        QImage uncovered = picture;
+        {
+            QPainter painter(&uncovered);
+            if (!uncovered.isNull()) {
+                painter.setClipRegion(region);
+                painter.setCompositionMode(QPainter::CompositionMode_Clear);
+                painter.fillRect(uncovered.rect(), Qt::transparent);
+            }
+        }
+        for (int y = 0; y < side; ++y) {
+            for (int x = 0; x < side; ++x)
+                QVERIFY2(uncovered.pixel(x, y) == 0, qPrintable(QStringLiteral("%1, %2").arg(x).arg(y)));
+        }
+    }
+}
+
+void TestGaugeLayout::animatedRegionLeavesTheRingOut()
+{
+    const RingLayout ring = ringLayoutFor(QSize(639, 639), 0.2);
+    const QRegion region = animatedRegionFor(ring);
+    const double middleOfTheBand = (ring.holeRadius + ring.ringSize / 2.0) / 2.0;
+    for (int degrees = 0; degrees < 360; degrees += 5) {
+        const double angle = qDegreesToRadians(static_cast<double>(degrees));
+        const QPoint point(qRound(319.5 + middleOfTheBand * std::cos(angle)),
+                           qRound(319.5 + middleOfTheBand * std::sin(angle)));
+        QVERIFY2(!region.contains(point), qPrintable(QString::number(degrees)));
+    }
+    QVERIFY(region.contains(QPoint(319, 319)));
+    QVERIFY2(region.rectCount() <= 3 * 80, qPrintable(QString::number(region.rectCount())));
 }
 
 QTEST_APPLESS_MAIN(TestGaugeLayout)
