@@ -1,6 +1,7 @@
 #include "app/OvrynDeck2.h"
 
 #include "board/Ovryn_ColorPaletteBox.h"
+#include "board/Ovryn_LCDControllorWidget.h"
 #include "board/Ovryn_LEDControlWidget.h"
 #include "monitor/Ovryn_BackgroundEffects.h"
 #include "monitor/Ovryn_GpuInfoCircleBox.h"
@@ -146,7 +147,10 @@ void OvrynDeck2::selectPage()
         }
         break;
     case LcdPage:
-        rollTo(card->hasLcd ? pages->lcdPage : pages->fixedInfoPage);
+        if (card->hasLcd)
+            rollTo(pages->lcdPage);
+        else
+            rollTo(pages->fixedInfoPage);
         break;
     case FixedInfoPage:
         rollTo(pages->fixedInfoPage);
