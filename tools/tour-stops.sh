@@ -33,16 +33,32 @@ click "$window" 435 395 # yes
 look 08-adjust 3
 click "$window" $((panel_x + 60)) $((panel_y + 382)) # a free spot of the page
 click "$window" 910 130
+click "$window" 215 130
+look 09-lcd 3
+click "$window" $((panel_x + 33)) $((panel_y + 175)) # by hot key
+click "$window" $((panel_x + 33)) $((panel_y + 254)) # and off
+look 10-lcd-off 1.2
+click "$window" $((panel_x + 33)) $((panel_y + 254))
+hover 300 600
+look 11-lcd-by-hot-key 1
+click "$window" 215 130
 
 click "$window" 1005 71
-look 09-settings 1.5
+look 12-settings 1.5
 choose $((settings_x + 361)) $((settings_y + 195)) Down
-look 10-settings-english 1
+look 13-settings-english 1
 click "$window" 1005 71
-look 11-home-english 1.5
+look 14-home-english 1.5
 click "$window" 510 577 # the lowest segment of the ring
-look 12-memory-readout 1.2
+look 15-memory-readout 1.2
+click "$window" 215 130
+look 16-lcd-english 3
+click "$window" $((panel_x + 133)) $((panel_y + 368)) # apply
+look 17-lcd-question 1
+click "$window" 585 395 # no
+click "$window" 215 130
+sleep 1
 choose 510 110 Down
-look 13-second-card 2
+look 18-second-card 2
 click "$window" 825 130
-look 14-second-card-rows 2
+look 19-second-card-rows 2

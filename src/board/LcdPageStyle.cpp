@@ -15,13 +15,15 @@ QString LcdPageStyle::keyField()
                           "QLineEdit:hover{border:1px solid rgba(252,10,53,220);}"
                           "QLineEdit:focus{border:1px solid rgb(252,10,53);background-color:rgba(252,10,53,70);}"
                           "QLineEdit:disabled{border:1px solid rgba(140,140,140,90);"
-                          "background-color:rgba(0,0,0,60);color:rgb(120,120,120);}");
+                          "background-color:rgba(0,0,0,60);color:rgb(120,120,120);}"
+                          // the captions reach up to the fields: these stand off by a margin of their own
+                          "QLineEdit#hotKeyModifier{margin-left:4px;}");
 }
 
 QString LcdPageStyle::switchTime()
 {
     return UiStyle::numberBoxes() + UiStyle::numberBoxButtons() +
-           QStringLiteral("ModifySpinBox{padding:0px 0px 0px 4px;}"
+           QStringLiteral("ModifySpinBox{padding:0px 0px 0px 4px;margin-left:4px;}"
                           "ModifySpinBox::up-button,ModifySpinBox::down-button{width:14px;}");
 }
 

@@ -143,6 +143,10 @@ void Ovryn_LCDControllorWidget::onEnableLCDToggled(bool bChecked)
 
 void Ovryn_LCDControllorWidget::onLineEditTextChanged(const QString &)
 {
+    for (Ovryn_HotKeyEdit *field : {hotKeyModifier, hotKeyNormal}) {
+        field->home(false); // the longest names don't fit: their beginning is to be seen, the rest in the tool tip
+        field->setToolTip(field->text());
+    }
     showButtons(true);
 }
 

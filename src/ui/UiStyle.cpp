@@ -142,9 +142,15 @@ QString UiStyle::numberBoxes()
 
 QString UiStyle::radioButtons()
 {
-    return radioButtonIndicator() + QStringLiteral("QRadioButton{color:rgb(225,225,225);spacing:8px;outline:none;}"
-                                                   "QRadioButton:hover{color:white;}"
-                                                   "QRadioButton:disabled{color:rgb(120,120,120);}");
+    return radioButtonIndicator() +
+           QStringLiteral("QRadioButton{color:rgb(225,225,225);spacing:8px;outline:none;}"
+                          "QRadioButton:hover{color:white;}"
+                          "QRadioButton:disabled{color:rgb(120,120,120);}"
+                          "QRadioButton::indicator:disabled{border:1px solid rgba(140,140,140,130);}"
+                          "QRadioButton::indicator:checked:disabled{"
+                          "background-color:qradialgradient(cx:0.5,cy:0.5,radius:0.5,fx:0.5,fy:0.5,"
+                          "stop:0 rgb(120,120,120),stop:0.5 rgb(110,110,110),stop:0.6 rgba(0,0,0,120),stop:1 "
+                          "rgba(0,0,0,120));}");
 }
 
 QString UiStyle::numberBoxButtons()

@@ -29,6 +29,7 @@ private slots:
     void painting();
     void fieldsShowWholeNames_data();
     void fieldsShowWholeNames();
+    void longNamesShowTheirBeginning();
 };
 
 void TestLcdControllorWidgetStart::initTestCase()
@@ -325,6 +326,18 @@ void TestLcdControllorWidgetStart::fieldsShowWholeNames()
     const QFontMetrics metrics(world.normalKey()->font());
     // the toolkit keeps 2 pixels free at both sides of the text, the frame takes 1
     QVERIFY(metrics.horizontalAdvance(world.normalKey()->text()) <= world.normalKey()->width() - 6);
+}
+
+void TestLcdControllorWidgetStart::longNamesShowTheirBeginning()
+{
+    LcdPageWorld world;
+    world.open({false, 10, 17, 0x28, true});
+    QCOMPARE(world.normalKey()->text(), QStringLiteral("DownArrow"));
+    QCOMPARE(world.normalKey()->cursorPosition(), 0);
+    QCOMPARE(world.normalKey()->toolTip(), QStringLiteral("DownArrow"));
+    LcdPageWorld::press(world.normalKey(), 0x22);
+    QCOMPARE(world.normalKey()->cursorPosition(), 0);
+    QCOMPARE(world.normalKey()->toolTip(), QStringLiteral("PageDown"));
 }
 
 QTEST_MAIN(TestLcdControllorWidgetStart)
