@@ -31,14 +31,18 @@ window=$(find_window OvrynDeckII)
 place_of "$window"
 rm -f "$pictures"/*.png
 
-# the slides and the first samples need their time to be worth a picture
+# look NAME [SECONDS]: the next picture; the slides and the first samples need their time to be worth one.
+stop=0
 look() {
     sleep "${2:-2}"
-    picture "$pictures/$1.png"
-    echo "  $pictures/$1.png"
+    stop=$((stop + 1))
+    local file
+    file=$(printf '%s/%02d-%s.png' "$pictures" "$stop" "$1")
+    picture "$file"
+    echo "  $file"
 }
 
-look 01-first-start
+look first-start
 sleep 0.3
 . "$(dirname "$0")/tour-stops.sh"
 

@@ -1,6 +1,6 @@
 """The small images: buttons, check boxes, switches, sliders, icons."""
 
-from shapes import (GREY, INK, RED, RED_DARK, RED_DEEP, WHITE, cut_rectangle, gradient, path, points, svg)
+from shapes import (GREY, INK, RED, RED_DARK, RED_DEEP, WHITE, cut_rectangle, gradient, path, points, svg, word)
 
 STATES = {
     # suffix     line     its opacity   ground      its opacity
@@ -59,6 +59,28 @@ def performance_switch(state):
                 stroke_opacity=0.55 if state == "off" else 1)
     body += path(points(cut_rectangle(plate_x, 2.5, 37, 15, top_left=4, bottom_right=4)), fill="url(#k)")
     return svg(80, 20, body, defs)
+
+
+def lcd_switch(lit, hovered):
+    """The switch of 92 by 26 on the LCD page: a small screen, bright while the LCD is on, and a track with its plate.
+    It says what it switches in no language but its letters."""
+    edge = "#ff8095" if hovered else RED
+    screen = points(cut_rectangle(0.5, 1.5, 41, 23, top_left=5, bottom_right=5))
+    track = points(cut_rectangle(48.5, 4.5, 43, 17, top_left=5, bottom_right=5))
+    plate = points(cut_rectangle(72.5 if lit else 50.5, 6.5, 17, 13, top_left=4, bottom_right=4))
+    if lit:
+        defs = (gradient("s", [(0, RED, 0.6), (1, RED_DARK, 0.6)])
+                + gradient("t", [(0, RED_DEEP, 0.75), (1, RED_DARK, 0.75)])
+                + gradient("k", [(0, "#ffffff", 1), (1, "#ffc9d2", 1)]))
+    else:
+        defs = (gradient("s", [(0, "#1a0b0f", 0.7), (1, "#0a0405", 0.7)])
+                + gradient("t", [(0, "#2a0d13", 0.85), (1, "#0e0507", 0.85)])
+                + gradient("k", [(0, "#7a6065", 1), (1, "#44343a", 1)]))
+    body = path(screen, fill="url(#s)", stroke=edge, stroke_opacity=1 if lit or hovered else 0.55)
+    body += word("LCD", 5.6, 9, 8, 4, "#fff" if lit else GREY, 4.6)[0]
+    body += path(track, fill="url(#t)", stroke=edge, stroke_opacity=1 if lit or hovered else 0.55)
+    body += path(plate, fill="url(#k)")
+    return svg(92, 26, body, defs)
 
 
 def check_box(size, checked, hovered):
@@ -143,6 +165,9 @@ def images():
         pictures[f"TopButton/{name}_on"] = top_plate(True, mirrored)
     for state in ("off", "on", "over"):
         pictures[f"hightPerformanceSwitch/hps_{state}"] = performance_switch(state)
+    for name, lit in (("off", False), ("on", True)):
+        pictures[f"lcdSwitch/lcd_{name}"] = lcd_switch(lit, False)
+        pictures[f"lcdSwitch/lcd_{name}_hover"] = lcd_switch(lit, True)
     pictures["messageBox/unchecked"] = check_box(18, False, False)
     pictures["messageBox/checked"] = check_box(18, True, False)
     pictures["messageBox/hover_unchecked"] = check_box(18, False, True)

@@ -62,7 +62,8 @@ def cut_rectangle(x, y, width, height, top_left=0, top_right=0, bottom_right=0, 
     return [c for i, c in enumerate(corners) if c != corners[i - 1]]
 
 
-# Strokes of the word mark's letters in a box of 24 by 20; two corners are cut like the window's.
+# Strokes of the letters of the word mark and of the LCD's switch in a box of 24 by 20; two corners are cut like the
+# window's.
 LETTERS = {
     "O": "M4,0 H24 V16 L20,20 H0 V4 Z",
     "V": "M0,0 L12,20 L24,0",
@@ -74,6 +75,7 @@ LETTERS = {
     "C": "M24,0 H4 L0,4 V16 L4,20 H24",
     "K": "M0,0 V20 M24,0 L5,10 L24,20",
     "I": "M0,0 V20",
+    "L": "M0,0 V20 H24",
 }
 LETTER_WIDTH = 24
 LETTER_HEIGHT = 20

@@ -5,6 +5,7 @@ class Ovryn_BoardInfoMainWidget;
 class Ovryn_ColorPaletteBox;
 class Ovryn_GpuFixedInfo;
 class Ovryn_GpuInfoCircleBox;
+class Ovryn_LCDControllorWidget;
 class Ovryn_LEDControlWidget;
 class Ovryn_NvCardInfoWidget;
 class Ovryn_OverClockingWidget;
@@ -18,7 +19,7 @@ struct CardPageSet
     Ovryn_NvCardInfoWidget *monitorPage = nullptr;
     Ovryn_OverClockingWidget *adjustPage = nullptr;
     Ovryn_LEDControlWidget *ledPage = nullptr;
-    QWidget *lcdPage = nullptr; ///< an empty place so far
+    Ovryn_LCDControllorWidget *lcdPage = nullptr;
     Ovryn_GpuInfoCircleBox *circleBox = nullptr;
     Ovryn_ColorPaletteBox *colorPalette = nullptr; ///< takes the gauge's place beside the LED page
     Ovryn_GpuFixedInfo *fixedInfoPage = nullptr;

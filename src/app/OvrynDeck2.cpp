@@ -4,6 +4,7 @@
 #include "app/MainDialogStyle.h"
 #include "board/Ovryn_BoardInfoMainWidget.h"
 #include "board/Ovryn_ColorPaletteBox.h"
+#include "board/Ovryn_LCDControllorWidget.h"
 #include "board/Ovryn_LEDControlWidget.h"
 #include "device/NvGpuControl.h"
 #include "monitor/Ovryn_BackgroundEffects.h"
@@ -147,7 +148,7 @@ void OvrynDeck2::buildCardPages(const GpuCardInfo &card)
     pages.gpuControl->setCurrentGpu(card.gpuIndex);
 
     pages.ledPage = newLedPage(card, pages.gpuControl);
-    pages.lcdPage = new EmptyPage(this);
+    pages.lcdPage = newLcdPage(card, pages.gpuControl);
     pages.monitorPage = newMonitorPage(card, pages.gpuControl);
     pages.adjustPage = newAdjustPage(card, pages.gpuControl);
     pages.boardInfoPage = new Ovryn_BoardInfoMainWidget(this);
@@ -187,6 +188,8 @@ void OvrynDeck2::connectCardPages(const CardPageSet &pages)
             SLOT(recvNvCardInfo(NvCardBaseInfo)));
     connect(pages.infoWorker, SIGNAL(sendNVCardFixedInfo(NvInfo)), pages.fixedInfoPage,
             SLOT(recvGpuFixedInfo(NvInfo)));
+    connect(pages.circleBox, SIGNAL(setLcdDisplayMode(LCDDisplayMode)), pages.lcdPage,
+            SLOT(setLCDCurrentDisplayMode(LCDDisplayMode)));
     // sendBoardTempCompleteInfo stays unconnected, as btnBoardTempInfo does.
 }
 
@@ -196,6 +199,14 @@ Ovryn_LEDControlWidget *OvrynDeck2::newLedPage(const GpuCardInfo &card, NvGpuCon
     if (generalSetting.ApplyLastParamOnStart && configFile.getLedModule(card.gpuName, card.subSystemId, saved))
         return new Ovryn_LEDControlWidget(saved, control, this);
     return new Ovryn_LEDControlWidget(control, this);
+}
+
+Ovryn_LCDControllorWidget *OvrynDeck2::newLcdPage(const GpuCardInfo &card, NvGpuControl *control)
+{
+    LcdModuleInfo saved;
+    if (generalSetting.ApplyLastParamOnStart && configFile.getLcdModule(card.gpuName, card.subSystemId, saved))
+        return new Ovryn_LCDControllorWidget(saved, control, this);
+    return new Ovryn_LCDControllorWidget(control, this);
 }
 
 Ovryn_NvCardInfoWidget *OvrynDeck2::newMonitorPage(const GpuCardInfo &card, NvGpuControl *control)

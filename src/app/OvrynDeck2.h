@@ -17,6 +17,7 @@
 class Ovryn_BackgroundEffects;
 class Ovryn_ComboBox;
 class Ovryn_DownloadUpdateFileInfo;
+class Ovryn_LCDControllorWidget;
 class Ovryn_LEDControlWidget;
 class Ovryn_OverClockingWidget;
 class Ovryn_SettingParentWidget;
@@ -106,6 +107,7 @@ private:
     void buildCardPages(const GpuCardInfo &card);
     void connectCardPages(const CardPageSet &pages);
     [[nodiscard]] Ovryn_LEDControlWidget *newLedPage(const GpuCardInfo &card, NvGpuControl *control);
+    [[nodiscard]] Ovryn_LCDControllorWidget *newLcdPage(const GpuCardInfo &card, NvGpuControl *control);
     [[nodiscard]] Ovryn_NvCardInfoWidget *newMonitorPage(const GpuCardInfo &card, NvGpuControl *control);
     [[nodiscard]] Ovryn_OverClockingWidget *newAdjustPage(const GpuCardInfo &card, NvGpuControl *control);
 

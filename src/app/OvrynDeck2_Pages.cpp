@@ -2,6 +2,7 @@
 
 #include "board/Ovryn_BoardInfoMainWidget.h"
 #include "board/Ovryn_ColorPaletteBox.h"
+#include "board/Ovryn_LCDControllorWidget.h"
 #include "board/Ovryn_LEDControlWidget.h"
 #include "monitor/Ovryn_BackgroundEffects.h"
 #include "monitor/Ovryn_GpuFixedInfo.h"
@@ -148,7 +149,10 @@ void OvrynDeck2::selectPage()
         }
         break;
     case LcdPage:
-        rollTo(card->hasLcd ? pages->lcdPage : pages->fixedInfoPage);
+        if (card->hasLcd)
+            rollTo(pages->lcdPage);
+        else
+            rollTo(pages->fixedInfoPage);
         break;
     case FixedInfoPage:
         rollTo(pages->fixedInfoPage);

@@ -1,6 +1,7 @@
 #include "app/OvrynDeck2.h"
 
 #include "board/Ovryn_BoardInfoMainWidget.h"
+#include "board/Ovryn_LCDControllorWidget.h"
 #include "board/Ovryn_LEDControlWidget.h"
 #include "device/NvGpuControl.h"
 #include "monitor/Ovryn_GpuFixedInfo.h"
@@ -93,6 +94,9 @@ void OvrynDeck2::closeEvent(QCloseEvent *event)
     configFile.setUpdateSetting(updateSetting);
     for (int i = 0; i < cardPageSets.size(); ++i) {
         const GpuCardInfo &card = cardInfos.at(i);
+        LcdModuleInfo lcd;
+        cardPageSets.at(i).lcdPage->getLcdModuleInfo(lcd);
+        configFile.setLcdModule(card.gpuName, card.subSystemId, lcd);
         AdjustModuleInfo adjust;
         cardPageSets.at(i).adjustPage->getParameter(adjust);
         configFile.setAdjustModule(card.gpuName, card.subSystemId, adjust);
@@ -173,6 +177,7 @@ void OvrynDeck2::handWordsTo(const CardPageSet &pages)
     pages.adjustPage->setLanguage(languageTable.overClock, languageTable.language());
     pages.ledPage->setLanguage(languageTable.led, languageTable.language());
     pages.fixedInfoPage->setLanguage(languageTable.gpuFixedInfo, languageTable.language());
+    pages.lcdPage->setLanguage(languageTable.lcd, languageTable.language());
     pages.circleBox->setLanguage(languageTable.breathCircle, languageTable.language());
     pages.boardInfoPage->setLanguage(languageTable.boardInfo, languageTable.language());
 }

@@ -45,24 +45,8 @@ QPixmap resetPixmap(int size, const QColor &color)
 
 QString LedPageStyle::page()
 {
-    return UiStyle::numberBoxes() + UiStyle::radioButtonIndicator() +
-           QStringLiteral("QRadioButton{color:rgb(225,225,225);spacing:8px;outline:none;}"
-                          "QRadioButton:hover{color:white;}"
-                          "QRadioButton:disabled{color:rgb(120,120,120);}"
-                          "ModifySpinBox::up-button,ModifySpinBox::down-button{width:18px;border:none;"
-                          "background-color:rgba(252,10,53,60);}"
-                          "ModifySpinBox::up-button:hover,ModifySpinBox::down-button:hover{"
-                          "background-color:rgba(252,10,53,150);}"
-                          "ModifySpinBox::up-button:disabled,ModifySpinBox::down-button:disabled{"
-                          "background-color:rgba(140,140,140,30);}"
-                          "ModifySpinBox::up-arrow{image:url(:/images/images/spin/arrow_up.png);"
-                          "width:8px;height:5px;}"
-                          "ModifySpinBox::down-arrow{image:url(:/images/images/spin/arrow_down.png);"
-                          "width:8px;height:5px;}"
-                          "ModifySpinBox::up-arrow:disabled,ModifySpinBox::up-arrow:off{"
-                          "image:url(:/images/images/spin/arrow_up_off.png);}"
-                          "ModifySpinBox::down-arrow:disabled,ModifySpinBox::down-arrow:off{"
-                          "image:url(:/images/images/spin/arrow_down_off.png);}"
+    return UiStyle::numberBoxes() + UiStyle::numberBoxButtons() + UiStyle::radioButtons() +
+           QStringLiteral("ModifySpinBox::up-button,ModifySpinBox::down-button{width:18px;}"
                           "QLabel#lblInterval{color:rgb(225,225,225);}"
                           "QLabel#lblInterval:disabled{color:rgb(120,120,120);}"
                           "QPushButton#ResetDynamicColors{border:1px solid rgba(252,10,53,130);"

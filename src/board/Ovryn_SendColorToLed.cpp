@@ -40,9 +40,7 @@ void Ovryn_SendColorToLed::run()
             return; // `stopped` stays unset, so that a dead controller isn't asked again by the next start
         if (stopped)
             return;
-        held.unlock();
-        QThread::msleep(sleepMs);
-        held.relock();
+        pause(held, sleepMs);
     }
     stopped = true;
 }

@@ -1,7 +1,5 @@
 #include "device/WorkerThread.h"
 
-#include <QMutexLocker>
-
 WorkerThread::WorkerThread(QObject *parent) : QThread(parent) {}
 
 WorkerThread::~WorkerThread()
@@ -38,6 +36,13 @@ void WorkerThread::leaveLoop()
 {
     stopped = true;
     leaving = true;
+}
+
+void WorkerThread::pause(QMutexLocker &held, unsigned int ms)
+{
+    held.unlock();
+    msleep(ms);
+    held.relock();
 }
 
 void WorkerThread::endThread(unsigned long waitMs)

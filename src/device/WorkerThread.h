@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMutex>
+#include <QMutexLocker>
 #include <QThread>
 
 /// The shape of every worker thread that talks to a card: a mutex that the loop holds through each
@@ -28,6 +29,11 @@ protected:
     /// What a loop does last, with the mutex held, when it ends by itself or was told to: from here to its end the
     /// thread takes the mutex no more, and a start waits for that end.
     void leaveLoop();
+
+    /// The sleep of a loop between two cycles, the only place where it frees the mutex: through the loop's own
+    /// locker, so that a thread that is terminated here unlocks nothing. Nothing wakes it. A test replaces it to
+    /// drive the clock, and then calls endThread in its own destructor.
+    virtual void pause(QMutexLocker &held, unsigned int ms);
 
     /// Sets `stopped`, waits at most `waitMs`, and then terminates the thread whether or not it has ended by
     /// itself. Waits for a running cycle first, since that holds the mutex.

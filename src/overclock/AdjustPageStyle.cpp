@@ -34,16 +34,6 @@ QPixmap curvePixmap(int size, const QColor &line, const QColor &node)
 
 } // namespace
 
-QString AdjustPageStyle::actionButton()
-{
-    return QStringLiteral("QPushButton{border:1px solid rgba(252,10,53,150);background-color:rgba(252,10,53,80);"
-                          "color:rgb(230,230,230);padding:0px;outline:none;}"
-                          "QPushButton:hover{border:1px solid rgba(252,10,53,220);"
-                          "background-color:rgba(252,10,53,150);color:white;}"
-                          "QPushButton:pressed{border:1px solid rgba(252,10,53,255);"
-                          "background-color:rgba(252,10,53,110);}");
-}
-
 QString AdjustPageStyle::fanButton()
 {
     return QStringLiteral("QPushButton{border:1px solid rgba(252,10,53,130);background-color:rgba(0,0,0,110);"

@@ -99,9 +99,9 @@ void Ovryn_OverClockingWidget::build()
     editor->hide();
 
     // After the rows and the editor, over which they lie.
-    btnApply = newButton("btnApply", AdjustPageStyle::actionButton(), this);
-    btnCancel = newButton("btnCancel", AdjustPageStyle::actionButton(), this);
-    btnDefault = newButton("btnDefault", AdjustPageStyle::actionButton(), this);
+    btnApply = newButton("btnApply", UiStyle::actionButton(), this);
+    btnCancel = newButton("btnCancel", UiStyle::actionButton(), this);
+    btnDefault = newButton("btnDefault", UiStyle::actionButton(), this);
 
     btnFanAuto = newButton("btnFanAuto", AdjustPageStyle::fanButton(), this);
     btnFanManual = newButton("btnFanManual", AdjustPageStyle::fanButton(), this);

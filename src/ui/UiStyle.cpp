@@ -140,6 +140,47 @@ QString UiStyle::numberBoxes()
                           "background-color:rgba(0,0,0,60);color:rgb(120,120,120);}");
 }
 
+QString UiStyle::radioButtons()
+{
+    return radioButtonIndicator() +
+           QStringLiteral("QRadioButton{color:rgb(225,225,225);spacing:8px;outline:none;}"
+                          "QRadioButton:hover{color:white;}"
+                          "QRadioButton:disabled{color:rgb(120,120,120);}"
+                          "QRadioButton::indicator:disabled{border:1px solid rgba(140,140,140,130);}"
+                          "QRadioButton::indicator:checked:disabled{"
+                          "background-color:qradialgradient(cx:0.5,cy:0.5,radius:0.5,fx:0.5,fy:0.5,"
+                          "stop:0 rgb(120,120,120),stop:0.5 rgb(110,110,110),stop:0.6 rgba(0,0,0,120),stop:1 "
+                          "rgba(0,0,0,120));}");
+}
+
+QString UiStyle::numberBoxButtons()
+{
+    return QStringLiteral("ModifySpinBox::up-button,ModifySpinBox::down-button{border:none;"
+                          "background-color:rgba(252,10,53,60);}"
+                          "ModifySpinBox::up-button:hover,ModifySpinBox::down-button:hover{"
+                          "background-color:rgba(252,10,53,150);}"
+                          "ModifySpinBox::up-button:disabled,ModifySpinBox::down-button:disabled{"
+                          "background-color:rgba(140,140,140,30);}"
+                          "ModifySpinBox::up-arrow{image:url(:/images/images/spin/arrow_up.png);"
+                          "width:8px;height:5px;}"
+                          "ModifySpinBox::down-arrow{image:url(:/images/images/spin/arrow_down.png);"
+                          "width:8px;height:5px;}"
+                          "ModifySpinBox::up-arrow:disabled,ModifySpinBox::up-arrow:off{"
+                          "image:url(:/images/images/spin/arrow_up_off.png);}"
+                          "ModifySpinBox::down-arrow:disabled,ModifySpinBox::down-arrow:off{"
+                          "image:url(:/images/images/spin/arrow_down_off.png);}");
+}
+
+QString UiStyle::actionButton()
+{
+    return QStringLiteral("QPushButton{border:1px solid rgba(252,10,53,150);background-color:rgba(252,10,53,80);"
+                          "color:rgb(230,230,230);padding:0px;outline:none;}"
+                          "QPushButton:hover{border:1px solid rgba(252,10,53,220);"
+                          "background-color:rgba(252,10,53,150);color:white;}"
+                          "QPushButton:pressed{border:1px solid rgba(252,10,53,255);"
+                          "background-color:rgba(252,10,53,110);}");
+}
+
 void UiStyle::paintDialogGlass(QPainter &painter, QSize size)
 {
     painter.save();

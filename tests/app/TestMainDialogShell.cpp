@@ -96,7 +96,9 @@ void TestMainDialogShell::bringingBackAppliesNothing()
     trayIconOf(dialog)->contextMenu()->actions().first()->trigger();
     QVERIFY(dialog.isVisible());
     QCOMPARE(answer.texts().size(), 1);
-    QCOMPARE(driver->calls().filter(QRegularExpression(QStringLiteral("Set(?!tings)|I2CWrite"))), QStringList());
+    // the LCD's frames of live readings go out all the time
+    QCOMPARE(driver->calls().filter(QRegularExpression(QStringLiteral("Set(?!tings)|I2CWrite.* addr=A0"))),
+             QStringList());
 }
 
 void TestMainDialogShell::trayExitAsksNothing()

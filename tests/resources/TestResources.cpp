@@ -90,6 +90,10 @@ void TestResources::imageSize_data()
     row("hightPerformanceSwitch/hps_off", 80, 20);
     row("hightPerformanceSwitch/hps_on", 80, 20);
     row("hightPerformanceSwitch/hps_over", 80, 20);
+    row("lcdSwitch/lcd_off", 92, 26);
+    row("lcdSwitch/lcd_off_hover", 92, 26);
+    row("lcdSwitch/lcd_on", 92, 26);
+    row("lcdSwitch/lcd_on_hover", 92, 26);
     row("slider/background_slider", 24, 19);
     row("slider/disable_background_slider", 24, 19);
     row("slider/void_slider", 263, 11);

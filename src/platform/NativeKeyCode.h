@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QtGlobal>
+
+class QKeyEvent;
+
+/// \file
+/// Virtual-key codes, one numbering of the keys on all systems: the Windows desktop's.
+
+/// The virtual-key code of the key that was pressed; 0 for a key that has none.
+[[nodiscard]] quint32 virtualKeyOf(const QKeyEvent &event);
+
+/// What QKeyEvent::nativeVirtualKey says on this system of the key with that code; 0 for a key that has none.
+[[nodiscard]] quint32 nativeKeyFor(quint32 virtualKey);
