@@ -32,8 +32,8 @@ struct FreeSymbols
     void operator()(xcb_key_symbols_t *symbols) const { xcb_key_symbols_free(symbols); }
 };
 
-constexpr int kModifierRows = 8;    ///< of the server's modifier map: Shift, Lock, Control, Mod1 to Mod5
-constexpr int kKeyColumns = 4;      ///< of a key's symbols: plain and shifted, in two groups
+constexpr int kModifierRows = 8; ///< of the server's modifier map: Shift, Lock, Control, Mod1 to Mod5
+constexpr int kKeyColumns = 4;   ///< of a key's symbols: plain and shifted, in two groups
 
 /// What is on the keys at the moment of asking, and which modifier each lock key stands for.
 class Keyboard
