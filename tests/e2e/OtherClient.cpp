@@ -26,11 +26,10 @@ OtherClient::OtherClient(const QString &display) : connection(xcb_connect(displa
     const xcb_screen_t *screen = xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
     root = screen->root;
     window = xcb_generate_id(connection);
-    // no window manager has a say in it
-    const quint32 values[] = {screen->black_pixel, 1, XCB_EVENT_MASK_KEY_PRESS};
+    const quint32 values[] = {screen->black_pixel, XCB_EVENT_MASK_KEY_PRESS};
     xcb_create_window(connection, XCB_COPY_FROM_PARENT, window, root, 0, 0, kWindowSide, kWindowSide, 0,
-                      XCB_WINDOW_CLASS_INPUT_OUTPUT, screen->root_visual,
-                      XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values);
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, screen->root_visual, XCB_CW_BACK_PIXEL | XCB_CW_EVENT_MASK,
+                      values);
     xcb_map_window(connection, window);
     xcb_flush(connection);
 }
@@ -38,12 +37,6 @@ OtherClient::OtherClient(const QString &display) : connection(xcb_connect(displa
 OtherClient::~OtherClient()
 {
     xcb_disconnect(connection);
-}
-
-void OtherClient::takeFocus()
-{
-    const Reply<xcb_generic_error_t> error(xcb_request_check(
-        connection, xcb_set_input_focus_checked(connection, XCB_INPUT_FOCUS_POINTER_ROOT, window, XCB_CURRENT_TIME)));
 }
 
 bool OtherClient::hasFocus() const

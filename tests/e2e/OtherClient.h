@@ -15,8 +15,9 @@ public:
 
     [[nodiscard]] bool isConnected() const { return window != XCB_NONE; }
 
-    void takeFocus(); ///< its window is visible and has the keyboard then
-    [[nodiscard]] bool hasFocus() const;
+    /// Its window, which asks the window manager to be shown.
+    [[nodiscard]] qint64 windowId() const { return window; }
+    [[nodiscard]] bool hasFocus() const; ///< the keyboard is its window's
 
     /// The modifiers and locks that are on, as XCB_MOD_MASK_ bits.
     [[nodiscard]] quint16 keyboardState() const;
@@ -29,6 +30,7 @@ public:
 
     /// How often its window got a press of that key since the last call; presses of other keys are forgotten.
     int takePresses(xcb_keycode_t key);
+    void forgetPresses() { takePresses(0); }
 
 private:
     xcb_connection_t *connection;
