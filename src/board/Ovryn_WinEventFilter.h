@@ -4,8 +4,7 @@
 
 class Ovryn_GlobalShortCut;
 
-/// Recognises the system's message of a pressed hot key for one Ovryn_GlobalShortCut, which owns the filter and
-/// outlives it. GUI thread.
+/// Recognises the system's message of a pressed hot key for one Ovryn_GlobalShortCut, which owns the filter. GUI thread.
 class Ovryn_WinEventFilter : public QAbstractNativeEventFilter
 {
 public:

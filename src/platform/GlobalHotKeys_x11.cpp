@@ -32,9 +32,8 @@ struct FreeSymbols
     void operator()(xcb_key_symbols_t *symbols) const { xcb_key_symbols_free(symbols); }
 };
 
-constexpr int kModifierRows = 8;    ///< of the server's modifier map: Shift, Lock, Control, Mod1 to Mod5
-constexpr int kKeyColumns = 4;      ///< of a key's symbols: plain and shifted, in two groups
-constexpr quint8 kSentEvent = 0x80; ///< set in the type of an event that another client made up
+constexpr int kModifierRows = 8; ///< of the server's modifier map: Shift, Lock, Control, Mod1 to Mod5
+constexpr int kKeyColumns = 4;   ///< of a key's symbols: plain and shifted, in two groups
 
 /// What is on the keys at the moment of asking, and which modifier each lock key stands for.
 class Keyboard
@@ -250,7 +249,7 @@ private:
         if (eventType != "xcb_generic_event_t" || !message)
             return false;
         const auto *event = static_cast<const xcb_generic_event_t *>(message);
-        if ((event->response_type & ~kSentEvent) != XCB_KEY_PRESS)
+        if (event->response_type != XCB_KEY_PRESS)
             return false;
         const auto *press = static_cast<const xcb_key_press_event_t *>(message);
         if (press->event != QX11Info::appRootWindow())
