@@ -41,28 +41,28 @@ void TestConfigFileValues::attributes_data()
     QTest::addColumn<QString>("text");
 
     // clang-format off
-    QTest::newRow("identifier")                           << true  << "" << "SubSystemId" << "2147483647";
-    QTest::newRow("identifier, largest")                  << false << "" << "SubSystemId" << "4294967295";
-    QTest::newRow("mask")                                 << true  << "MonitorModule" << "SelectOption" << "5";
-    QTest::newRow("mask, written as a signed number")     << false << "MonitorModule" << "SelectOption" << "-2147483647";
-    QTest::newRow("graphics clock never set")             << true  << "AdjustModule" << "GpuFreClock" << "-1";
-    QTest::newRow("graphics clock, smallest")             << false << "AdjustModule" << "GpuFreClock" << "-2147483648";
-    QTest::newRow("memory clock never set")               << true  << "AdjustModule" << "MemoryFreClock" << "-1";
-    QTest::newRow("voltage never set")                    << true  << "AdjustModule" << "Voltage" << "-1";
-    QTest::newRow("fan mode by default")                  << true  << "AdjustModule" << "FanMode" << "0";
-    QTest::newRow("high performance by default")          << true  << "AdjustModule" << "EnableHighPerformance" << "0";
-    QTest::newRow("no nodes")                             << true  << "AdjustModule" << "Nodes" << "";
-    QTest::newRow("LED mode, negative")                   << false << "LedModule" << "LedMode" << "-5";
-    QTest::newRow("static button, largest")               << false << "LedModule" << "CheckedColorButtonStatic" << "255";
-    QTest::newRow("dynamic buttons, sign bit of a byte")  << false << "LedModule" << "CheckedColorButtonDynamic" << "128";
-    QTest::newRow("interval, written as unsigned")        << false << "LedModule" << "Interval" << "4294967294";
-    QTest::newRow("first colour by default")              << true  << "LedModule" << "Color1" << "16777215";
-    QTest::newRow("last colour by default")               << true  << "LedModule" << "Color7" << "16777215";
-    QTest::newRow("colour wider than 24 bits")            << false << "LedModule" << "Color7" << "4294967295";
-    QTest::newRow("true")                                 << false << "LcdModule" << "AutoSwitch" << "1";
-    QTest::newRow("false")                                << false << "LcdModule" << "EnableLcd" << "0";
-    QTest::newRow("switch time, largest")                 << false << "LcdModule" << "SwitchTime" << "4294967295";
-    QTest::newRow("modifier, the sign bit")               << false << "LcdModule" << "ModifierKey" << "2147483648";
+    QTest::newRow("identifier")                    << true  << "" << "SubSystemId" << "2147483647";
+    QTest::newRow("identifier, largest")           << false << "" << "SubSystemId" << "4294967295";
+    QTest::newRow("mask")                          << true  << "MonitorModule" << "SelectOption" << "5";
+    QTest::newRow("mask is written signed")        << false << "MonitorModule" << "SelectOption" << "-2147483647";
+    QTest::newRow("graphics clock never set")      << true  << "AdjustModule" << "GpuFreClock" << "-1";
+    QTest::newRow("graphics clock, smallest")      << false << "AdjustModule" << "GpuFreClock" << "-2147483648";
+    QTest::newRow("memory clock never set")        << true  << "AdjustModule" << "MemoryFreClock" << "-1";
+    QTest::newRow("voltage never set")             << true  << "AdjustModule" << "Voltage" << "-1";
+    QTest::newRow("fan mode by default")           << true  << "AdjustModule" << "FanMode" << "0";
+    QTest::newRow("high performance by default")   << true  << "AdjustModule" << "EnableHighPerformance" << "0";
+    QTest::newRow("no nodes")                      << true  << "AdjustModule" << "Nodes" << "";
+    QTest::newRow("LED mode, negative")            << false << "LedModule" << "LedMode" << "-5";
+    QTest::newRow("static button")                 << false << "LedModule" << "CheckedColorButtonStatic" << "255";
+    QTest::newRow("dynamic buttons, sign bit")     << false << "LedModule" << "CheckedColorButtonDynamic" << "128";
+    QTest::newRow("interval is written unsigned")  << false << "LedModule" << "Interval" << "4294967294";
+    QTest::newRow("first colour by default")       << true  << "LedModule" << "Color1" << "16777215";
+    QTest::newRow("last colour by default")        << true  << "LedModule" << "Color7" << "16777215";
+    QTest::newRow("colour wider than 24 bits")     << false << "LedModule" << "Color7" << "4294967295";
+    QTest::newRow("true")                          << false << "LcdModule" << "AutoSwitch" << "1";
+    QTest::newRow("false")                         << false << "LcdModule" << "EnableLcd" << "0";
+    QTest::newRow("switch time, largest")          << false << "LcdModule" << "SwitchTime" << "4294967295";
+    QTest::newRow("modifier, the sign bit")        << false << "LcdModule" << "ModifierKey" << "2147483648";
     // clang-format on
 }
 
