@@ -137,9 +137,13 @@ void TestMainDialogShell::languageOfTheFile_data()
 {
     QTest::addColumn<QByteArray>("language");
     QTest::addColumn<QString>("caption");
-    QTest::newRow("Chinese") << QByteArray("lang_ch") << QStringLiteral("监控窗口");
-    QTest::newRow("English") << QByteArray("lang_en") << "Monitor";
-    QTest::newRow("any other text is English") << QByteArray("klingon") << "Monitor";
+    QTest::addColumn<int>("item"); // of the settings page's list
+    QTest::newRow("Chinese") << QByteArray("lang_ch") << QStringLiteral("监控窗口") << 0;
+    QTest::newRow("English") << QByteArray("lang_en") << "Monitor" << 1;
+    QTest::newRow("any other text is English, with the list on its first item")
+        << QByteArray("klingon") << "Monitor" << 0;
+    QTest::newRow("no text is English too") << QByteArray() << "Monitor" << 0;
+    QTest::newRow("other letters are another text") << QByteArray("LANG_CH") << "Monitor" << 0;
 }
 
 void TestMainDialogShell::languageOfTheFile()
@@ -148,6 +152,7 @@ void TestMainDialogShell::languageOfTheFile()
     writeConfig("<OvrynParameter><GeneralSetting Language=\"" + language + "\"/></OvrynParameter>");
     OvrynDeck2 dialog;
     QTEST(button(dialog, "btnMonitor")->text(), "caption");
+    QTEST(dialog.findChild<QComboBox *>(QStringLiteral("cmb_language"))->currentIndex(), "item");
 }
 
 void TestMainDialogShell::changeOfLanguageReachesEveryWord()

@@ -99,9 +99,6 @@ private slots:
     void ordersSections();
     void ordersModulesOfAReusedCard();
     void form();
-    void writesNumbers();
-    void writesDates_data();
-    void writesDates();
     void replacesOnlyTheDatesFirstChild();
     void rootCommentSurvives();
     void unknownSectionStaysAhead();
@@ -225,56 +222,6 @@ void TestConfigFileWriting::form()
     QVERIFY(lines.value(5).startsWith("        <GPU "));
     QVERIFY(lines.value(5).contains("GpuName=\"\xE5\x8D\xA1\"")); // UTF-8
     QVERIFY(lines.value(6).startsWith("            <MonitorModule "));
-}
-
-void TestConfigFileWriting::writesNumbers()
-{
-    Ovryn_ConfigFile file(folder->path());
-    file.setLedModule("A", 4294967295U, {-5, 255, 128, -2, {0xFFFFFF, 0, 0, 0, 0, 0, 0xFFFFFFFF}});
-    file.setLcdModule("A", 4294967295U, {true, 4294967295U, 2147483648U, 0, false});
-    file.setMonitorModule("A", 4294967295U, 0x80000001);
-    QVERIFY(file.save());
-    const QDomElement gpu = folder->gpus().value(0);
-    const auto text = [&](const char *module, const char *attribute) {
-        return gpu.firstChildElement(module).attribute(attribute);
-    };
-    QCOMPARE(gpu.attribute("SubSystemId"), QString("4294967295"));
-    QCOMPARE(text("AdjustModule", "GpuFreClock"), QString("-1"));
-    QCOMPARE(text("AdjustModule", "EnableHighPerformance"), QString("0"));
-    QCOMPARE(text("AdjustModule", "Nodes"), QString());
-    QVERIFY(gpu.firstChildElement("AdjustModule").hasAttribute("Nodes"));
-    QCOMPARE(text("LedModule", "LedMode"), QString("-5"));
-    QCOMPARE(text("LedModule", "CheckedColorButtonStatic"), QString("255"));
-    QCOMPARE(text("LedModule", "CheckedColorButtonDynamic"), QString("128"));
-    QCOMPARE(text("LedModule", "Interval"), QString("4294967294"));
-    QCOMPARE(text("LedModule", "Color1"), QString("16777215"));
-    QCOMPARE(text("LedModule", "Color7"), QString("4294967295"));
-    QCOMPARE(text("LcdModule", "AutoSwitch"), QString("1"));
-    QCOMPARE(text("LcdModule", "EnableLcd"), QString("0"));
-    QCOMPARE(text("LcdModule", "SwitchTime"), QString("4294967295"));
-    QCOMPARE(text("LcdModule", "ModifierKey"), QString("2147483648"));
-    QCOMPARE(text("MonitorModule", "SelectOption"), QString("-2147483647")); // a mask written as a signed number
-}
-
-void TestConfigFileWriting::writesDates_data()
-{
-    QTest::addColumn<QDate>("date");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("two digits each") << QDate(2021, 3, 4) << "2021/03/04";
-    QTest::newRow("end of a year") << QDate(1999, 12, 31) << "1999/12/31";
-    QTest::newRow("invalid") << QDate() << "";
-}
-
-void TestConfigFileWriting::writesDates()
-{
-    QFETCH(QDate, date);
-    QFETCH(QString, text);
-    load(kSampleConfig);
-    config->setLastUpdateDate(date);
-    QVERIFY(config->save());
-    QVERIFY(!folder->section("LastUpdateDate").isNull());
-    QCOMPARE(folder->section("LastUpdateDate").text(), text);
-    QCOMPARE(folder->section("LastStartDate").text(), QString("2021/03/05")); // the others stay
 }
 
 void TestConfigFileWriting::replacesOnlyTheDatesFirstChild()

@@ -23,6 +23,8 @@ private slots:
     void readMovesData();
     void deviceThatIsNotThere();
     void addressedCard();
+    void frameWithoutCard_data();
+    void frameWithoutCard();
 };
 
 void TestDeviceI2c::ladder_data()
@@ -231,6 +233,28 @@ void TestDeviceI2c::addressedCard()
     int degrees = 0;
     QVERIFY(gpu.readBoardSensor(0x9E, degrees));
     QCOMPARE(degrees, 0x33);
+}
+
+void TestDeviceI2c::frameWithoutCard_data()
+{
+    QTest::addColumn<int>("dataSize");
+    QTest::newRow("no data") << 0;
+    QTest::newRow("seven colours") << 21;
+}
+
+/// The frame is made and given back all the same, which the leak check of a sanitized run sees.
+void TestDeviceI2c::frameWithoutCard()
+{
+    QFETCH(int, dataSize);
+
+    FakeDriver driver;
+    driver.cards.clear();
+    NvGpuControl gpu;
+    QVERIFY(gpu.isReady());
+    driver.forgetCalls();
+    const std::vector<quint8> data(std::size_t(dataSize), 0x5A);
+    QCOMPARE(gpu.i2cWriteFramed(data.empty() ? nullptr : data.data(), dataSize, 2, 0x32, 3, true), false);
+    QCOMPARE(driver.calls(), QStringList());
 }
 
 QTEST_APPLESS_MAIN(TestDeviceI2c)

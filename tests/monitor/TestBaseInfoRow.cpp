@@ -20,6 +20,7 @@ private slots:
     void clickTellsTheNewState();
     void valuesStandInTheirSlots();
     void titleIsPaintedOnlyWithoutTheCheckBox();
+    void loneTitleStandsAtTheLeftAtTwelvePixels();
     void tinyRowsPaintWithoutComplaint_data();
     void tinyRowsPaintWithoutComplaint();
 };
@@ -132,6 +133,33 @@ void TestBaseInfoRow::titleIsPaintedOnlyWithoutTheCheckBox()
     QVERIFY(beside.left() >= 14); // the box's own text, behind its mark
     row.findChild<QCheckBox *>()->setText(QString());
     QVERIFY(whiteBounds(paintingOf(row), left.adjusted(24, 0, 0, 0)).isEmpty()); // the row itself paints no title
+}
+
+void TestBaseInfoRow::loneTitleStandsAtTheLeftAtTwelvePixels()
+{
+    Ovryn_BaseInfoRow row;
+    row.resize(344, 30);
+    row.setText(QStringLiteral("GPU Clock"));
+    row.setCheckBoxVisible(false);
+    QVERIFY(row.findChild<QCheckBox *>()->isHidden());
+    const QRect left(0, 0, 172, 30); // the values stand right of it
+    const QImage shown = paintingOf(row).copy(left);
+
+    const auto titleAt = [&](int pixels, int x) {
+        QImage image(row.size(), QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        QPainter painter(&image);
+        QFont font = row.font();
+        font.setPixelSize(pixels);
+        painter.setFont(font);
+        painter.setPen(Qt::white);
+        painter.drawText(QRect(x, 0, 114, 30), Qt::AlignLeft | Qt::AlignVCenter, QStringLiteral("GPU Clock"));
+        painter.end();
+        return image.copy(left);
+    };
+    QCOMPARE(shown, titleAt(12, 0));
+    QVERIFY(shown != titleAt(14, 0)); // the check box's size
+    QVERIFY(shown != titleAt(12, 1));
 }
 
 void TestBaseInfoRow::tinyRowsPaintWithoutComplaint_data()

@@ -80,6 +80,8 @@ private slots:
     void startsWithTheTemperature();
     void titlesFollowTheLanguage();
     void everyBoxTakesItsSample();
+    void scaleIsTheRecords_data();
+    void scaleIsTheRecords();
     void hiddenBoxesKeepTheirHistory();
     void masks_data();
     void masks();
@@ -161,6 +163,42 @@ void TestGpuInfoMonitorWidget::everyBoxTakesItsSample()
     QCOMPARE(taken, (QStringList{"1607 of 0 to 2000: 1607/1800/139", "1200 of 0 to 3000: 1200/1400/0",
                                  "52 of 0 to 104: 52/71/-3", "4004 of 0 to 5000: 4004/4100/405",
                                  "25 of 0 to 100: 25%/37%/12%", "41 of 0 to 100: 41%/99%/1%"}));
+}
+
+void TestGpuInfoMonitorWidget::scaleIsTheRecords_data()
+{
+    QTest::addColumn<int>("value");
+    QTest::addColumn<int>("upperLimit");
+    QTest::addColumn<int>("lowerLimit");
+
+    QTest::newRow("a value above the limit raises nothing") << 2500 << 2000 << 0;
+    QTest::newRow("a value below the limit lowers nothing") << -50 << 2000 << 0;
+    QTest::newRow("a limit that falls again is followed") << 100 << 500 << 0;
+    QTest::newRow("a lower limit other than 0") << 100 << 500 << 40;
+}
+
+/// The graphs take both ends of their scale from the record and keep no opinion of their own.
+void TestGpuInfoMonitorWidget::scaleIsTheRecords()
+{
+    QFETCH(int, value);
+    QFETCH(int, upperLimit);
+    QFETCH(int, lowerLimit);
+
+    const auto view = shownView(kAll);
+    NvCardBaseInfo info;
+    const NvMonitorValue before = {3000, 0, 2900, 3000, 0};
+    const NvMonitorValue sample = {9000, -9000, value, upperLimit, lowerLimit};
+    for (const NvMonitorValue &given : {before, sample}) {
+        info.gpuClock = info.memoryClock = info.fanSpeed = info.temperature = given;
+        info.memoryUsagePercent = info.gpuUsage = info.memoryUsage = given;
+        view->receiveNvCardBaseInfo(info);
+    }
+    for (int i = 0; i < 6; ++i) {
+        QCOMPARE(view->box(i)->rangeTop(), double(upperLimit));
+        QCOMPARE(view->box(i)->rangeBottom(), double(lowerLimit));
+        QCOMPARE(view->box(i)->history().at(0).y, monitorBoxRowOf(value, lowerLimit, upperLimit, 128));
+        QCOMPARE(view->box(i)->history().at(1).y, monitorBoxRowOf(2900, lowerLimit, upperLimit, 128));
+    }
 }
 
 void TestGpuInfoMonitorWidget::hiddenBoxesKeepTheirHistory()

@@ -100,6 +100,7 @@ private slots:
     void startTwiceStartsOneThread();
     void noCardEndsAtOnce();
     void recordsArriveOnTheReceiversThread();
+    void queuedRecordsOutliveTheWorker();
     void intervalStartsAtOneSecond();
     void intervalChangesWithTheNextSleep();
     void changeOfIntervalWaitsForTheCycle();
@@ -305,6 +306,34 @@ void TestSendNvCardInfoThread::recordsArriveOnTheReceiversThread()
     QTRY_COMPARE(receiver.boardInfos.size(), 1);
     QCOMPARE(receiver.receivingThreads, (QSet<QThread *>{QThread::currentThread()}));
     QCOMPARE(readingThread.load(), static_cast<QThread *>(&worker));
+}
+
+void TestSendNvCardInfoThread::queuedRecordsOutliveTheWorker()
+{
+    RecordReceiver receiver;
+    {
+        Ovryn_SendNvCardInfoThread worker(control.get());
+        receiver.listenTo(worker, Qt::QueuedConnection);
+        for (const qint32 degrees : {52, 71}) {
+            driver->card().thermal.sensor[0].currentTemp = degrees;
+            driver->card().fullName = "a name too long to lie in the text itself, at " + std::to_string(degrees);
+            driver->card().i2cReplies[0x96] = QByteArray(1, char(degrees - 20)) + '\0';
+            worker.sampleOnce();
+        }
+    }
+    control.reset();
+    QVERIFY(receiver.order.isEmpty());
+    QCoreApplication::processEvents();
+
+    // Each record still holds its own cycle: neither the later one nor the end of worker and device reached it.
+    QCOMPARE(receiver.order, (QStringList{"card", "fixed", "board", "card", "fixed", "board"}));
+    QCOMPARE(receiver.cardInfos.at(0).temperature.currentValue, 52);
+    QCOMPARE(receiver.cardInfos.at(0).temperature.maxValue, 52);
+    QCOMPARE(receiver.cardInfos.at(1).temperature.currentValue, 71);
+    QVERIFY(receiver.fixedInfos.at(0).gpuName.find("at 52") != std::string::npos);
+    QVERIFY(receiver.fixedInfos.at(1).gpuName.find("at 71") != std::string::npos);
+    QCOMPARE(receiver.boardInfos.at(0).sensor96.currentValue, 32);
+    QCOMPARE(receiver.boardInfos.at(1).sensor96.currentValue, 51);
 }
 
 void TestSendNvCardInfoThread::intervalStartsAtOneSecond()

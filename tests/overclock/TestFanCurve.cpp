@@ -82,6 +82,10 @@ void TestFanCurve::levelFor_data()
     QTest::newRow("a step at the start gives its upper node") << Curve{{0, 0}, {0, 30}, {100, 100}} << 0 << 30;
     QTest::newRow("two steps at the start: the first decides")
         << Curve{{0, 0}, {0, 30}, {0, 60}, {100, 100}} << 0 << 30;
+    QTest::newRow("-5 counts as 0 where the curve starts with a step")
+        << Curve{{0, 0}, {0, 30}, {100, 100}} << -5 << 30;
+    QTest::newRow("120 counts as 100 where the curve ends with a step")
+        << Curve{{0, 0}, {100, 30}, {100, 100}} << 120 << 30;
     QTest::newRow("a step at the end") << Curve{{0, 0}, {100, 30}, {100, 100}} << 100 << 30;
     QTest::newRow("a flat part") << Curve{{0, 0}, {20, 45}, {60, 45}, {100, 100}} << 37 << 45;
     QTest::newRow("the same node three times") << Curve{{0, 0}, {50, 50}, {50, 50}, {50, 50}, {100, 100}} << 50 << 50;

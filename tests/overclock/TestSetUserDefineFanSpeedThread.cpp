@@ -88,6 +88,7 @@ void TestSetUserDefineFanSpeedThread::oneCycle_data()
     QTest::newRow("new worker at 100") << Curve{} << 100 << 100;
     QTest::newRow("120 degrees") << Curve{} << 120 << 100;
     QTest::newRow("-5 degrees") << Curve{} << -5 << 0;
+    QTest::newRow("-5 degrees on a curve that starts with a step") << Curve{{0, 0}, {0, 30}, {100, 100}} << -5 << 30;
     QTest::newRow("own curve") << Curve{{0, 0}, {100, 100}} << 52 << 52;
     QTest::newRow("step in the middle") << Curve{{0, 0}, {50, 40}, {50, 60}, {100, 100}} << 50 << 40;
     QTest::newRow("step at the start") << Curve{{0, 0}, {0, 30}, {100, 100}} << 0 << 30;

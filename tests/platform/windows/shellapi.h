@@ -1,0 +1,3 @@
+#pragma once
+
+// everything stands in windows.h
