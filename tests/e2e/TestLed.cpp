@@ -21,7 +21,7 @@ private slots:
     void slowDriver();
 
 private:
-    void openPage(InstalledProgram &program, qint64 window, const LedPageHands &hands);
+    [[nodiscard]] bool openPage(InstalledProgram &program, qint64 window, const LedPageHands &hands);
     /// Waits for so many more frames to the first card; all that have come since the last call.
     [[nodiscard]] QStringList newFrames(const InstalledProgram &program, int howMany = 1);
     /// What a drag of the palette brings: the frames until half a second after it, and none before its end.
@@ -78,10 +78,10 @@ QByteArray hexOf(const QColor &color)
 
 } // namespace
 
-void TestLed::openPage(InstalledProgram &program, qint64 window, const LedPageHands &hands)
+bool TestLed::openPage(InstalledProgram &program, qint64 window, const LedPageHands &hands)
 {
     program.clickIn(window, layout.firstSlotButton.center());
-    QTRY_VERIFY_WITH_TIMEOUT(hands.stands(), kPatienceMs);
+    return QTest::qWaitFor([&] { return hands.stands(); }, kPatienceMs);
 }
 
 QStringList TestLed::newFrames(const InstalledProgram &program, int howMany)
@@ -130,7 +130,7 @@ void TestLed::everyEffect()
     QVERIFY(window != 0);
     const LedPageHands hands(screen, program, window, layout);
     const LedPageLayout &parts = hands.parts;
-    openPage(program, window, hands);
+    QVERIFY(openPage(program, window, hands));
     QCOMPARE(newFrames(program), QStringList(kProbe)); // start and opening tell the LEDs nothing
 
     hands.press(parts.breath);
@@ -175,9 +175,10 @@ void TestLed::everyEffect()
     // the next start shows all of it and tells the LEDs nothing; the chosen ones stand in another order then
     window = startedWindow(program);
     QVERIFY(window != 0);
-    openPage(program, window, hands);
+    const LedPageHands newHands(screen, program, window, layout);
+    QVERIFY(openPage(program, window, newHands));
     QCOMPARE(newFrames(program), QStringList(kProbe));
-    hands.press(parts.presets[6]);
+    newHands.press(parts.presets[6]);
     QCOMPARE(newFrames(program), QStringList(ledFrame("02 32 09 FFFFFF FFA500 00FF00 8B00FF")));
     closeByButton(program, window);
     QCOMPARE(newFrames(program), QStringList(ledFrame("02 32 09 FFFFFF FFA500 00FF00 8B00FF", true)));
@@ -191,7 +192,7 @@ void TestLed::paletteAndReset()
     const qint64 window = startedWindow(program);
     QVERIFY(window != 0);
     const LedPageHands hands(screen, program, window, layout);
-    openPage(program, window, hands);
+    QVERIFY(openPage(program, window, hands));
     QCOMPARE(newFrames(program), QStringList(kProbe));
 
     // a colour that no custom button was clicked for goes nowhere
@@ -230,7 +231,7 @@ void TestLed::steadyColourFollowsADrag()
     const qint64 window = startedWindow(program);
     QVERIFY(window != 0);
     const LedPageHands hands(screen, program, window, layout);
-    openPage(program, window, hands);
+    QVERIFY(openPage(program, window, hands));
     QCOMPARE(newFrames(program), QStringList(kProbe));
     hands.press(hands.parts.customs[0]);
     QCOMPARE(newFrames(program), QStringList(ledFrame("00 32 02 0000FF")));
@@ -259,7 +260,7 @@ void TestLed::controllerWithoutGradient()
     const qint64 window = startedWindow(program);
     QVERIFY(window != 0);
     const LedPageHands hands(screen, program, window, layout);
-    openPage(program, window, hands);
+    QVERIFY(openPage(program, window, hands));
     // the one case in which a start tells the LEDs something
     QCOMPARE(newFrames(program, 2), QStringList({kProbe, ledFrame("01 32 10 8B00FF")}));
     hands.press(hands.parts.gradient); // there is no such button
@@ -281,7 +282,7 @@ void TestLed::controllerThatStopsAndComesBack()
     const qint64 window = startedWindow(program);
     QVERIFY(window != 0);
     const LedPageHands hands(screen, program, window, layout);
-    openPage(program, window, hands);
+    QVERIFY(openPage(program, window, hands));
     QCOMPARE(newFrames(program), QStringList(kProbe));
 
     hands.press(hands.parts.bright);
@@ -325,7 +326,7 @@ void TestLed::slowDriver()
     const qint64 window = startedWindow(program);
     QVERIFY(window != 0);
     const LedPageHands hands(screen, program, window, layout);
-    openPage(program, window, hands);
+    QVERIFY(openPage(program, window, hands));
     QCOMPARE(newFrames(program).size(), 1);
     hands.press(hands.parts.state);
 
@@ -334,7 +335,7 @@ void TestLed::slowDriver()
     const QImage ledPage = screen.picture();
     program.clickIn(window, layout.monitorButton.center());
     QVERIFY(pictureChanges(ledPage, panel));
-    openPage(program, window, hands);
+    QVERIFY(openPage(program, window, hands));
 
     program.clickIn(window, layout.closeButton.center());
     QVERIFY(program.waitForBox() != 0);
