@@ -42,7 +42,9 @@ QPoint LedPageHands::ringPoint(double hue) const
 
 QColor LedPageHands::colorAt(QPoint point) const
 {
-    return HueRing::pureColor(ring.hueAt(point - onScreen(palettePlace.topLeft())));
+    // The marker's hue goes through the slider, which knows whole degrees.
+    const QColor marker = HueRing::pureColor(ring.hueAt(point - onScreen(palettePlace.topLeft())));
+    return QColor::fromHsv(marker.hsvHue(), 255, 255);
 }
 
 QPoint LedPageHands::sliderPoint(double ratio) const
