@@ -22,11 +22,12 @@ LedPageHands::LedPageHands(const VirtualScreen &ofScreen, const InstalledProgram
 
 bool LedPageHands::stands() const
 {
-    // The first preset colour and the ring's blue, which no gauge has at that place.
+    // The green preset, dimmed while an effect without colours is on, and the ring's blue, which no gauge has at that
+    // place.
     const QImage picture = screen.picture();
     const QColor preset = picture.pixelColor(onScreen(placeOf(parts.presets[3]).center()));
     const QColor blue = picture.pixelColor(ringPoint(225));
-    return preset.green() > 200 && preset.red() < 60 && blue.blue() > 150 && blue.red() < 90;
+    return preset.green() > 120 && preset.red() < 60 && blue.blue() > 150 && blue.red() < 90;
 }
 
 QRect LedPageHands::placeOf(const QRect &part) const
