@@ -1,0 +1,356 @@
+#include "e2e/LedPageHands.h"
+#include "e2e/ProgramTest.h"
+
+#include <QElapsedTimer>
+#include <QTest>
+
+/// The LED page of the real executable: what its card's controller is told, click by click, what stays for the
+/// next start, and what a controller that fails or dawdles does to the program.
+class TestLed : public ProgramTest
+{
+    Q_OBJECT
+
+private slots:
+    void init() { framesSeen = 0; }
+    void everyEffect();
+    void paletteAndReset();
+    void steadyColourFollowsADrag();
+    void controllerWithoutGradient();
+    void controllerThatStopsAndComesBack();
+    void slowDriver_data();
+    void slowDriver();
+
+private:
+    [[nodiscard]] bool openPage(InstalledProgram &program, qint64 window, const LedPageHands &hands);
+    /// Waits for so many more frames to the first card; all that have come since the last call.
+    [[nodiscard]] QStringList newFrames(const InstalledProgram &program, int howMany = 1);
+    /// What a drag of the palette brings: the frames until half a second after it, and none before its end.
+    [[nodiscard]] QStringList framesOfDrag(const InstalledProgram &program, QPoint from, QPoint to);
+
+    int framesSeen = 0; ///< of the running program's, those that a test has looked at
+};
+
+namespace
+{
+
+/// Half a second, less what a coarse timer may be early.
+constexpr int kAfterDragMs = 475;
+
+const QByteArray kCoolLedCard = R"({ "led": { "type": 3 }, "thermal": { "pinnedC": 40 } })";
+const QByteArray kUsualBoard = QByteArray::number(0x111D7377u);
+const QString kProbe = QStringLiteral("05 0A 00 00 F0");
+
+QByteArray sceneOf(const QByteArray &card, const QByteArray &faults = {})
+{
+    return "{ \"cards\": [" + card + "], \"faults\": [" + faults + "] }";
+}
+
+QByteArray configWithLed(const QByteArray &ledAttributes)
+{
+    const QByteArray section = "<GPU GpuName=\"GeForce GTX 1070 Ti\" SubSystemId=\"" + kUsualBoard +
+                               "\"><LedModule " + ledAttributes + "/></GPU>";
+    return QByteArray(kQuietConfig).replace("<GpuSettings/>", "<GpuSettings>" + section + "</GpuSettings>");
+}
+
+/// Interval, effect, presets, custom buttons, and the colours of these: "9 3 8 1 FF0000 FFFFFF ...".
+QString savedLed(const InstalledProgram &program)
+{
+    const QDomElement led = program.cardSections().value(0).firstChildElement(QStringLiteral("LedModule"));
+    QStringList words;
+    for (const char *name : {"Interval", "LedMode", "CheckedColorButtonStatic", "CheckedColorButtonDynamic"})
+        words << led.attribute(QLatin1String(name));
+    for (int i = 1; i <= 7; ++i) {
+        const uint color = led.attribute(QStringLiteral("Color%1").arg(i)).toUInt();
+        words << QString::number(color, 16).toUpper();
+    }
+    return words.join(QLatin1Char(' '));
+}
+
+QString whiteButtons(int howMany)
+{
+    return QStringLiteral(" FFFFFFFF").repeated(howMany);
+}
+
+QByteArray hexOf(const QColor &color)
+{
+    return color.name().mid(1).toLatin1();
+}
+
+} // namespace
+
+bool TestLed::openPage(InstalledProgram &program, qint64 window, const LedPageHands &hands)
+{
+    program.clickIn(window, layout.firstSlotButton.center());
+    return QTest::qWaitFor([&] { return hands.stands(); }, kPatienceMs);
+}
+
+QStringList TestLed::newFrames(const InstalledProgram &program, int howMany)
+{
+    QStringList frames;
+    (void)QTest::qWaitFor(
+        [&] {
+            frames = ledFrames(program.journal()).mid(framesSeen);
+            return frames.size() >= howMany;
+        },
+        kPatienceMs);
+    framesSeen += frames.size();
+    return frames;
+}
+
+QStringList TestLed::framesOfDrag(const InstalledProgram &program, QPoint from, QPoint to)
+{
+    screen.hold(from, (from + to) / 2);
+    QStringList frames = ledFrames(program.journal()).mid(framesSeen);
+    QElapsedTimer sinceLastMovement; // started before it, so that nothing makes it run too short
+    sinceLastMovement.start();
+    screen.movePointer(to);
+    screen.release();
+    const auto arrived = [&] {
+        return ledFrames(program.journal()).size() > framesSeen + frames.size();
+    };
+    while (!arrived() && sinceLastMovement.elapsed() < kPatienceMs)
+        QTest::qWait(5);
+    const qint64 waited = sinceLastMovement.elapsed();
+    frames = ledFrames(program.journal()).mid(framesSeen);
+    if (waited < kAfterDragMs)
+        frames << QStringLiteral("too early: %1 ms").arg(waited);
+    // as long again: a second frame would have come by then
+    if (QTest::qWaitFor([&] { return ledFrames(program.journal()).size() > framesSeen + frames.size(); }, 700))
+        frames << QStringLiteral("and another one");
+    framesSeen = ledFrames(program.journal()).size();
+    return frames;
+}
+
+void TestLed::everyEffect()
+{
+    InstalledProgram program(screen);
+    program.useScenario(sceneOf(kCoolLedCard));
+    program.writeConfig(kQuietConfig);
+    qint64 window = startedWindow(program);
+    QVERIFY(window != 0);
+    const LedPageHands hands(screen, program, window, layout);
+    const LedPageLayout &parts = hands.parts;
+    QVERIFY(openPage(program, window, hands));
+    QCOMPARE(newFrames(program), QStringList(kProbe)); // start and opening tell the LEDs nothing
+
+    hands.press(parts.breath);
+    QCOMPARE(newFrames(program), QStringList(ledFrame("01 32 02 FF0000")));
+    hands.press(parts.bright);
+    QCOMPARE(newFrames(program), QStringList(ledFrame("02 32 02 FF0000")));
+
+    // the colours in the order of their choice, whatever the order of the buttons
+    hands.press(parts.presets[3]);
+    QCOMPARE(newFrames(program), QStringList(ledFrame("02 32 02 FF0000 00FF00")));
+    hands.press(parts.customs[5]);
+    QCOMPARE(newFrames(program), QStringList(ledFrame("02 32 02 FF0000 00FF00 FFFFFF")));
+    hands.press(parts.presets[1]);
+    QCOMPARE(newFrames(program), QStringList(ledFrame("02 32 02 FF0000 00FF00 FFFFFF FFA500")));
+    hands.press(parts.presets[0]); // away with the oldest
+    QCOMPARE(newFrames(program), QStringList(ledFrame("02 32 02 00FF00 FFFFFF FFA500")));
+
+    // the interval: a step, and a typed number
+    program.clickIn(window, hands.placeOf(parts.interval).center());
+    screen.key(QStringLiteral("Up"));
+    QCOMPARE(newFrames(program), QStringList(ledFrame("02 32 03 00FF00 FFFFFF FFA500")));
+    hands.typeInto(hands.placeOf(parts.interval), QStringLiteral("9"), QStringLiteral("Tab"));
+    QCOMPARE(newFrames(program), QStringList(ledFrame("02 32 09 00FF00 FFFFFF FFA500")));
+
+    hands.press(parts.sleep);
+    QCOMPARE(newFrames(program), QStringList(ledFrame("00 00 0A")));
+    hands.press(parts.gradient);
+    QCOMPARE(newFrames(program), QStringList(ledFrame("04 32 02")));
+    hands.press(parts.state);
+    QCOMPARE(newFrames(program), QStringList(ledFrame("01 32 04 00FF00")));
+    QVERIFY(program.journal().last().value(QStringLiteral("thread")).toInt() != 1); // its own thread's
+    hands.press(parts.presets[4]);                                                  // the colours are greyed out
+    hands.press(parts.reset);
+    hands.press(parts.bright);
+    QCOMPARE(newFrames(program), QStringList(ledFrame("02 32 09 00FF00 FFFFFF FFA500")));
+
+    closeByButton(program, window);
+    QCOMPARE(newFrames(program), QStringList(ledFrame("02 32 09 00FF00 FFFFFF FFA500", true)));
+    QCOMPARE(program.journal().last().value(QStringLiteral("op")).toString(), QStringLiteral("NvAPI_Unload"));
+    QCOMPARE(savedLed(program), QStringLiteral("9 3 10 32") + whiteButtons(7));
+
+    // the next start shows all of it and tells the LEDs nothing; the chosen ones stand in another order then
+    window = startedWindow(program);
+    QVERIFY(window != 0);
+    const LedPageHands newHands(screen, program, window, layout);
+    QVERIFY(openPage(program, window, newHands));
+    QCOMPARE(newFrames(program), QStringList(kProbe));
+    newHands.press(parts.presets[6]);
+    QCOMPARE(newFrames(program), QStringList(ledFrame("02 32 09 FFFFFF FFA500 00FF00 8B00FF")));
+    closeByButton(program, window);
+    QCOMPARE(newFrames(program), QStringList(ledFrame("02 32 09 FFFFFF FFA500 00FF00 8B00FF", true)));
+}
+
+void TestLed::paletteAndReset()
+{
+    InstalledProgram program(screen);
+    program.useScenario(sceneOf(kCoolLedCard));
+    program.writeConfig(kQuietConfig);
+    const qint64 window = startedWindow(program);
+    QVERIFY(window != 0);
+    const LedPageHands hands(screen, program, window, layout);
+    QVERIFY(openPage(program, window, hands));
+    QCOMPARE(newFrames(program), QStringList(kProbe));
+
+    // a colour that no custom button was clicked for goes nowhere
+    screen.drag(hands.ringPoint(100), hands.ringPoint(140));
+
+    hands.press(hands.parts.customs[2]);
+    QCOMPARE(newFrames(program), QStringList(ledFrame("01 32 02 FFFFFF")));
+    const QPoint blue = hands.ringPoint(230);
+    QCOMPARE(framesOfDrag(program, hands.ringPoint(160), blue),
+             QStringList(ledFrame("01 32 02" + hexOf(hands.colorAt(blue)))));
+    QCOMPARE(framesOfDrag(program, hands.sliderPoint(0.5), hands.sliderPoint(1)),
+             QStringList(ledFrame("01 32 02 000000")));
+    hands.typeInto(hands.numberBox("spinGreen"), QStringLiteral("200"), QStringLiteral("Return"));
+    QCOMPARE(newFrames(program), QStringList(ledFrame("01 32 02 00C800")));
+    hands.typeInto(hands.numberBox("spinRed"), QStringLiteral("999"), QStringLiteral("Return")); // beyond 255
+    QCOMPARE(newFrames(program), QStringList(ledFrame("01 32 02 FFC800")));
+    QVERIFY(program.otherWindows().isEmpty()); // Return pressed no button of the dialog
+
+    // Reset takes the custom colours away; the palette edits nothing after it
+    hands.press(hands.parts.breath); // at once, and once more for the number box that loses the focus
+    QCOMPARE(newFrames(program, 2), QStringList({ledFrame("01 32 02 FFC800"), ledFrame("01 32 02 FFC800")}));
+    hands.press(hands.parts.reset);
+    QCOMPARE(newFrames(program), QStringList(ledFrame("01 32 02 FF0000")));
+    screen.drag(hands.ringPoint(100), hands.ringPoint(140));
+    closeByButton(program, window);
+    QCOMPARE(newFrames(program), QStringList(ledFrame("01 32 02 FF0000", true)));
+    QCOMPARE(savedLed(program), QStringLiteral("2 0 1 0") + whiteButtons(7));
+}
+
+void TestLed::steadyColourFollowsADrag()
+{
+    InstalledProgram program(screen);
+    program.useScenario(sceneOf(kCoolLedCard));
+    program.writeConfig(configWithLed(R"(Interval="5" LedMode="1" CheckedColorButtonStatic="0"
+        CheckedColorButtonDynamic="1" Color1="4278190335")"));
+    const qint64 window = startedWindow(program);
+    QVERIFY(window != 0);
+    const LedPageHands hands(screen, program, window, layout);
+    QVERIFY(openPage(program, window, hands));
+    QCOMPARE(newFrames(program), QStringList(kProbe));
+    hands.press(hands.parts.customs[0]);
+    QCOMPARE(newFrames(program), QStringList(ledFrame("00 32 02 0000FF")));
+
+    const QPoint end = hands.ringPoint(140);
+    screen.drag(hands.ringPoint(20), end);
+    const QString last = ledFrame("00 32 02" + hexOf(hands.colorAt(end)));
+    QTRY_COMPARE_WITH_TIMEOUT(ledFrames(program.journal()).last(), last, kPatienceMs);
+    const QStringList frames = newFrames(program);
+    QVERIFY2(frames.size() > 3, qPrintable(frames.join(QLatin1Char('|')))); // one at each movement
+    for (const QString &frame : frames)
+        QVERIFY2(frame.startsWith(QLatin1String("08 00 32 02 ")), qPrintable(frame));
+
+    closeByButton(program, window);
+    QCOMPARE(newFrames(program), QStringList(ledFrame("00 32 02" + hexOf(hands.colorAt(end)), true)));
+    QCOMPARE(savedLed(program), QStringLiteral("5 1 0 1 FF") +
+                                    QString::fromLatin1(hexOf(hands.colorAt(end)).toUpper()) + whiteButtons(6));
+}
+
+void TestLed::controllerWithoutGradient()
+{
+    InstalledProgram program(screen);
+    program.useScenario(sceneOf(R"({ "led": { "type": 1 } })"));
+    program.writeConfig(configWithLed(R"(Interval="17" LedMode="5" CheckedColorButtonStatic="255"
+        CheckedColorButtonDynamic="0")"));
+    const qint64 window = startedWindow(program);
+    QVERIFY(window != 0);
+    const LedPageHands hands(screen, program, window, layout);
+    QVERIFY(openPage(program, window, hands));
+    // the one case in which a start tells the LEDs something
+    QCOMPARE(newFrames(program, 2), QStringList({kProbe, ledFrame("01 32 10 8B00FF")}));
+    hands.press(hands.parts.gradient); // there is no such button
+    hands.press(hands.parts.sleep);
+    QCOMPARE(newFrames(program), QStringList(ledFrame("00 00 0A")));
+    closeByButton(program, window);
+    QCOMPARE(ledFrames(program.journal()).size(), framesSeen); // the LEDs stay as they are
+    QVERIFY2(savedLed(program).startsWith(QLatin1String("16 6 64 0 ")), qPrintable(savedLed(program)));
+}
+
+void TestLed::controllerThatStopsAndComesBack()
+{
+    // Both of the first calls are the detection's. The plain calls fail for a while, the extended ones always.
+    InstalledProgram program(screen);
+    program.useScenario(sceneOf(kCoolLedCard, R"(
+        { "operation": "NvAPI_I2CWrite", "status": -1, "from": 3, "count": 8 },
+        { "operation": "NvAPI_I2CWriteEx", "status": -1 })"));
+    program.writeConfig(kQuietConfig);
+    const qint64 window = startedWindow(program);
+    QVERIFY(window != 0);
+    const LedPageHands hands(screen, program, window, layout);
+    QVERIFY(openPage(program, window, hands));
+    QCOMPARE(newFrames(program), QStringList(kProbe));
+
+    hands.press(hands.parts.bright);
+    QCOMPARE(newFrames(program), QStringList(ledFrame("02 32 02 FF0000") + QStringLiteral(" -> -1")));
+    hands.press(hands.parts.state); // its thread ends with this
+    QCOMPARE(newFrames(program), QStringList(ledFrame("01 32 04 00FF00") + QStringLiteral(" -> -1")));
+    QVERIFY(program.otherWindows().isEmpty()); // and nobody is told
+
+    // the window goes on as if nothing were
+    hands.press(hands.parts.breath);
+    QCOMPARE(newFrames(program), QStringList(ledFrame("01 32 02 FF0000") + QStringLiteral(" -> -1")));
+    QStringList frames;
+    for (int i = 0; i < 10 && (frames.isEmpty() || frames.last().contains(QLatin1String("->"))); ++i) {
+        hands.press(i % 2 == 0 ? hands.parts.bright : hands.parts.breath);
+        frames = newFrames(program);
+    }
+    QVERIFY2(!frames.isEmpty() && !frames.last().contains(QLatin1String("->")), qPrintable(frames.join(' ')));
+
+    hands.press(hands.parts.state); // which revived its thread when it was left
+    QCOMPARE(newFrames(program), QStringList(ledFrame("01 32 04 00FF00")));
+    closeByButton(program, window);
+}
+
+void TestLed::slowDriver_data()
+{
+    QTest::addColumn<QByteArray>("faults");
+    QTest::newRow("2 s for each write to the bus")
+        << QByteArray(R"({ "operation": "NvAPI_I2CWrite", "delayMs": 2000, "from": 3 })");
+    QTest::newRow("2 s for each read of the temperature")
+        << QByteArray(R"({ "operation": "NvAPI_GPU_GetThermalSettings", "delayMs": 2000 })");
+    QTest::newRow("2 s for each refused write")
+        << QByteArray(R"({ "operation": "NvAPI_I2CWrite", "delayMs": 2000, "status": -1, "from": 3 })");
+}
+
+void TestLed::slowDriver()
+{
+    QFETCH(QByteArray, faults);
+    InstalledProgram program(screen);
+    program.useScenario(sceneOf(kCoolLedCard, faults));
+    program.writeConfig(kQuietConfig);
+    const qint64 window = startedWindow(program);
+    QVERIFY(window != 0);
+    const LedPageHands hands(screen, program, window, layout);
+    QVERIFY(openPage(program, window, hands));
+    QCOMPARE(newFrames(program).size(), 1);
+    hands.press(hands.parts.state);
+
+    // the slow calls are the worker's: the window's pages change meanwhile
+    const QRect panel = onScreen(window, layout.pagePanel);
+    const QImage ledPage = screen.picture();
+    program.clickIn(window, layout.monitorButton.center());
+    QVERIFY(pictureChanges(ledPage, panel));
+    QVERIFY(openPage(program, window, hands));
+
+    program.clickIn(window, layout.closeButton.center());
+    QVERIFY(program.waitForBox() != 0);
+    QElapsedTimer closing;
+    closing.start();
+    pressBoxButton(program, true);
+    QVERIFY(program.waitForEnd(15000)); // 2 s for each thread to end, and the calls that were under way
+    QVERIFY(program.endedNormally());
+    QCOMPARE(program.exitCode(), 0);
+    QVERIFY2(savedLed(program).startsWith(QLatin1String("2 4 1 0 ")), qPrintable(savedLed(program)));
+}
+
+int main(int argc, char **argv)
+{
+    return runProgramTest<TestLed>(argc, argv);
+}
+
+#include "TestLed.moc"
