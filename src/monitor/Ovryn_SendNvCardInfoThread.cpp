@@ -32,10 +32,7 @@ void Ovryn_SendNvCardInfoThread::run()
         sampleOnce();
         if (stopped)
             break;
-        const quint32 pauseMs = sleepMs;
-        held.unlock();
-        QThread::msleep(pauseMs);
-        held.relock();
+        pause(held, sleepMs);
     }
     leaveLoop();
 }

@@ -46,9 +46,7 @@ void Ovryn_SetUserDefineFanSpeedThread::run()
         followCurveOnce();
         if (stopped)
             break;
-        held.unlock();
-        QThread::msleep(interval);
-        held.relock();
+        pause(held, interval);
     }
     leaveLoop();
 }
