@@ -13,7 +13,7 @@ place=$(mktemp -d)
 cp -r "$program" "$(dirname "$program")/updateLog" "$place/"
 # and with a runtime folder of its own it is the first instance even while another one runs
 mkdir -m 700 "$place/runtime"
-XDG_RUNTIME_DIR="$place/runtime" "$place/OvrynDeck2" &
+XDG_RUNTIME_DIR="$place/runtime" XDG_CONFIG_HOME="$place/settings" "$place/OvrynDeck2" &
 program_pid=$!
 trap 'kill $program_pid 2>/dev/null || true; stop_screen; rm -rf "$place"' EXIT
 

@@ -3,8 +3,8 @@
 #include "app/EmptyPage.h"
 #include "app/MainDialogStyle.h"
 #include "board/Ovryn_ColorPaletteBox.h"
-#include "board/Ovryn_LEDControlWidget.h"
 #include "device/NvGpuControl.h"
+#include "device/WorkerThread.h"
 #include "monitor/Ovryn_BackgroundEffects.h"
 #include "monitor/Ovryn_GpuInfoCircleBox.h"
 #include "monitor/Ovryn_NvCardInfoWidget.h"
@@ -29,7 +29,7 @@ const char *const kBackgroundPicture = ":/images/images/BKImage.png";
 
 } // namespace
 
-OvrynDeck2::OvrynDeck2(QWidget *parent) : QDialog(parent)
+OvrynDeck2::OvrynDeck2(QWidget *parent, const PageTimings &pauses) : QDialog(parent), pageTimings(pauses)
 {
     setObjectName(QStringLiteral("OvrynDeck2"));
     buildWidgets();
@@ -64,11 +64,13 @@ OvrynDeck2::OvrynDeck2(QWidget *parent) : QDialog(parent)
 OvrynDeck2::~OvrynDeck2()
 {
     for (CardPageSet &pages : cardPageSets) {
-        delete pages.infoWorker;
+        const int leftBehindBefore = WorkerThread::leftBehind();
+        WorkerThread::endAndDelete(pages.infoWorker);
         delete pages.lcdPage;
         delete pages.ledPage;
         delete pages.adjustPage;
-        delete pages.gpuControl;
+        if (WorkerThread::leftBehind() == leftBehindBefore)
+            delete pages.gpuControl; // a thread that hangs in the driver still uses it
     }
 }
 
@@ -187,8 +189,8 @@ Ovryn_LEDControlWidget *OvrynDeck2::newLedPage(const GpuCardInfo &card, NvGpuCon
 {
     LedModuleInfo saved;
     if (generalSetting.ApplyLastParamOnStart && configFile.getLedModule(card.gpuName, card.subSystemId, saved))
-        return new Ovryn_LEDControlWidget(saved, control, this);
-    return new Ovryn_LEDControlWidget(control, this);
+        return new Ovryn_LEDControlWidget(saved, control, this, pageTimings.led);
+    return new Ovryn_LEDControlWidget(control, this, pageTimings.led);
 }
 
 Ovryn_NvCardInfoWidget *OvrynDeck2::newMonitorPage(const GpuCardInfo &card, NvGpuControl *control)
@@ -204,8 +206,8 @@ Ovryn_OverClockingWidget *OvrynDeck2::newAdjustPage(const GpuCardInfo &card, NvG
 {
     AdjustModuleInfo saved;
     if (generalSetting.ApplyLastParamOnStart && configFile.getAdjustModule(card.gpuName, card.subSystemId, saved))
-        return new Ovryn_OverClockingWidget(saved, control, this);
-    return new Ovryn_OverClockingWidget(control, this);
+        return new Ovryn_OverClockingWidget(saved, control, this, pageTimings.adjust);
+    return new Ovryn_OverClockingWidget(control, this, pageTimings.adjust);
 }
 
 const GpuCardInfo *OvrynDeck2::shownCardInfo() const

@@ -3,6 +3,7 @@
 #include "app/CardDetection.h"
 #include "app/CardPageSet.h"
 #include "app/MainDialogLayout.h"
+#include "app/PageTimings.h"
 #include "config/ConfigRecords.h"
 #include "config/Ovryn_ConfigFile.h"
 #include "ui/Ovryn_LanguageTable.h"
@@ -15,8 +16,6 @@
 
 class Ovryn_BackgroundEffects;
 class Ovryn_ComboBox;
-class Ovryn_LEDControlWidget;
-class Ovryn_OverClockingWidget;
 class Ovryn_SettingParentWidget;
 class QAction;
 class QMenu;
@@ -47,7 +46,7 @@ public:
         BoardTempPage = 6,
     };
 
-    explicit OvrynDeck2(QWidget *parent = nullptr);
+    explicit OvrynDeck2(QWidget *parent = nullptr, const PageTimings &pauses = {});
     ~OvrynDeck2() override;
 
     [[nodiscard]] int cardCount() const { return detectedCards; }
@@ -126,6 +125,7 @@ private:
     void applyPageEffects(const GpuCardInfo &card, Ovryn_GpuInfoCircleBox *circleBox);
     void bringBack(); ///< from the tray
 
+    const PageTimings pageTimings;
     int detectedCards = 0;
     QList<GpuCardInfo> cardInfos;    ///< in detection order
     QList<CardPageSet> cardPageSets; ///< the same order

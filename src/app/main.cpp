@@ -1,5 +1,6 @@
 #include "app/OvrynDeck2.h"
 #include "config/Ovryn_ConfigFile.h"
+#include "device/WorkerThread.h"
 #include "platform/QtSingleApplication.h"
 #include "ui/Fonts.h"
 #include "ui/Ovryn_LanguageTable.h"
@@ -10,6 +11,10 @@
 #include <QFont>
 #include <QIcon>
 #include <QScreen>
+
+#include <chrono>
+#include <cstdlib>
+#include <thread>
 
 namespace
 {
@@ -41,9 +46,20 @@ GeneralSettingInfo stampStart(Ovryn_ConfigFile &configFile)
     return general;
 }
 
-} // namespace
+/// What is left to do is calls of the driver: the fan and the LEDs of each card, and letting it go. One that hangs
+/// would keep a process that nobody sees and that turns every further start away. Everything kept is on the disk.
+void limitShutdown(int exitCode, int cards)
+{
+    constexpr int kBaseSeconds = 15;
+    constexpr int kSecondsPerCard = 5; // longer than the threads of a card may take that have to be ended by force
+    const std::chrono::seconds limit(kBaseSeconds + kSecondsPerCard * cards);
+    std::thread([exitCode, limit] {
+        std::this_thread::sleep_for(limit);
+        std::_Exit(exitCode);
+    }).detach();
+}
 
-int main(int argc, char **argv)
+int run(int argc, char **argv)
 {
     QtSingleApplication application(QString::fromLatin1(kApplicationId), argc, argv);
     if (application.isRunning()) {
@@ -75,6 +91,8 @@ int main(int argc, char **argv)
     dialog.setWindowTitle(QStringLiteral("OvrynDeckII"));
     application.setActivationWindow(&dialog, true);
     QObject::connect(&dialog, SIGNAL(closed()), &application, SLOT(quit()));
+    bool closed = false;
+    QObject::connect(&dialog, &OvrynDeck2::closed, [&closed] { closed = true; });
     dialog.setWindowOpacity(1.0);
     dialog.setAttribute(Qt::WA_TranslucentBackground, true);
     dialog.setWindowFlags(Qt::FramelessWindowHint | Qt::WindowMinimizeButtonHint);
@@ -94,5 +112,19 @@ int main(int argc, char **argv)
         dialog.show();
         dialog.afterShow();
     }
-    return QApplication::exec();
+    // Closed from the tray while the prompt stood, there was no loop yet that could have been left.
+    const int exitCode = closed ? 0 : QApplication::exec();
+    limitShutdown(exitCode, dialog.cardCount());
+    return exitCode;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const int exitCode = run(argc, argv);
+    // A thread that hangs in the driver may wake up at any time: nothing that it may touch is destroyed.
+    if (WorkerThread::leftBehind() > 0)
+        std::_Exit(exitCode);
+    return exitCode;
 }

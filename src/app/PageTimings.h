@@ -1,0 +1,11 @@
+#pragma once
+
+#include "board/Ovryn_LEDControlWidget.h"
+#include "overclock/Ovryn_OverClockingWidget.h"
+
+/// The pauses of the cards' pages, which tests shorten.
+struct PageTimings
+{
+    LedTimings led;
+    AdjustTimings adjust;
+};
