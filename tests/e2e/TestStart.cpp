@@ -14,7 +14,6 @@ private slots:
     void driverCallsOfTheAdjustPage();
     void driverCallsOfASample();
     void secondStartBringsTheWindowToTheFront();
-    void secondStartBringsTheWindowBackFromTheTray();
     void noCard_data();
     void noCard();
     void promptOfTheHighPerformanceMode();
@@ -213,20 +212,6 @@ void TestStart::secondStartBringsTheWindowToTheFront()
     other.waitForFinished();
 }
 
-void TestStart::secondStartBringsTheWindowBackFromTheTray()
-{
-    InstalledProgram program(screen);
-    program.writeConfig(kQuietConfig);
-    const qint64 window = startedWindow(program);
-    QVERIFY(window != 0);
-    program.clickIn(window, layout.minimizeButton.center());
-    QTRY_COMPARE_WITH_TIMEOUT(program.mainWindow(), qint64(0), kPatienceMs);
-    QVERIFY(program.isRunning());
-    QCOMPARE(program.startAgain(), 0);
-    QTRY_VERIFY_WITH_TIMEOUT(program.mainWindow() != 0, kPatienceMs);
-    closeByButton(program, program.mainWindow());
-}
-
 void TestStart::noCard_data()
 {
     QTest::addColumn<QByteArray>("config");
@@ -285,10 +270,10 @@ void TestStart::badConfigFiles_data()
                                            "ELF\0\1 no xml here",
                                            20)
                              << true;
-    QTest::newRow("a million cards")
-        << QByteArray("<OvrynParameter><GpuSettings>" + QByteArray("<GPU GpuName=\"x\"/>").repeated(1000000) +
-                      "</GpuSettings></OvrynParameter>")
-        << true;
+    QTest::newRow("a million cards") << QByteArray("<OvrynParameter><GpuSettings>" +
+                                                   QByteArray("<GPU GpuName=\"x\"/>").repeated(1000000) +
+                                                   "</GpuSettings></OvrynParameter>")
+                                     << true;
     QTest::newRow("of another root") << QByteArray("<Other><GeneralSetting/></Other>") << false;
     QTest::newRow("numbers that are none")
         << QByteArray(good).replace("CheckInterval=\"7\"", "CheckInterval=\"seven\"") << false;

@@ -1,7 +1,4 @@
 #include "e2e/ProgramTest.h"
-#include "ui/Ovryn_LanguageTable.h"
-#include "ui/Ovryn_SettingParentWidget.h"
-#include "ui/Ovryn_SettingWidget.h"
 
 #include <QTest>
 
@@ -17,32 +14,9 @@ private slots:
     void changeOfCard();
     void changeOfLanguage();
     void gaugeSegmentsChangeTheReadout();
-    void closeAsksFirst();
-    void windowManagerCloseSaves();
     void escapeDoesNotClose();
     void dragByAFreeSpot();
-
-private:
-    [[nodiscard]] QPoint settingControl(const QString &objectName) const;
 };
-
-/// Where a control of the settings page lies in the main window, asked of a page built the same way.
-QPoint TestUse::settingControl(const QString &objectName) const
-{
-    QWidget dialog;
-    dialog.resize(kDialogSize);
-    Ovryn_LanguageTable table;
-    table.setLanguage(kLanguageEnglish);
-    Ovryn_SettingParentWidget panel{GeneralSettingInfo(), UpdateSettingInfo(), &dialog};
-    panel.setLanguage(table.setting, kLanguageEnglish);
-    dialog.show();
-    panel.setShowSettingWidget(true);
-    const auto *page = panel.findChild<Ovryn_SettingWidget *>();
-    const auto *control = panel.findChild<QWidget *>(objectName);
-    if (!page || !control || !QTest::qWaitFor([&] { return page->isVisible() && page->x() == 0; }, kPatienceMs))
-        return {};
-    return settingPanelPosition(kDialogSize, panel.size()) + control->mapTo(&panel, control->rect().center());
-}
 
 void TestUse::pageButtonsOpenAndCloseTheirPages()
 {
@@ -195,10 +169,7 @@ void TestUse::changeOfLanguage()
     QVERIFY(window != 0);
     const QRect button = onScreen(window, layout.monitorButton);
     const QImage chinese = screen.picture();
-    program.clickIn(window, layout.settingButton.center());
-    const QRect panel = onScreen(window, QRect(combo - QPoint(40, 10), QSize(80, 20)));
-    QVERIFY(pictureChanges(chinese, panel));
-    QTRY_VERIFY_WITH_TIMEOUT(differingPixels(screen.picture(), screen.picture(), panel) == 0, kPatienceMs);
+    openSettings(program, window, combo);
 
     program.clickIn(window, combo);
     QTRY_VERIFY_WITH_TIMEOUT(!program.otherWindows().isEmpty(), kPatienceMs);
@@ -232,42 +203,6 @@ void TestUse::gaugeSegmentsChangeTheReadout()
         QVERIFY2(pictureChanges(before, readout), segment.first);
     }
     closeByButton(program, window);
-}
-
-void TestUse::closeAsksFirst()
-{
-    InstalledProgram program(screen);
-    program.writeConfig(kQuietConfig);
-    const qint64 window = startedWindow(program);
-    QVERIFY(window != 0);
-    program.clickIn(window, layout.closeButton.center());
-    pressBoxButton(program, false);
-    QTRY_VERIFY_WITH_TIMEOUT(program.otherWindows().isEmpty(), kPatienceMs);
-    QVERIFY(program.isRunning());
-    QCOMPARE(program.configText(QStringLiteral("LastCloseDate")), QStringLiteral("2020/02/29"));
-
-    closeByButton(program, window);
-    QCOMPARE(program.configText(QStringLiteral("LastCloseDate")), today());
-    const QList<QDomElement> sections = program.cardSections();
-    QCOMPARE(sections.size(), 2);
-    QCOMPARE(sections.at(0).attribute(QStringLiteral("GpuName")), QStringLiteral("GeForce GTX 1070 Ti"));
-    QCOMPARE(sections.at(0).attribute(QStringLiteral("SubSystemId")), QString::number(0x111D7377u));
-    // the driver is let go last: no worker asked it for anything afterwards
-    QCOMPARE(program.journal().last().value(QStringLiteral("op")).toString(), QStringLiteral("NvAPI_Unload"));
-}
-
-void TestUse::windowManagerCloseSaves()
-{
-    InstalledProgram program(screen);
-    program.writeConfig(kQuietConfig);
-    const qint64 window = startedWindow(program);
-    QVERIFY(window != 0);
-    screen.activate(window);
-    QTRY_COMPARE_WITH_TIMEOUT(screen.activeWindow(), window, kPatienceMs);
-    (void)screen.run(QStringLiteral("wmctrl"), {QStringLiteral("-i"), QStringLiteral("-c"), QString::number(window)});
-    QVERIFY(program.waitForEnd());
-    QVERIFY(program.endedNormally());
-    QCOMPARE(program.configText(QStringLiteral("LastCloseDate")), today());
 }
 
 void TestUse::escapeDoesNotClose()
