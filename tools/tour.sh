@@ -22,7 +22,7 @@ if [ -x "$front" ]; then
     "$front" & pids+=($!)
     wait_for 20 find_window "Card front"
 fi
-XDG_RUNTIME_DIR="$place/runtime" "$place/OvrynDeck2" &
+XDG_RUNTIME_DIR="$place/runtime" XDG_CONFIG_HOME="$place/settings" "$place/OvrynDeck2" &
 program_pid=$!
 pids+=($program_pid)
 

@@ -1,12 +1,10 @@
 #include "app/OvrynDeck2.h"
 
-#include "app/EmptyPage.h"
 #include "app/MainDialogStyle.h"
 #include "board/Ovryn_BoardInfoMainWidget.h"
 #include "board/Ovryn_ColorPaletteBox.h"
-#include "board/Ovryn_LCDControllorWidget.h"
-#include "board/Ovryn_LEDControlWidget.h"
 #include "device/NvGpuControl.h"
+#include "device/WorkerThread.h"
 #include "monitor/Ovryn_BackgroundEffects.h"
 #include "monitor/Ovryn_GpuFixedInfo.h"
 #include "monitor/Ovryn_GpuInfoCircleBox.h"
@@ -33,7 +31,8 @@ const char *const kBackgroundPicture = ":/images/images/BKImage.png";
 
 } // namespace
 
-OvrynDeck2::OvrynDeck2(QWidget *parent) : QDialog(parent), updateDownloader(new Ovryn_DownloadUpdateFileInfo(this))
+OvrynDeck2::OvrynDeck2(QWidget *parent, const PageTimings &pauses)
+    : QDialog(parent), pageTimings(pauses), updateDownloader(new Ovryn_DownloadUpdateFileInfo(this))
 {
     setObjectName(QStringLiteral("OvrynDeck2"));
     buildWidgets();
@@ -69,11 +68,13 @@ OvrynDeck2::OvrynDeck2(QWidget *parent) : QDialog(parent), updateDownloader(new 
 OvrynDeck2::~OvrynDeck2()
 {
     for (CardPageSet &pages : cardPageSets) {
-        delete pages.infoWorker;
+        const int leftBehindBefore = WorkerThread::leftBehind();
+        WorkerThread::endAndDelete(pages.infoWorker);
         delete pages.lcdPage;
         delete pages.ledPage;
         delete pages.adjustPage;
-        delete pages.gpuControl;
+        if (WorkerThread::leftBehind() == leftBehindBefore)
+            delete pages.gpuControl; // a thread that hangs in the driver still uses it
     }
 }
 
@@ -197,16 +198,16 @@ Ovryn_LEDControlWidget *OvrynDeck2::newLedPage(const GpuCardInfo &card, NvGpuCon
 {
     LedModuleInfo saved;
     if (generalSetting.ApplyLastParamOnStart && configFile.getLedModule(card.gpuName, card.subSystemId, saved))
-        return new Ovryn_LEDControlWidget(saved, control, this);
-    return new Ovryn_LEDControlWidget(control, this);
+        return new Ovryn_LEDControlWidget(saved, control, this, pageTimings.led);
+    return new Ovryn_LEDControlWidget(control, this, pageTimings.led);
 }
 
 Ovryn_LCDControllorWidget *OvrynDeck2::newLcdPage(const GpuCardInfo &card, NvGpuControl *control)
 {
     LcdModuleInfo saved;
     if (generalSetting.ApplyLastParamOnStart && configFile.getLcdModule(card.gpuName, card.subSystemId, saved))
-        return new Ovryn_LCDControllorWidget(saved, control, this);
-    return new Ovryn_LCDControllorWidget(control, this);
+        return new Ovryn_LCDControllorWidget(saved, control, this, pageTimings.lcdFrameIntervalMs);
+    return new Ovryn_LCDControllorWidget(control, this, pageTimings.lcdFrameIntervalMs);
 }
 
 Ovryn_NvCardInfoWidget *OvrynDeck2::newMonitorPage(const GpuCardInfo &card, NvGpuControl *control)
@@ -222,8 +223,8 @@ Ovryn_OverClockingWidget *OvrynDeck2::newAdjustPage(const GpuCardInfo &card, NvG
 {
     AdjustModuleInfo saved;
     if (generalSetting.ApplyLastParamOnStart && configFile.getAdjustModule(card.gpuName, card.subSystemId, saved))
-        return new Ovryn_OverClockingWidget(saved, control, this);
-    return new Ovryn_OverClockingWidget(control, this);
+        return new Ovryn_OverClockingWidget(saved, control, this, pageTimings.adjust);
+    return new Ovryn_OverClockingWidget(control, this, pageTimings.adjust);
 }
 
 const GpuCardInfo *OvrynDeck2::shownCardInfo() const

@@ -3,6 +3,7 @@
 #include "app/CardDetection.h"
 #include "app/CardPageSet.h"
 #include "app/MainDialogLayout.h"
+#include "app/PageTimings.h"
 #include "config/ConfigRecords.h"
 #include "config/Ovryn_ConfigFile.h"
 #include "ui/Ovryn_LanguageTable.h"
@@ -17,9 +18,6 @@
 class Ovryn_BackgroundEffects;
 class Ovryn_ComboBox;
 class Ovryn_DownloadUpdateFileInfo;
-class Ovryn_LCDControllorWidget;
-class Ovryn_LEDControlWidget;
-class Ovryn_OverClockingWidget;
 class Ovryn_SettingParentWidget;
 class QAction;
 class QMenu;
@@ -50,7 +48,7 @@ public:
         BoardTempPage = 6,
     };
 
-    explicit OvrynDeck2(QWidget *parent = nullptr);
+    explicit OvrynDeck2(QWidget *parent = nullptr, const PageTimings &pauses = {});
     ~OvrynDeck2() override;
 
     [[nodiscard]] int cardCount() const { return detectedCards; }
@@ -138,6 +136,7 @@ private:
     void returnFromUpdater();
     int showUpdateBox(int flags, const QString &text); ///< gives the box's result
 
+    const PageTimings pageTimings;
     int detectedCards = 0;
     QList<GpuCardInfo> cardInfos;    ///< in detection order
     QList<CardPageSet> cardPageSets; ///< the same order

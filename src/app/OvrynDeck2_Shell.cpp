@@ -1,19 +1,19 @@
 #include "app/OvrynDeck2.h"
 
 #include "board/Ovryn_BoardInfoMainWidget.h"
-#include "board/Ovryn_LCDControllorWidget.h"
-#include "board/Ovryn_LEDControlWidget.h"
 #include "device/NvGpuControl.h"
 #include "monitor/Ovryn_GpuFixedInfo.h"
 #include "monitor/Ovryn_GpuInfoCircleBox.h"
 #include "monitor/Ovryn_NvCardInfoWidget.h"
 #include "monitor/Ovryn_SendNvCardInfoThread.h"
 #include "overclock/Ovryn_OverClockingWidget.h"
+#include "platform/AutoStart.h"
 #include "ui/Ovryn_MessageBox.h"
 #include "ui/Ovryn_SettingParentWidget.h"
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QCoreApplication>
 #include <QDate>
 #include <QIcon>
 #include <QMenu>
@@ -107,6 +107,7 @@ void OvrynDeck2::closeEvent(QCloseEvent *event)
         cardPageSets.at(i).ledPage->getLedModuleInfo(led);
         configFile.setLedModule(card.gpuName, card.subSystemId, led);
     }
+    setStartOnBoot(generalSetting.StartOnBoot, QCoreApplication::applicationFilePath());
     configFile.setLastCloseDate(QDate::currentDate());
     configFile.save(); // a failed write goes unnoticed by design
     QDialog::closeEvent(event);

@@ -1,5 +1,6 @@
 #include "app/OvrynDeck2.h"
 #include "config/Ovryn_ConfigFile.h"
+#include "device/WorkerThread.h"
 #include "platform/QtSingleApplication.h"
 #include "ui/Fonts.h"
 #include "ui/Ovryn_LanguageTable.h"
@@ -11,6 +12,10 @@
 #include <QIcon>
 #include <QScreen>
 #include <QTimer>
+
+#include <chrono>
+#include <cstdlib>
+#include <thread>
 
 namespace
 {
@@ -42,9 +47,20 @@ GeneralSettingInfo stampStart(Ovryn_ConfigFile &configFile)
     return general;
 }
 
-} // namespace
+/// What is left to do is calls of the driver: the fan and the LEDs of each card, and letting it go. One that hangs
+/// would keep a process that nobody sees and that turns every further start away. Everything kept is on the disk.
+void limitShutdown(int exitCode, int cards)
+{
+    constexpr int kBaseSeconds = 15;
+    constexpr int kSecondsPerCard = 5; // longer than the threads of a card may take that have to be ended by force
+    const std::chrono::seconds limit(kBaseSeconds + kSecondsPerCard * cards);
+    std::thread([exitCode, limit] {
+        std::this_thread::sleep_for(limit);
+        std::_Exit(exitCode);
+    }).detach();
+}
 
-int main(int argc, char **argv)
+int run(int argc, char **argv)
 {
     QtSingleApplication application(QString::fromLatin1(kApplicationId), argc, argv);
     if (application.isRunning()) {
@@ -96,5 +112,18 @@ int main(int argc, char **argv)
         // Inside the event loop: an update that takes over while the question stands must be able to end it.
         QTimer::singleShot(0, &dialog, [&dialog] { dialog.afterShow(); });
     }
-    return QApplication::exec();
+    const int exitCode = QApplication::exec();
+    limitShutdown(exitCode, dialog.cardCount());
+    return exitCode;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const int exitCode = run(argc, argv);
+    // A thread that hangs in the driver may wake up at any time: nothing that it may touch is destroyed.
+    if (WorkerThread::leftBehind() > 0)
+        std::_Exit(exitCode);
+    return exitCode;
 }

@@ -87,6 +87,11 @@ void Ovryn_LCDControllorWidget::connectAll()
     connect(spinSwitchTime, SIGNAL(valueChanged(int)), this, SLOT(onSpinBoxValueChanged(int)));
 }
 
+Ovryn_LCDControllorWidget::~Ovryn_LCDControllorWidget()
+{
+    WorkerThread::endAndDelete(sendNvInfoThread); // one that hangs in the driver stays
+}
+
 Ovryn_SendNvInfoToLCDThread *Ovryn_LCDControllorWidget::newWorker()
 {
     auto *worker = new Ovryn_SendNvInfoToLCDThread(control, this, intervalMs);

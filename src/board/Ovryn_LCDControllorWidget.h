@@ -35,6 +35,8 @@ public:
     Ovryn_LCDControllorWidget(const LcdModuleInfo &info, NvGpuControl *card, QWidget *parent = nullptr,
                               quint32 frameIntervalMs = Ovryn_SendNvInfoToLCDThread::kSleepMs);
 
+    ~Ovryn_LCDControllorWidget() override;
+
     void getLcdModuleInfo(LcdModuleInfo &out) const; ///< what was applied, whatever stands on the screen
     void setLanguage(const Lang_LCD &words, LanguageType newLanguage);
 

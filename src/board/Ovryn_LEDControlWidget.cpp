@@ -77,6 +77,7 @@ Ovryn_LEDControlWidget::~Ovryn_LEDControlWidget()
 {
     if (controllerType == kLedControllerWithGradient)
         sendCurrentEffect(true);
+    WorkerThread::endAndDelete(sendColorThread); // one that hangs in the driver stays
 }
 
 void Ovryn_LEDControlWidget::build()

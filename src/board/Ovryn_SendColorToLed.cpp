@@ -20,29 +20,27 @@ void Ovryn_SendColorToLed::startStateDisplay()
     // One hold for both: a pass between them would already spend the reset colour.
     QMutexLocker held(&mutex);
     lastColor = QColor(0, 0, 0); // the colour of no band
-    if (!stopped)
-        return;
-    start(QThread::InheritPriority);
-    stopped = false;
+    startThreadUnderMutex();
 }
 
 void Ovryn_SendColorToLed::stopStateDisplay()
 {
-    QMutexLocker held(&mutex);
-    stopped = true;
+    stopThread();
 }
 
 void Ovryn_SendColorToLed::run()
 {
     QMutexLocker held(&mutex);
     while (control != nullptr) {
-        if (!showStateOnce())
-            return; // `stopped` stays unset, so that a dead controller isn't asked again by the next start
-        if (stopped)
+        if (!showStateOnce()) {
+            giveUpLoop(); // so that a dead controller isn't asked again by the next start
             return;
+        }
+        if (stopped)
+            break;
         pause(held, sleepMs);
     }
-    stopped = true;
+    leaveLoop();
 }
 
 bool Ovryn_SendColorToLed::showStateOnce()

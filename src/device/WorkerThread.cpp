@@ -1,5 +1,14 @@
 #include "device/WorkerThread.h"
 
+#include <atomic>
+
+namespace
+{
+
+std::atomic<int> leftBehindCount{0};
+
+} // namespace
+
 WorkerThread::WorkerThread(QObject *parent) : QThread(parent) {}
 
 WorkerThread::~WorkerThread()
@@ -16,6 +25,11 @@ bool WorkerThread::isStopped()
 void WorkerThread::startThread()
 {
     QMutexLocker held(&mutex);
+    startThreadUnderMutex();
+}
+
+void WorkerThread::startThreadUnderMutex()
+{
     if (!stopped)
         return;
     if (leaving) {
@@ -32,23 +46,60 @@ void WorkerThread::stopThread()
     stopped = true;
 }
 
+void WorkerThread::pause(QMutexLocker &held, unsigned int ms)
+{
+    constexpr unsigned int longestMs = 0x7FFFFFFF;
+    held.unlock();
+    const bool toEnd = ending.tryAcquire(1, int(qMin(ms, longestMs)));
+    held.relock();
+    if (toEnd) { // also where nobody could set the flag, since the cycle before took too long
+        stopped = true;
+        ending.release();
+    }
+}
+
 void WorkerThread::leaveLoop()
 {
     stopped = true;
+    giveUpLoop();
+}
+
+void WorkerThread::giveUpLoop()
+{
     leaving = true;
 }
 
-void WorkerThread::pause(QMutexLocker &held, unsigned int ms)
+bool WorkerThread::tryToEnd(unsigned long waitMs)
 {
-    held.unlock();
-    msleep(ms);
-    held.relock();
+    ending.release();
+    // A cycle holds the mutex, and a driver that hangs never ends it.
+    if (mutex.tryLock(int(waitMs))) {
+        stopped = true;
+        mutex.unlock();
+        wait(waitMs);
+    }
+    terminate();                     // does nothing to a thread that has returned
+    return wait(kTerminationWaitMs); // terminate() only asks: a thread inside a system call may never hear it
 }
 
 void WorkerThread::endThread(unsigned long waitMs)
 {
-    stopThread();
-    wait(waitMs);
-    terminate(); // does nothing to a thread that has returned
-    wait();      // terminate() only asks; a QThread that still runs must not be destroyed
+    if (!tryToEnd(waitMs))
+        wait(); // a QThread that still runs must not be destroyed
+}
+
+bool WorkerThread::endAndDelete(WorkerThread *worker)
+{
+    if (!worker || worker->tryToEnd(kEndWaitMs)) {
+        delete worker;
+        return true;
+    }
+    worker->setParent(nullptr);
+    ++leftBehindCount;
+    return false;
+}
+
+int WorkerThread::leftBehind()
+{
+    return leftBehindCount;
 }

@@ -94,10 +94,7 @@ void CreateBreathCircleAndWaveCircleThread::run()
         emit sendImage(image);
         if ((!breathEnabled && !waveEnabled) || stopped)
             break;
-        const unsigned long pause = sleepMs;
-        held.unlock();
-        msleep(pause);
-        held.relock();
+        pause(held, sleepMs);
     }
     leaveLoop();
 }

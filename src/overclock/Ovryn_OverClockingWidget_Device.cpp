@@ -56,7 +56,7 @@ void Ovryn_OverClockingWidget::startFromSaved(const AdjustModuleInfo &saved)
 Ovryn_OverClockingWidget::~Ovryn_OverClockingWidget()
 {
     const bool fanFollowsCurve = current.fanMode == FanUserDefined;
-    delete fanThread; // first, or its next cycle would take the fan again
+    WorkerThread::endAndDelete(fanThread); // first, or its next cycle would take the fan again
     if (fanFollowsCurve && gpuControl)
         gpuControl->setCoolerAuto();
 }

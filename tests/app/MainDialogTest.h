@@ -10,8 +10,11 @@
 
 #include <memory>
 
+/// Pages that wait for nothing.
+constexpr PageTimings kQuickPages{{0, 0, 0, 10, 1}, {0, 1}};
+
 /// What each test of the main dialog finds: a stand-in for the driver with one card of the maker's, and an empty
-/// folder of its own as the current one.
+/// folder of its own as the current one. The user's settings folder lies in that too: closing a dialog writes there.
 class MainDialogTest : public QObject
 {
     Q_OBJECT
@@ -23,6 +26,8 @@ private slots:
         folder = std::make_unique<QTemporaryDir>();
         QVERIFY(folder->isValid());
         QVERIFY(QDir::setCurrent(folder->path()));
+        formerConfigHome = qgetenv("XDG_CONFIG_HOME");
+        qputenv("XDG_CONFIG_HOME", QFile::encodeName(folder->filePath(QStringLiteral("home/.config"))));
         driver = std::make_unique<FakeDriver>();
     }
 
@@ -30,6 +35,7 @@ private slots:
     {
         driver.reset();
         QDir::setCurrent(formerFolder);
+        qputenv("XDG_CONFIG_HOME", formerConfigHome); // empty counts as unset
         folder.reset();
     }
 
@@ -52,6 +58,11 @@ protected:
         file.write(xml);
     }
 
+    static QString autoStartEntry()
+    {
+        return qEnvironmentVariable("XDG_CONFIG_HOME") + QStringLiteral("/autostart/_OvrynDeck2.desktop");
+    }
+
     static QString savedText()
     {
         QFile file(QStringLiteral("config.xml"));
@@ -62,5 +73,6 @@ protected:
 
 private:
     QString formerFolder;
+    QByteArray formerConfigHome;
     std::unique_ptr<QTemporaryDir> folder;
 };

@@ -65,6 +65,101 @@ protected:
     }
 };
 
+/// A worker in one long cycle: the driver that it asks doesn't answer.
+class HangingWorker : public WorkerThread
+{
+public:
+    /// `deaf` stands for a call that no signal and no cancellation reaches.
+    explicit HangingWorker(bool isDeaf, QObject *parent = nullptr) : WorkerThread(parent), deaf(isDeaf) {}
+    ~HangingWorker() override
+    {
+        answer.release();
+        endThread();
+    }
+    using WorkerThread::startThread;
+
+    QSemaphore inCall;
+    QSemaphore answer;
+    std::atomic<int> cycles{0}; ///< read and written by the loop to its very end
+
+protected:
+    void run() override
+    {
+        QMutexLocker held(&mutex);
+        setTerminationEnabled(!deaf);
+        inCall.release();
+        if (deaf)
+            answer.acquire();
+        else
+            sleep(3600);
+        ++cycles;
+        leaveLoop();
+    }
+
+private:
+    const bool deaf;
+};
+
+/// A worker that sleeps long behind each cycle.
+class SleepyWorker : public WorkerThread
+{
+public:
+    explicit SleepyWorker(std::atomic<int> &cycleCount, std::atomic<bool> &hasLeft)
+        : cycles(cycleCount), left(hasLeft)
+    {
+    }
+    ~SleepyWorker() override { endThread(); }
+    using WorkerThread::startThread;
+    using WorkerThread::stopThread;
+
+protected:
+    void run() override
+    {
+        QMutexLocker held(&mutex);
+        for (;;) {
+            ++cycles;
+            if (stopped)
+                break;
+            pause(held, 3600 * 1000);
+        }
+        leaveLoop();
+        left = true;
+    }
+
+private:
+    std::atomic<int> &cycles;
+    std::atomic<bool> &left;
+};
+
+/// A worker whose loop gives up in its first cycle, and whose thread lives on until it is let go.
+class GivingUpWorker : public WorkerThread
+{
+public:
+    ~GivingUpWorker() override
+    {
+        mayReturn.release(2);
+        endThread();
+    }
+    using WorkerThread::startThread;
+    using WorkerThread::stopThread;
+
+    std::atomic<int> cycles{0};
+    QSemaphore hasLeft;
+    QSemaphore mayReturn;
+
+protected:
+    void run() override
+    {
+        {
+            QMutexLocker held(&mutex);
+            ++cycles;
+            giveUpLoop();
+        }
+        hasLeft.release();
+        mayReturn.acquire();
+    }
+};
+
 } // namespace
 
 /// The shape of the worker threads: starting, stopping, ending.
@@ -76,7 +171,13 @@ private slots:
     void startsStopped();
     void runsUntilStopped();
     void startWhileTheThreadIsOnItsWayOut();
+    void startAfterGivingUp();
     void destructionWhileItRuns();
+    void endCutsThePauseShort();
+    void stopLeavesThePauseAlone();
+    void endOfANullWorker();
+    void hangingCallIsEndedByForce();
+    void callThatNothingEndsIsLeftBehind();
 };
 
 void TestWorkerThread::startsStopped()
@@ -116,11 +217,94 @@ void TestWorkerThread::startWhileTheThreadIsOnItsWayOut()
     QTRY_COMPARE(worker.cycles.load(), 2);
 }
 
+void TestWorkerThread::startAfterGivingUp()
+{
+    GivingUpWorker worker;
+    worker.startThread();
+    worker.hasLeft.acquire();
+    QVERIFY(!worker.isStopped());
+    worker.startThread(); // nothing before a stop
+    QVERIFY(!worker.isStopped());
+    worker.stopThread();
+    QVERIFY(worker.isRunning());
+    std::thread letGo([&worker] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50)); // so that the start meets a thread that runs
+        worker.mayReturn.release();
+    });
+    worker.startThread();
+    letGo.join();
+    QTRY_COMPARE(worker.cycles.load(), 2);
+}
+
 void TestWorkerThread::destructionWhileItRuns()
 {
     CountingWorker worker;
     worker.startThread();
     QTRY_VERIFY(worker.cycles >= 1);
+}
+
+void TestWorkerThread::endCutsThePauseShort()
+{
+    std::atomic<int> cycles{0};
+    std::atomic<bool> left{false};
+    auto *worker = new SleepyWorker(cycles, left);
+    worker->startThread();
+    QTRY_COMPARE(cycles.load(), 1);
+    QVERIFY(WorkerThread::endAndDelete(worker));
+    QVERIFY(left); // by itself
+    QCOMPARE(cycles.load(), 2);
+}
+
+void TestWorkerThread::stopLeavesThePauseAlone()
+{
+    std::atomic<int> cycles{0};
+    std::atomic<bool> left{false};
+    SleepyWorker worker(cycles, left);
+    worker.startThread();
+    QTRY_COMPARE(cycles.load(), 1);
+    worker.stopThread();
+    QVERIFY(!worker.wait(200));
+    QCOMPARE(cycles.load(), 1);
+}
+
+void TestWorkerThread::endOfANullWorker()
+{
+    QVERIFY(WorkerThread::endAndDelete(nullptr));
+    QCOMPARE(WorkerThread::leftBehind(), 0);
+}
+
+void TestWorkerThread::hangingCallIsEndedByForce()
+{
+#ifdef __SANITIZE_THREAD__
+    QSKIP("the thread sanitizer ends the program when a thread is ended by force");
+#endif
+    auto *worker = new HangingWorker(false);
+    worker->startThread();
+    worker->inCall.acquire();
+    QVERIFY(WorkerThread::endAndDelete(worker));
+    QCOMPARE(WorkerThread::leftBehind(), 0);
+}
+
+void TestWorkerThread::callThatNothingEndsIsLeftBehind()
+{
+#ifdef __SANITIZE_THREAD__
+    QSKIP("the thread sanitizer ends the program when a thread is ended by force");
+#endif
+    QObject owner;
+    auto *worker = new HangingWorker(true, &owner);
+    worker->startThread();
+    worker->inCall.acquire();
+    QVERIFY(!WorkerThread::endAndDelete(worker));
+    QCOMPARE(WorkerThread::leftBehind(), 1);
+    QCOMPARE(owner.children(), QObjectList()); // it doesn't go with its owner
+    QVERIFY(worker->isRunning());
+
+    // The driver answers after all, and the loop finds everything that it uses.
+    worker->answer.release();
+    QVERIFY(worker->wait(20000));
+    QVERIFY(worker->isStopped());
+    QCOMPARE(worker->cycles.load(), 1);
+    delete worker;
 }
 
 QTEST_APPLESS_MAIN(TestWorkerThread)

@@ -11,6 +11,7 @@ namespace
 {
 
 constexpr int kStartTimeoutMs = 30000;
+constexpr int kSmallWindow = 64; // toolkit helpers and the tray's icon are no larger, in pixels
 const char *const kWindowTitle = "OvrynDeckII";
 
 void writeFile(const QString &path, const QByteArray &content)
@@ -72,7 +73,9 @@ QProcessEnvironment InstalledProgram::environment() const
     // A runtime folder of its own, so that an instance of the person at the machine is no first instance.
     environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), folder.filePath(QStringLiteral("runtime")));
     environment.insert(QStringLiteral("TMPDIR"), folder.filePath(QStringLiteral("runtime")));
+    // Nor does it touch that person's autostart folder.
     environment.insert(QStringLiteral("HOME"), folder.path());
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), folder.filePath(QStringLiteral("settings")));
     for (auto variable = variables.cbegin(); variable != variables.cend(); ++variable)
         environment.insert(variable.key(), variable.value());
     return environment;
@@ -105,6 +108,13 @@ void InstalledProgram::follow(qint64 processId)
     followed = processId;
 }
 
+bool InstalledProgram::kill()
+{
+    process.kill();
+    process.waitForFinished(kStartTimeoutMs);
+    return process.exitStatus() == QProcess::CrashExit;
+}
+
 bool InstalledProgram::isRunning() const
 {
     return process.state() == QProcess::Running;
@@ -133,8 +143,7 @@ QList<qint64> InstalledProgram::otherWindows() const
     QList<qint64> others;
     for (const QString &id : all) {
         const qint64 window = id.toLongLong();
-        // toolkit helpers and the tray's icon are no larger than a few pixels
-        if (window != main && screen.geometryOf(window).width() > 64)
+        if (window != main && screen.geometryOf(window).width() > kSmallWindow)
             others.append(window);
     }
     return others;
@@ -156,6 +165,33 @@ qint64 InstalledProgram::waitForBox() const
 void InstalledProgram::clickIn(qint64 window, QPoint position) const
 {
     screen.click(screen.geometryOf(window).topLeft() + position);
+}
+
+QRect InstalledProgram::trayIcon() const
+{
+    for (const QString &id : screen.windowsOf(process.processId())) {
+        const QRect place = screen.geometryOf(id.toLongLong());
+        if (place.width() > 4 && place.width() <= kSmallWindow && place.y() < kSmallWindow) // the tray is at the top
+            return place;
+    }
+    return {};
+}
+
+QByteArray InstalledProgram::configBytes() const
+{
+    QFile file(folder.filePath(QStringLiteral("config.xml")));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QString InstalledProgram::path() const
+{
+    return folder.filePath(QStringLiteral("OvrynDeck2"));
+}
+
+QByteArray InstalledProgram::autoStartEntry() const
+{
+    QFile file(folder.filePath(QStringLiteral("settings/autostart/_OvrynDeck2.desktop")));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 QDomElement InstalledProgram::config() const

@@ -7,6 +7,7 @@
 #include <QList>
 #include <QMap>
 #include <QProcess>
+#include <QRect>
 #include <QTemporaryDir>
 
 /// One installation of the real executable in a folder of its own (config.xml lies beside it), started on
@@ -28,6 +29,7 @@ public:
     /// Another process, by its identifier, is the program from now on: its windows are looked for, and it ends with
     /// the object, too.
     void follow(qint64 processId);
+    bool kill();      ///< at once, as a crash or a power cut would; false when it has ended before
     [[nodiscard]] bool isRunning() const;
     bool waitForEnd(int timeoutMs = 20000);
     [[nodiscard]] int exitCode() const { return process.exitCode(); }
@@ -41,10 +43,16 @@ public:
 
     void clickIn(qint64 window, QPoint position) const; ///< in window pixels
 
+    [[nodiscard]] QRect trayIcon() const; ///< its place on the screen, null while the tray hasn't taken it
+
     [[nodiscard]] QDomElement config() const; ///< root element of config.xml, null when not well-formed
     [[nodiscard]] QString configAttribute(const QString &element, const QString &attribute) const;
     [[nodiscard]] QString configText(const QString &element) const;
     [[nodiscard]] QList<QDomElement> cardSections() const;
+
+    [[nodiscard]] QByteArray configBytes() const;    ///< the file as it stands, empty for none
+    [[nodiscard]] QString path() const;              ///< of the executable
+    [[nodiscard]] QByteArray autoStartEntry() const; ///< what stands in this user's autostart folder, empty for none
 
     [[nodiscard]] QList<QJsonObject> journal() const;     ///< what the driver was asked, in order
     [[nodiscard]] QString statePath() const;              ///< of the file that the driver keeps its state in

@@ -1,5 +1,4 @@
-#include "e2e/AdjustPageHands.h"
-#include "e2e/ProgramTest.h"
+#include "e2e/AdjustTest.h"
 #include "overclock/FanCurve.h"
 
 #include <QJsonArray>
@@ -7,7 +6,7 @@
 
 /// Adjusting a card with the real executable: what its driver is told, what the card makes of it, and what
 /// stays for the next start.
-class TestAdjust : public ProgramTest
+class TestAdjust : public AdjustTest
 {
     Q_OBJECT
 
@@ -17,25 +16,10 @@ private slots:
     void defaultGivesEverythingBack();
     void drawnCurveDrivesTheFan();
     void highPerformance();
-    void savedNumbersOutOfRange();
-    void brokenCurves();
-    void driverThatRefusesEveryWrite();
-
-private:
-    /// Opens the page past the warning that stands in the way once in a run.
-    void openPage(InstalledProgram &program, qint64 window, const AdjustPageHands &hands);
-    void answerApply(InstalledProgram &program, const AdjustPageHands &hands, bool yes);
-    /// Confirms Apply and waits until the main thread has written so often; what it wrote to the first card.
-    [[nodiscard]] QStringList writesOfApply(InstalledProgram &program, const AdjustPageHands &hands, int howMany);
-    [[nodiscard]] AdjustPageHands handsOn(const InstalledProgram &program, qint64 window) const;
-    [[nodiscard]] QRect gaugeHole(qint64 window) const; ///< of the gauge beside a page, on the screen
 };
 
 namespace
 {
-
-/// A card under steady load, held at a temperature at which its clock doesn't fade: 1683 MHz all the time.
-const QByteArray kSteadyCard = R"({ "thermal": { "pinnedC": 50 }, "load": { "kind": "constant", "percent": 90 } })";
 
 constexpr int kFanAt50C = 25; // percent, of that card's own control
 
@@ -43,101 +27,12 @@ constexpr int kFanAt50C = 25; // percent, of that card's own control
 const QByteArray kCardWithChangingLoad = R"({ "thermal": { "heatCapacityJK": 2 },
     "load": { "kind": "steps", "steps": [[6000, 4], [6000, 100]] } })";
 
-/// A card held at a temperature, whose settings config.xml keeps under a number of its own.
-QByteArray cardAt(int celsius, const QByteArray &subSystemId)
-{
-    return R"({ "thermal": { "pinnedC": )" + QByteArray::number(celsius) + R"( }, "pci": { "subSystemId": )" +
-           subSystemId + " } }";
-}
-
-QByteArray sceneOf(const QList<QByteArray> &cards, const QList<QByteArray> &faults = {})
-{
-    return "{ \"cards\": [" + cards.join(", ") + "], \"faults\": [" + faults.join(", ") + "] }";
-}
-
-QByteArray cardSection(const QByteArray &subSystemId, const QByteArray &adjustAttributes)
-{
-    return "<GPU GpuName=\"GeForce GTX 1070 Ti\" SubSystemId=\"" + subSystemId + "\"><AdjustModule " +
-           adjustAttributes + "/></GPU>";
-}
-
-QByteArray configWith(const QByteArray &cardSections)
-{
-    return QByteArray(kQuietConfig).replace("<GpuSettings/>", "<GpuSettings>" + cardSections + "</GpuSettings>");
-}
-
-const QByteArray kUsualBoard = QByteArray::number(0x111D7377u);
-
-QString savedAdjustment(const InstalledProgram &program, const char *attribute, int card = 0)
-{
-    return program.cardSections()
-        .value(card)
-        .firstChildElement(QStringLiteral("AdjustModule"))
-        .attribute(QLatin1String(attribute));
-}
-
-QJsonObject readings(const InstalledProgram &program, int card = 0)
-{
-    return program.cardState(card).value(QStringLiteral("readings")).toObject();
-}
-
-QJsonObject settings(const InstalledProgram &program, int card = 0)
-{
-    return program.cardState(card).value(QStringLiteral("settings")).toObject();
-}
-
 int graphicsMHz(const InstalledProgram &program)
 {
     return readings(program).value(QStringLiteral("graphicsKHz")).toInt() / 1000;
 }
 
-QStringList coolerWrites(const InstalledProgram &program, int card, int from = 0)
-{
-    return writesTo(program.journal(), card, from).filter(QStringLiteral("cooler"));
-}
-
-constexpr int kMainThread = 1;
-
 } // namespace
-
-AdjustPageHands TestAdjust::handsOn(const InstalledProgram &program, qint64 window) const
-{
-    return AdjustPageHands(screen, program, window, layout.pagePanel);
-}
-
-QRect TestAdjust::gaugeHole(qint64 window) const
-{
-    return onScreen(window, QRect(layout.gaugeShown.center() - QPoint(110, 50), QSize(220, 100)));
-}
-
-void TestAdjust::openPage(InstalledProgram &program, qint64 window, const AdjustPageHands &hands)
-{
-    program.clickIn(window, layout.adjustButton.center());
-    pressBoxButton(program, true);
-    QTRY_VERIFY_WITH_TIMEOUT(program.otherWindows().isEmpty(), kPatienceMs);
-    QTRY_VERIFY_WITH_TIMEOUT(hands.stands(), kPatienceMs);
-}
-
-void TestAdjust::answerApply(InstalledProgram &program, const AdjustPageHands &hands, bool yes)
-{
-    hands.press(hands.parts.applyButton);
-    pressBoxButton(program, yes);
-    QTRY_VERIFY_WITH_TIMEOUT(program.otherWindows().isEmpty(), kPatienceMs);
-}
-
-QStringList TestAdjust::writesOfApply(InstalledProgram &program, const AdjustPageHands &hands, int howMany)
-{
-    const int before = program.journal().size();
-    answerApply(program, hands, true);
-    QStringList writes;
-    (void)QTest::qWaitFor(
-        [&] {
-            writes = writesTo(program.journal(), 0, before, kMainThread);
-            return writes.size() >= howMany;
-        },
-        kPatienceMs);
-    return writes;
-}
 
 void TestAdjust::draggedSliderShowsInTheGauge()
 {
@@ -405,141 +300,6 @@ void TestAdjust::highPerformance()
     QVERIFY(switched(off)); // to the card's defaults: what stood before the mode isn't known any more
     closeByButton(program, window);
     QCOMPARE(savedAdjustment(program, "EnableHighPerformance"), QStringLiteral("0"));
-}
-
-void TestAdjust::savedNumbersOutOfRange()
-{
-    // One card for each kind of number; all are applied while the window is built.
-    const QList<QPair<QByteArray, QByteArray>> cards = {
-        {"288191351", R"(GpuFreClock="2147483647" FanSpeedLevel="2147483647" Voltage="2147483647"
-                         MemoryFreClock="2147483647" Power="2147483647" Temperature="2147483647" FanMode="1")"},
-        {"288256887", R"(GpuFreClock="0" FanSpeedLevel="0" Voltage="0" MemoryFreClock="0" Power="0" Temperature="0"
-                         FanMode="1" LinkOfPowerWithTemperature="1")"},
-        {"288322423", R"(GpuFreClock="-2147483648" FanSpeedLevel="-2147483648" Voltage="-2147483648"
-                         MemoryFreClock="-2147483648" Power="-2147483648" Temperature="-2147483648" FanMode="-7")"},
-        {"288387959", R"(GpuFreClock="99999999999999" FanSpeedLevel="many" Voltage="" MemoryFreClock="0x10"
-                         Power="1e3" Temperature="83.5" FanMode="automatic" Nodes="0,0|100,100|")"}};
-    QByteArray sections;
-    QList<QByteArray> scene;
-    for (const auto &card : cards) {
-        sections += cardSection(card.first, card.second);
-        scene << cardAt(50, card.first);
-    }
-    InstalledProgram program(screen);
-    program.useScenario(sceneOf(scene));
-    program.writeConfig(configWith(sections));
-    const qint64 window = startedWindow(program);
-    QVERIFY(window != 0);
-
-    // Clocks and power are cut to the card's range; the temperature target beyond it is refused by the driver.
-    const QJsonObject high = settings(program, 0);
-    QCOMPARE(high.value(QStringLiteral("graphicsOffsetKHz")).toInt(), 1200000);
-    QCOMPARE(high.value(QStringLiteral("memoryOffsetKHz")).toInt(), 1000000);
-    QCOMPARE(high.value(QStringLiteral("powerLimitPercent")).toInt(), 120);
-    QCOMPARE(high.value(QStringLiteral("temperatureLimitC")).toInt(), 83);
-    const QJsonObject low = settings(program, 1);
-    QCOMPARE(low.value(QStringLiteral("graphicsOffsetKHz")).toInt(), -200000);
-    QCOMPARE(low.value(QStringLiteral("memoryOffsetKHz")).toInt(), -1000000);
-    QCOMPARE(low.value(QStringLiteral("powerLimitPercent")).toInt(), 50);
-    QCOMPARE(low.value(QStringLiteral("temperatureLimitC")).toInt(), 60);
-
-    const AdjustPageHands hands = handsOn(program, window);
-    openPage(program, window, hands);
-    hands.press(hands.parts.autoButton);
-    hands.type(RowGpuClock, QStringLiteral("1700"), QStringLiteral("Tab"));
-    QVERIFY(writesOfApply(program, hands, 6).contains(QStringLiteral("graphics 93000 kHz")));
-    closeByButton(program, window);
-    QCOMPARE(program.cardSections().size(), cards.size());
-    QCOMPARE(savedAdjustment(program, "GpuFreClock"), QStringLiteral("1700"));
-    // negative numbers leave the card's own in place
-    QCOMPARE(savedAdjustment(program, "GpuFreClock", 2), QStringLiteral("1607"));
-    QCOMPARE(savedAdjustment(program, "Power", 2), QStringLiteral("100"));
-}
-
-void TestAdjust::brokenCurves()
-{
-    // At 65 degrees, where the curve that stands in for a broken one has 70 percent.
-    struct Curve
-    {
-        const char *what;
-        QByteArray text;
-        int percent;
-    };
-    QByteArray endless;
-    for (int i = 0; i < 20000; ++i)
-        endless += "0,0|";
-    const QList<Curve> curves = {{"none", "", 70},
-                                 {"bars alone", "|||||", 70},
-                                 {"one node", "0,0|", 70},
-                                 {"falling", "0,0|50,60|60,40|100,100|", 70},
-                                 {"going back", "0,0|50,40|40,60|100,100|", 70},
-                                 {"off the scale", "0,0|50,400|100,100|", 70},
-                                 {"negative", "0,0|-5,10|100,100|", 70},
-                                 {"without its first node", "10,10|100,100|", 70},
-                                 {"without its last node", "0,0|90,90|", 70},
-                                 {"words", "a,b|c,d|e,f", 70},
-                                 {"three fields", "0,0,0|100,100,100|", 70},
-                                 {"broken parts between good ones", "0,0|7|60,10|70,30|,,|100,100", 20},
-                                 {"very long", endless + "100,100|", 65}};
-    QByteArray sections;
-    QList<QByteArray> scene;
-    for (int i = 0; i < curves.size(); ++i) {
-        const QByteArray board = QByteArray::number(0x20000000 + i);
-        sections += cardSection(board, "FanMode=\"2\" Nodes=\"" + curves.at(i).text + '"');
-        scene << cardAt(65, board);
-    }
-    InstalledProgram program(screen);
-    program.useScenario(sceneOf(scene));
-    program.writeConfig(configWith(sections));
-    const qint64 window = startedWindow(program);
-    QVERIFY(window != 0);
-    for (int i = 0; i < curves.size(); ++i) {
-        QTRY_VERIFY_WITH_TIMEOUT(!coolerWrites(program, i).isEmpty(), kPatienceMs);
-        QCOMPARE(QString::fromLatin1(curves.at(i).what) + ": " + coolerWrites(program, i).first(),
-                 QString::fromLatin1(curves.at(i).what) +
-                     QStringLiteral(": cooler %1% policy 1").arg(curves.at(i).percent));
-    }
-    closeByButton(program, window);
-    for (int i = 0; i < curves.size(); ++i)
-        QCOMPARE(coolerWrites(program, i).last(), QStringLiteral("cooler 0% policy 32"));
-}
-
-void TestAdjust::driverThatRefusesEveryWrite()
-{
-    QList<QByteArray> faults;
-    for (const char *operation :
-         {"NvAPI_GPU_SetPstates20", "NvAPI_GPU_SetCoolerLevels", "NvAPI_GPU_ClientPowerPoliciesSetStatus",
-          "NvAPI_GPU_ClientThermalPoliciesSetStatus", "NvAPI_DriverEntry_B23B70EE", "NvAPI_I2CWrite",
-          "NvAPI_I2CWriteEx"})
-        faults << R"({ "operation": ")" + QByteArray(operation) + R"(", "status": -1 })";
-    InstalledProgram program(screen);
-    program.useScenario(sceneOf({kSteadyCard}, faults));
-    program.writeConfig(configWith(cardSection(kUsualBoard, R"(GpuFreClock="1700" FanSpeedLevel="80" Power="60"
-                                                              FanMode="2" Nodes="")")));
-    const qint64 window = startedWindow(program);
-    QVERIFY(window != 0);
-    const AdjustPageHands hands = handsOn(program, window);
-    openPage(program, window, hands);
-
-    QTRY_VERIFY_WITH_TIMEOUT(coolerWrites(program, 0).size() > 4, kPatienceMs); // the curve's thread goes on trying
-    hands.press(hands.parts.manualButton);
-    hands.type(RowGpuClock, QStringLiteral("1800"), QStringLiteral("Tab"));
-    const int before = program.journal().size();
-    answerApply(program, hands, true);
-    QTRY_VERIFY_WITH_TIMEOUT(
-        writesTo(program.journal(), 0, before, kMainThread).contains(QStringLiteral("graphics 193000 kHz")),
-        kPatienceMs);
-    hands.press(hands.parts.defaultButton);
-    QTRY_VERIFY_WITH_TIMEOUT(writesTo(program.journal(), 0, before, kMainThread).contains(QStringLiteral("entry 1")),
-                             kPatienceMs);
-    program.clickIn(window, layout.highPerformanceButton.center());
-    QTRY_VERIFY_WITH_TIMEOUT(
-        writesTo(program.journal(), 0, before, kMainThread).contains(QStringLiteral("graphics 126000 kHz")),
-        kPatienceMs);
-    closeByButton(program, window);
-    QCOMPARE(savedAdjustment(program, "GpuFreClock"),
-             QStringLiteral("1607")); // what the card has, not what was wanted
-    QCOMPARE(savedAdjustment(program, "Power"), QStringLiteral("100"));
 }
 
 int main(int argc, char **argv)

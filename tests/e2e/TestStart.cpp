@@ -14,7 +14,6 @@ private slots:
     void driverCallsOfTheAdjustPage();
     void driverCallsOfASample();
     void secondStartBringsTheWindowToTheFront();
-    void secondStartBringsTheWindowBackFromTheTray();
     void noCard_data();
     void noCard();
     void promptOfTheHighPerformanceMode();
@@ -213,20 +212,6 @@ void TestStart::secondStartBringsTheWindowToTheFront()
     QCOMPARE(initialised, 3); // detection and two cards: the second start never loaded the driver
     other.kill();
     other.waitForFinished();
-}
-
-void TestStart::secondStartBringsTheWindowBackFromTheTray()
-{
-    InstalledProgram program(screen);
-    program.writeConfig(kQuietConfig);
-    const qint64 window = startedWindow(program);
-    QVERIFY(window != 0);
-    program.clickIn(window, layout.minimizeButton.center());
-    QTRY_COMPARE_WITH_TIMEOUT(program.mainWindow(), qint64(0), kPatienceMs);
-    QVERIFY(program.isRunning());
-    QCOMPARE(program.startAgain(), 0);
-    QTRY_VERIFY_WITH_TIMEOUT(program.mainWindow() != 0, kPatienceMs);
-    closeByButton(program, program.mainWindow());
 }
 
 void TestStart::noCard_data()

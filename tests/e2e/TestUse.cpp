@@ -14,8 +14,6 @@ private slots:
     void changeOfCard();
     void changeOfLanguage();
     void gaugeSegmentsChangeTheReadout();
-    void closeAsksFirst();
-    void windowManagerCloseSaves();
     void escapeDoesNotClose();
     void dragByAFreeSpot();
 };
@@ -171,10 +169,7 @@ void TestUse::changeOfLanguage()
     QVERIFY(window != 0);
     const QRect button = onScreen(window, layout.monitorButton);
     const QImage chinese = screen.picture();
-    program.clickIn(window, layout.settingButton.center());
-    const QRect panel = onScreen(window, QRect(combo - QPoint(40, 10), QSize(80, 20)));
-    QVERIFY(pictureChanges(chinese, panel));
-    QTRY_VERIFY_WITH_TIMEOUT(differingPixels(screen.picture(), screen.picture(), panel) == 0, kPatienceMs);
+    openSettings(program, window, combo);
 
     program.clickIn(window, combo);
     QTRY_VERIFY_WITH_TIMEOUT(!program.otherWindows().isEmpty(), kPatienceMs);
@@ -208,42 +203,6 @@ void TestUse::gaugeSegmentsChangeTheReadout()
         QVERIFY2(pictureChanges(before, readout), segment.first);
     }
     closeByButton(program, window);
-}
-
-void TestUse::closeAsksFirst()
-{
-    InstalledProgram program(screen);
-    program.writeConfig(kQuietConfig);
-    const qint64 window = startedWindow(program);
-    QVERIFY(window != 0);
-    program.clickIn(window, layout.closeButton.center());
-    pressBoxButton(program, false);
-    QTRY_VERIFY_WITH_TIMEOUT(program.otherWindows().isEmpty(), kPatienceMs);
-    QVERIFY(program.isRunning());
-    QCOMPARE(program.configText(QStringLiteral("LastCloseDate")), QStringLiteral("2020/02/29"));
-
-    closeByButton(program, window);
-    QCOMPARE(program.configText(QStringLiteral("LastCloseDate")), today());
-    const QList<QDomElement> sections = program.cardSections();
-    QCOMPARE(sections.size(), 2);
-    QCOMPARE(sections.at(0).attribute(QStringLiteral("GpuName")), QStringLiteral("GeForce GTX 1070 Ti"));
-    QCOMPARE(sections.at(0).attribute(QStringLiteral("SubSystemId")), QString::number(0x111D7377u));
-    // the driver is let go last: no worker asked it for anything afterwards
-    QCOMPARE(program.journal().last().value(QStringLiteral("op")).toString(), QStringLiteral("NvAPI_Unload"));
-}
-
-void TestUse::windowManagerCloseSaves()
-{
-    InstalledProgram program(screen);
-    program.writeConfig(kQuietConfig);
-    const qint64 window = startedWindow(program);
-    QVERIFY(window != 0);
-    screen.activate(window);
-    QTRY_COMPARE_WITH_TIMEOUT(screen.activeWindow(), window, kPatienceMs);
-    (void)screen.run(QStringLiteral("wmctrl"), {QStringLiteral("-i"), QStringLiteral("-c"), QString::number(window)});
-    QVERIFY(program.waitForEnd());
-    QVERIFY(program.endedNormally());
-    QCOMPARE(program.configText(QStringLiteral("LastCloseDate")), today());
 }
 
 void TestUse::escapeDoesNotClose()

@@ -83,6 +83,9 @@ QProcessEnvironment VirtualScreen::environment() const
     environment.insert(QStringLiteral("DISPLAY"), displayName);
     environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
     environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+    // Nothing on this screen reads or changes the settings of the person at the machine.
+    environment.insert(QStringLiteral("HOME"), home.path());
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home.filePath(QStringLiteral(".config")));
     environment.remove(QStringLiteral("FONTCONFIG_FILE")); // the program is to find the machine's own fonts
     return environment;
 }
@@ -157,6 +160,13 @@ void VirtualScreen::click(QPoint position) const
               {QStringLiteral("mousemove"), QString::number(position.x()), QString::number(position.y()),
                QStringLiteral("sleep"), QStringLiteral("0.05"), QStringLiteral("mousedown"), QStringLiteral("1"),
                QStringLiteral("sleep"), QStringLiteral("0.05"), QStringLiteral("mouseup"), QStringLiteral("1")});
+}
+
+void VirtualScreen::rightClick(QPoint screenPosition) const
+{
+    movePointer(screenPosition);
+    (void)run(QStringLiteral("xdotool"),
+              {QStringLiteral("sleep"), QStringLiteral("0.05"), QStringLiteral("click"), QStringLiteral("3")});
 }
 
 void VirtualScreen::doubleClick(QPoint position) const

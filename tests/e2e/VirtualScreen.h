@@ -7,6 +7,7 @@
 #include <QSize>
 #include <QString>
 #include <QStringList>
+#include <QTemporaryDir>
 
 #include <memory>
 #include <vector>
@@ -32,6 +33,7 @@ public:
 
     void movePointer(QPoint screenPosition) const;
     void click(QPoint screenPosition) const; ///< left button, with a pause that a hand would make too
+    void rightClick(QPoint screenPosition) const;
     void doubleClick(QPoint screenPosition) const;
     void hold(QPoint from, QPoint to) const; ///< presses the left button, moves and keeps it pressed
     void release() const;                    ///< the left button, where the pointer is
@@ -50,6 +52,7 @@ private:
     [[nodiscard]] QStringList visibleWindows(const QStringList &conditions) const;
     bool startPart(const QString &program, const QStringList &arguments);
 
+    QTemporaryDir home;                           ///< of everything that runs on the screen
     std::vector<std::unique_ptr<QProcess>> parts; ///< the server first; ended in reverse
     QString displayName;
     QString problem;

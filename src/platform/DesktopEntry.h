@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+/// \file
+/// Text of a desktop entry, as sessions that follow freedesktop.org read it.
+
+/// A command line of one argument, the program itself: quoted, with every sign of it taken literally.
+[[nodiscard]] QString desktopExecOf(const QString &programPath);
+
+/// A whole entry in UTF-8 that starts the program.
+[[nodiscard]] QByteArray desktopEntryOf(const QString &name, const QString &programPath);
