@@ -4,7 +4,8 @@
 
 class Ovryn_GlobalShortCut;
 
-/// Recognises the system's message of a pressed hot key for one Ovryn_GlobalShortCut, which owns the filter. GUI thread.
+/// Recognises the system's message of a pressed hot key for one Ovryn_GlobalShortCut, which owns the filter. GUI
+/// thread.
 class Ovryn_WinEventFilter : public QAbstractNativeEventFilter
 {
 public:
