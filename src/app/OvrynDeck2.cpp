@@ -308,6 +308,7 @@ void OvrynDeck2::mouseReleaseEvent(QMouseEvent *event)
 void OvrynDeck2::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
+    painter.setCompositionMode(QPainter::CompositionMode_Source); // nothing lies under it: a copy is cheaper
     painter.drawPixmap(0, 0, background);
 }
 

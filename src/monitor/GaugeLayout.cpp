@@ -106,3 +106,12 @@ QRegion animatedRegionFor(const RingLayout &ring)
     }
     return region & QRect(0, 0, ring.side, ring.side);
 }
+
+QRect discRectFor(const RingLayout &ring)
+{
+    const double middle = ring.side / 2.0;
+    const double radius = ring.holeRadius + kAnimationOverlap;
+    const int left = static_cast<int>(std::floor(middle - radius));
+    const int right = static_cast<int>(std::ceil(middle + radius));
+    return QRect(left, left, right - left, right - left) & QRect(0, 0, ring.side, ring.side);
+}

@@ -55,3 +55,6 @@ struct OverlayLayout
 /// What of the gauge a new picture of the animation can change: all but the band of the ring, which the glow leaves
 /// out and the disc does not reach. In strips of some pixels, for a region of few rectangles is cheap to repaint.
 [[nodiscard]] QRegion animatedRegionFor(const RingLayout &ring);
+
+/// The square around the disc.
+[[nodiscard]] QRect discRectFor(const RingLayout &ring);

@@ -8,6 +8,7 @@
 #include <QPainter>
 #include <QRegion>
 
+#include <algorithm>
 #include <utility>
 
 namespace
@@ -28,6 +29,18 @@ LCDDisplayMode lcdModeFor(GaugeDisplayMode mode)
         break;
     }
     return LcdDisplayClock;
+}
+
+bool samePart(const QImage &left, const QImage &right, const QRect &part)
+{
+    const QRect inside = part & left.rect() & right.rect();
+    for (int y = inside.top(); y <= inside.bottom(); ++y) {
+        const auto *leftRow = reinterpret_cast<const QRgb *>(left.constScanLine(y));
+        const auto *rightRow = reinterpret_cast<const QRgb *>(right.constScanLine(y));
+        if (!std::equal(leftRow + inside.left(), leftRow + inside.right() + 1, rightRow + inside.left()))
+            return false;
+    }
+    return left.format() == right.format();
 }
 
 } // namespace
@@ -157,12 +170,15 @@ void Ovryn_GpuInfoCircleBox::selectDisplayMode(GaugeDisplayMode mode)
 
 void Ovryn_GpuInfoCircleBox::recvRenderedImage(const QImage &image)
 {
-    const bool fits = background.size() == image.size();
+    // Without water the disc stays as it is, and the readout on it need not be painted again.
+    const QImage shown = background.toImage(); // shares the pixmap's memory
     background = QPixmap::fromImage(image);
-    if (fits)
-        update(animatedRegion);
-    else
+    if (shown.size() != image.size())
         update();
+    else if (samePart(shown, image, discRect))
+        update(animatedRegion - discRect);
+    else
+        update(animatedRegion);
 }
 
 void Ovryn_GpuInfoCircleBox::recvBkImg(QPixmap pixmap)
@@ -180,6 +196,7 @@ void Ovryn_GpuInfoCircleBox::resizeEvent(QResizeEvent *event)
     readoutLayout = readoutLayoutFor(ring.side, holeRadius);
     overlayLayout = overlayLayoutFor(ring.side, holeRadius, ringRatio);
     animatedRegion = animatedRegionFor(ring);
+    discRect = discRectFor(ring);
     setMask(QRegion(0, 0, ring.side, ring.side, QRegion::Ellipse));
 
     for (Ovryn_CircleButton *button : {btnFreClock, btnTemperature, btnMemory}) {

@@ -79,6 +79,7 @@ private:
 
     // what paintEvent needs, made where its inputs change
     QRegion animatedRegion;
+    QRect discRect;
     ReadoutLayout readoutLayout;
     OverlayLayout overlayLayout;
     ReadoutTexts readoutTexts;
