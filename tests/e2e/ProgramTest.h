@@ -39,12 +39,11 @@ protected:
     void pressBoxButton(InstalledProgram &program, bool yes);
     void pressOnlyBoxButton(InstalledProgram &program);
     void closeByButton(InstalledProgram &program, qint64 window);
-    /// Where a control of the settings page lies in the main window, asked of a page built the same way; null when
-    /// there is no such control.
-    [[nodiscard]] QPoint settingControl(const QString &objectName) const;
     /// Slides the settings in until that control has come to rest.
     void openSettings(InstalledProgram &program, qint64 window, QPoint control);
     [[nodiscard]] bool pictureChanges(const QImage &before, const QRect &screenRect) const;
+    /// Where a control of the settings page lies in the main window; null when there is no such control.
+    [[nodiscard]] QPoint settingControl(const QString &objectName) const;
     [[nodiscard]] QRect onScreen(qint64 window, const QRect &rect) const;
 
     QSize screenSize = QSize(1280, 900); ///< a test that needs more room says so in its constructor
