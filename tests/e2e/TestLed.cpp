@@ -40,9 +40,9 @@ constexpr int kAfterDragMs = 475;
 
 constexpr int kSlowCallMs = 2000;
 constexpr int kWorkers = 4;               // of a card: readings, LCD, LEDs, fan
-constexpr int kLongestEndOfWorker = 2000; // it is ended by force after that
+constexpr int kLongestEndOfWorker = 2000; // behind the call that it is in; it is ended by force after that
 /// A call that the window's own thread is in as it is told to close, and one that it waits for.
-constexpr int kLongestCloseMs = kWorkers * kLongestEndOfWorker + 2 * kSlowCallMs;
+constexpr int kLongestCloseMs = kWorkers * (kSlowCallMs + kLongestEndOfWorker) + 2 * kSlowCallMs;
 
 const QByteArray kCoolLedCard = R"({ "led": { "type": 3 }, "thermal": { "pinnedC": 40 } })";
 const QByteArray kUsualBoard = QByteArray::number(0x111D7377u);
