@@ -63,6 +63,8 @@ void WorkerThread::leaveLoop()
 
 void WorkerThread::giveUpLoop()
 {
+    // The thread cleans up behind itself in destructors, and one of those that is unwound takes the process along.
+    setTerminationEnabled(false);
     leaving = true;
 }
 

@@ -52,7 +52,7 @@ protected:
     virtual void pause(QMutexLocker &held, unsigned int ms);
 
     /// What a loop does last, with the mutex held, when it ends by itself or was told to: from here to its end the
-    /// thread takes the mutex no more, and a start waits for that end.
+    /// thread takes the mutex no more, a start waits for that end, and nothing ends it by force.
     void leaveLoop();
 
     /// The same for a loop that gives up: `stopped` stays unset, so that a start does nothing until a stop.

@@ -102,6 +102,32 @@ private:
     const bool deaf;
 };
 
+/// A worker whose thread takes its time behind the loop, longer than its end is waited for.
+class SlowlyLeavingWorker : public WorkerThread
+{
+public:
+    explicit SlowlyLeavingWorker(std::atomic<bool> &hasFinished) : finished(hasFinished) {}
+    ~SlowlyLeavingWorker() override { endThread(1); }
+    using WorkerThread::startThread;
+
+    QSemaphore hasLeft;
+
+protected:
+    void run() override
+    {
+        {
+            QMutexLocker held(&mutex);
+            leaveLoop();
+        }
+        hasLeft.release();
+        msleep(300);
+        finished = true;
+    }
+
+private:
+    std::atomic<bool> &finished;
+};
+
 /// A worker that sleeps for a while behind each cycle.
 class SleepyWorker : public WorkerThread
 {
@@ -178,6 +204,7 @@ private slots:
     void nothingWakesThePause();
     void endOfANullWorker();
     void hangingCallIsEndedByForce();
+    void threadBehindItsLoopIsNotEndedByForce();
     void callThatNothingEndsIsLeftBehind();
 };
 
@@ -275,6 +302,17 @@ void TestWorkerThread::hangingCallIsEndedByForce()
     worker->inCall.acquire();
     QVERIFY(WorkerThread::endAndDelete(worker, kNoPatienceMs));
     QCOMPARE(WorkerThread::leftBehind(), 0);
+}
+
+void TestWorkerThread::threadBehindItsLoopIsNotEndedByForce()
+{
+    std::atomic<bool> finished{false};
+    {
+        SlowlyLeavingWorker worker(finished);
+        worker.startThread();
+        worker.hasLeft.acquire();
+    }
+    QVERIFY(finished);
 }
 
 void TestWorkerThread::callThatNothingEndsIsLeftBehind()
