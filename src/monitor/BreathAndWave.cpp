@@ -41,9 +41,9 @@ void stepAmplitude(double &amplitude, bool &falling, double limit, double steps)
 class GlowColors
 {
 public:
-    GlowColors(double half, double innerRadius, double breathPos, const QColor &color)
+    GlowColors(double half, double innerRadius, double breathPos, const QColor &color, double earlierBreathPos)
         : innerBound(innerRadius > 0.0 ? qMax(0.0, innerRadius - 0.5) : -1.0),
-          outerBound(qMin(half, qMax(breathPos, kLargestBreathPos) * half))
+          outerBound(qMin(half, qMax(breathPos, earlierBreathPos) * half))
     {
         const double fadedBound = qMin(half, breathPos * half);
         if (!(innerBound < fadedBound))
@@ -80,7 +80,7 @@ public:
     }
 
     const double innerBound; ///< nothing is painted nearer to the middle; -1 without a hole
-    const double outerBound; ///< nor beyond; the colour has faded out there at any breath
+    const double outerBound; ///< nor beyond; this glow and the earlier one have faded out there
 
 private:
     static int squareOf(double radius) { return static_cast<int>(4.0 * radius * radius); }
@@ -194,12 +194,12 @@ QPainterPath wavePath(const WaveShape &shape, int width, double amplitude, doubl
     return path;
 }
 
-void paintGlow(QImage &picture, double innerRadius, double breathPos, const QColor &color)
+void paintGlow(QImage &picture, double innerRadius, double breathPos, const QColor &color, double earlierBreathPos)
 {
     const int side = qMin(picture.width(), picture.height());
     if (side == 0)
         return;
-    const GlowColors colors(side / 2.0, innerRadius > 0.0 ? innerRadius : -1.0, breathPos, color);
+    const GlowColors colors(side / 2.0, innerRadius > 0.0 ? innerRadius : -1.0, breathPos, color, earlierBreathPos);
     if (!(colors.innerBound < colors.outerBound))
         return;
 

@@ -11,8 +11,6 @@
 /// water. The steps are pure functions of their state and the painting of its result; who keeps the state
 /// is the renderer's business. Lengths are pixels.
 
-constexpr double kLargestBreathPos = 0.906; ///< a step beyond where the breath turns
-
 /// Where the glow stands in its breath. One step a frame.
 struct BreathPulse
 {
@@ -53,9 +51,10 @@ struct WaveMotion
 [[nodiscard]] QPainterPath wavePath(const WaveShape &shape, int width, double amplitude, double phase);
 
 /// Paints the glow, antialiased, into a square picture of premultiplied ARGB, but for the disc of `innerRadius` in
-/// its middle. A radius that is 0, less or no number leaves no disc out. Overwrites what the glow covers at any
-/// breath, so that an earlier glow of the same radius need not be wiped out before.
-void paintGlow(QImage &picture, double innerRadius, double breathPos, const QColor &color);
+/// its middle. A radius that is 0, less or no number leaves no disc out. `earlierBreathPos` is that of the glow of
+/// the same radius that the picture holds already, which is overwritten; 0 for an empty picture.
+void paintGlow(QImage &picture, double innerRadius, double breathPos, const QColor &color,
+               double earlierBreathPos = 0);
 
 /// What paintWave needs besides the motion.
 struct WaveDisc

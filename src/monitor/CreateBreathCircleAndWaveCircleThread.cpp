@@ -123,12 +123,18 @@ void CreateBreathCircleAndWaveCircleThread::paintFrame()
 {
     const WaveDisc disc = {size, waveRadius, waveEnabled ? waveLevel : 0.0, lightBrush, darkBrush};
     std::swap(image, previous);
-    if (image.isDetached())
-        clear(image, disc.bounds()); // the glow overwrites itself, and the rest is empty
-    else
+    std::swap(imageBreathPos, previousBreathPos);
+    if (image.isDetached()) {
+        clear(image, disc.bounds()); // a glow overwrites the earlier one, and the rest is empty
+    } else {
         image = emptyImage(size);
+        imageBreathPos = 0;
+    }
 
-    if (breathEnabled)
-        paintGlow(image, breathRadius, SharedGaugeAnimation::stepPulse().breathPos, glowColor);
+    if (breathEnabled) {
+        const double breathPos = SharedGaugeAnimation::stepPulse().breathPos;
+        paintGlow(image, breathRadius, breathPos, glowColor, imageBreathPos);
+        imageBreathPos = breathPos;
+    }
     discPainter.paint(image, disc, disc.hasWave() ? SharedGaugeAnimation::stepWave(disc.shape()) : WaveMotion());
 }

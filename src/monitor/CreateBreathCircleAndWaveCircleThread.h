@@ -55,8 +55,10 @@ private:
     double waveRadius = 0;
     double waveLevel = 0;
     unsigned long sleepMs = 20;
-    QImage image;    ///< the last frame; the gauge shares it
-    QImage previous; ///< the frame before; painted over when nobody shares it any more
+    QImage image;              ///< the last frame; the gauge shares it
+    QImage previous;           ///< the frame before; painted over when nobody shares it any more
+    double imageBreathPos = 0; ///< of the glow in image; 0 without one
+    double previousBreathPos = 0;
     WaveDiscPainter discPainter;
     bool breathEnabled = true;
     bool waveEnabled = true;

@@ -33,6 +33,8 @@ struct ReadoutLayout
     QRect maxValue;
     QRect minLabel;
     QRect minValue;
+
+    [[nodiscard]] QRect bounds() const { return mainValue | maxLabel | maxValue | minLabel | minValue; }
 };
 
 [[nodiscard]] ReadoutLayout readoutLayoutFor(int side, double holeRadius);

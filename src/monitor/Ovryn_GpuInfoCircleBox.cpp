@@ -246,15 +246,16 @@ void Ovryn_GpuInfoCircleBox::paintEvent(QPaintEvent *)
 
 void Ovryn_GpuInfoCircleBox::drawReadout(QPainter &painter)
 {
-    if (readoutPicture.isNull() && !discRect.isEmpty()) {
-        readoutPicture = QPixmap(discRect.size());
+    const QRect place = readoutLayout.bounds() & rect();
+    if (readoutPicture.isNull() && !place.isEmpty()) {
+        readoutPicture = QPixmap(place.size());
         readoutPicture.fill(Qt::transparent);
         QPainter once(&readoutPicture);
         once.setFont(font());
-        once.translate(-discRect.topLeft());
+        once.translate(-place.topLeft());
         paintReadout(once, readoutLayout, readoutTexts, kOpaque);
     }
-    painter.drawPixmap(discRect.topLeft(), readoutPicture);
+    painter.drawPixmap(place.topLeft(), readoutPicture);
 }
 
 void Ovryn_GpuInfoCircleBox::changeEvent(QEvent *event)

@@ -85,7 +85,7 @@ private:
     QRect discRect;
     QRegion animatedRegion; ///< for animatedReach
     int animatedReach = -1; ///< in pixels; -1 after a resize
-    QPixmap readoutPicture; ///< of the hole; null until it is drawn after a change of text, font or size
+    QPixmap readoutPicture; ///< null until it is drawn after a change of text, font or size
     ReadoutLayout readoutLayout;
     OverlayLayout overlayLayout;
     ReadoutTexts readoutTexts;

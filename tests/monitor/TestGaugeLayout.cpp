@@ -25,6 +25,8 @@ private slots:
 namespace
 {
 
+constexpr double kLargestBreathPos = 0.906; // a step beyond where the breath turns
+
 constexpr double kRatio = 0.2;
 
 } // namespace
