@@ -30,7 +30,8 @@ QString checkBoxIndicator()
 QString settingButton()
 {
     return QStringLiteral("QPushButton{border:1px solid white; padding: 1px 2px 1px 2px; min-width: 9em;"
-                          "background-color:white;color:black;outline:none;}"
+                          "background-color:white;color:black;}"
+                          "QPushButton{outline:none;}"
                           "QPushButton:focus{border:1px solid rgb(252,10,53);}"
                           "QPushButton:hover{font-size:13px;}"
                           "QPushButton:pressed{font-size:11px;}");

@@ -104,7 +104,6 @@ void TestMainDialogShell::fieldOutOfSightMarksNoOther()
     QFETCH(QString, next);
     OvrynDeck2 dialog(nullptr, kQuickPages);
     dialog.show();
-    QApplication::setActiveWindow(&dialog);
     {
         const ModalAnswer yes({QStringLiteral("msgBoxYesBtn")}); // the warning, once a run
         button(dialog, "btnAdjust")->click();
@@ -113,6 +112,7 @@ void TestMainDialogShell::fieldOutOfSightMarksNoOther()
     auto *page = dialog.findChild<Ovryn_OverClockingWidget *>();
     auto *field = page->findChild<QSpinBox *>();
     QTRY_COMPARE(page->x(), 0); // the page has rolled in
+    QApplication::setActiveWindow(&dialog);
     field->setFocus();
     QVERIFY(field->hasFocus());
 
