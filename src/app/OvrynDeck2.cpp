@@ -157,7 +157,7 @@ void OvrynDeck2::buildCardPages(const GpuCardInfo &card)
     applyPageEffects(card, pages.circleBox);
     pages.colorPalette = new Ovryn_ColorPaletteBox(this);
     pages.fixedInfoPage = new Ovryn_GpuFixedInfo(this);
-    pages.infoWorker = new Ovryn_SendNvCardInfoThread(pages.gpuControl, this);
+    pages.infoWorker = new Ovryn_SendNvCardInfoThread(pages.gpuControl, this, pageTimings.sampleIntervalMs);
 
     connectCardPages(pages);
     pages.infoWorker->startSampling();

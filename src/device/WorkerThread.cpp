@@ -48,14 +48,11 @@ void WorkerThread::stopThread()
 
 void WorkerThread::pause(QMutexLocker &held, unsigned int ms)
 {
-    constexpr unsigned int longestMs = 0x7FFFFFFF;
     held.unlock();
-    const bool toEnd = ending.tryAcquire(1, int(qMin(ms, longestMs)));
+    msleep(ms);
     held.relock();
-    if (toEnd) { // also where nobody could set the flag, since the cycle before took too long
+    if (abandoned)
         stopped = true;
-        ending.release();
-    }
 }
 
 void WorkerThread::leaveLoop()
@@ -66,14 +63,15 @@ void WorkerThread::leaveLoop()
 
 void WorkerThread::giveUpLoop()
 {
+    // The thread cleans up behind itself in destructors, and one of those that is unwound takes the process along.
+    setTerminationEnabled(false);
     leaving = true;
 }
 
-bool WorkerThread::tryToEnd(unsigned long waitMs)
+bool WorkerThread::tryToEnd(unsigned long cycleWaitMs, unsigned long waitMs)
 {
-    ending.release();
     // A cycle holds the mutex, and a driver that hangs never ends it.
-    if (mutex.tryLock(int(waitMs))) {
+    if (mutex.tryLock(int(cycleWaitMs))) {
         stopped = true;
         mutex.unlock();
         wait(waitMs);
@@ -84,16 +82,17 @@ bool WorkerThread::tryToEnd(unsigned long waitMs)
 
 void WorkerThread::endThread(unsigned long waitMs)
 {
-    if (!tryToEnd(waitMs))
+    if (!tryToEnd(kCycleWaitMs, waitMs))
         wait(); // a QThread that still runs must not be destroyed
 }
 
-bool WorkerThread::endAndDelete(WorkerThread *worker)
+bool WorkerThread::endAndDelete(WorkerThread *worker, unsigned long cycleWaitMs)
 {
-    if (!worker || worker->tryToEnd(kEndWaitMs)) {
+    if (!worker || worker->tryToEnd(cycleWaitMs, kEndWaitMs)) {
         delete worker;
         return true;
     }
+    worker->abandoned = true;
     worker->setParent(nullptr);
     ++leftBehindCount;
     return false;

@@ -2,8 +2,9 @@
 
 #include <QMutex>
 #include <QMutexLocker>
-#include <QSemaphore>
 #include <QThread>
+
+#include <atomic>
 
 /// The shape of every worker thread that talks to a card: a mutex that the loop holds through each
 /// cycle and frees only for its sleep, and a flag that is true while no loop is to run.
@@ -22,12 +23,18 @@ public:
 
     /// Deletes the worker, or leaves it behind where its thread can't be ended because a call of the driver never
     /// returns: the worker then stays alive for its thread, without a parent, until the process ends. False in that
-    /// case, and whatever else the loop uses (the device object) must stay too. Takes a few seconds at most.
-    static bool endAndDelete(WorkerThread *worker);
+    /// case, and whatever else the loop uses (the device object) must stay too. Takes `cycleWaitMs` for a cycle that
+    /// doesn't end, and kEndWaitMs and kTerminationWaitMs at most.
+    static bool endAndDelete(WorkerThread *worker, unsigned long cycleWaitMs = kCycleWaitMs);
 
     /// How many workers of this process were left behind. While there is one, its thread may wake up at any time, so
     /// the process must end without destroying its static objects.
     [[nodiscard]] static int leftBehind();
+
+    /// For a cycle under way: a slow driver is waited for, since ending a thread inside it is the last resort.
+    static constexpr unsigned long kCycleWaitMs = 20000;
+    static constexpr unsigned long kEndWaitMs = 2000;         ///< for a loop that was told to end
+    static constexpr unsigned long kTerminationWaitMs = 1000; ///< for a thread that was terminated
 
 protected:
     /// Starts the thread and clears `stopped`, all under the mutex; nothing when it is cleared already.
@@ -40,31 +47,28 @@ protected:
     void stopThread();
 
     /// The sleep of a loop between two cycles, the only place where it frees the mutex: through the loop's own
-    /// locker, so that a thread that is terminated here unlocks nothing. Only the end of the worker cuts it short; a
-    /// stop doesn't. A test replaces it to drive the clock, and then calls endThread in its own destructor.
+    /// locker, so that a thread that is terminated here unlocks nothing. Nothing wakes it. A test replaces it to
+    /// drive the clock, and then calls endThread in its own destructor.
     virtual void pause(QMutexLocker &held, unsigned int ms);
 
     /// What a loop does last, with the mutex held, when it ends by itself or was told to: from here to its end the
-    /// thread takes the mutex no more, and a start waits for that end.
+    /// thread takes the mutex no more, a start waits for that end, and nothing ends it by force.
     void leaveLoop();
 
     /// The same for a loop that gives up: `stopped` stays unset, so that a start does nothing until a stop.
     void giveUpLoop();
 
-    /// Sets `stopped`, waits at most `waitMs`, and then terminates the thread whether or not it has ended by
-    /// itself. A destructor can leave the thread to nobody, so it waits without limit for a thread that can't be
-    /// ended: an owner to whom that matters uses endAndDelete.
+    /// Sets `stopped` behind a cycle under way, waits at most `waitMs`, and then terminates the thread whether or not
+    /// it has ended by itself. A destructor can leave the thread to nobody, so it waits without limit for a thread
+    /// that can't be ended: an owner to whom that matters uses endAndDelete.
     void endThread(unsigned long waitMs = kEndWaitMs);
-
-    static constexpr unsigned long kEndWaitMs = 2000;
-    static constexpr unsigned long kTerminationWaitMs = 1000; ///< for a thread that was terminated
 
     QMutex mutex;        ///< taken before any lock of the device object, never after it
     bool stopped = true; ///< guarded by mutex; a loop looks at it at the end of each cycle
 
 private:
-    bool tryToEnd(unsigned long waitMs);
+    bool tryToEnd(unsigned long cycleWaitMs, unsigned long waitMs);
 
-    bool leaving = false; ///< guarded by mutex; the thread may still run, but no loop does
-    QSemaphore ending;    ///< has one to take once the worker is to go
+    bool leaving = false;               ///< guarded by mutex; the thread may still run, but no loop does
+    std::atomic<bool> abandoned{false}; ///< left behind in a cycle that held the mutex: nobody could set `stopped`
 };

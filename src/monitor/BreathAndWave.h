@@ -4,13 +4,12 @@
 #include <QColor>
 #include <QImage>
 #include <QPainterPath>
+#include <QRect>
 
 /// \file
 /// The gauge's animated background: a glow that breathes around the ring and a disc that fills with moving
 /// water. The steps are pure functions of their state and the painting of its result; who keeps the state
 /// is the renderer's business. Lengths are pixels.
-
-constexpr double kLargestBreathPos = 0.906; ///< a step beyond where the breath turns
 
 /// Where the glow stands in its breath. One step a frame.
 struct BreathPulse
@@ -45,12 +44,17 @@ struct WaveMotion
 
 [[nodiscard]] WaveMotion stepped(WaveMotion motion, const WaveShape &shape);
 
+/// Where on the x axis the waves end: beyond the picture, or up to a segment short of its edge.
+[[nodiscard]] double waveEnd(const WaveShape &shape, double phase);
+
 /// One wave and all the water below it, for odd-even filling, not yet cut by the disc.
 [[nodiscard]] QPainterPath wavePath(const WaveShape &shape, int width, double amplitude, double phase);
 
-/// Paints the glow, antialiased, into an empty square picture of premultiplied ARGB, but for the disc of
-/// `innerRadius` in its middle. A radius that is 0, less or no number leaves no disc out.
-void paintGlow(QImage &picture, double innerRadius, double breathPos, const QColor &color);
+/// Paints the glow, antialiased, into a square picture of premultiplied ARGB, but for the disc of `innerRadius` in
+/// its middle. A radius that is 0, less or no number leaves no disc out. `earlierBreathPos` is that of the glow of
+/// the same radius that the picture holds already, which is overwritten; 0 for an empty picture.
+void paintGlow(QImage &picture, double innerRadius, double breathPos, const QColor &color,
+               double earlierBreathPos = 0);
 
 /// What paintWave needs besides the motion.
 struct WaveDisc
@@ -64,8 +68,29 @@ struct WaveDisc
     /// True where there is a surface to move: neither empty nor full.
     [[nodiscard]] bool hasWave() const;
     [[nodiscard]] WaveShape shape() const;
+    /// The pixels that the disc touches. Empty where it paints nothing.
+    [[nodiscard]] QRect bounds() const;
+    [[nodiscard]] QPainterPath circle() const;
 };
 
 /// Paints the disc, antialiased, over what the picture holds: premultiplied ARGB, `disc.width` square. The
 /// motion is used only where the disc has a wave.
 void paintWaveDisc(QImage &picture, const WaveDisc &disc, const WaveMotion &motion);
+
+/// Paints the same as paintWaveDisc, frame after frame at a fraction of its cost: only the rows that the waves reach
+/// are painted; the rows above and below come from pictures of the disc without water and with both waves over all of
+/// it.
+class WaveDiscPainter
+{
+public:
+    void paint(QImage &picture, const WaveDisc &disc, const WaveMotion &motion);
+
+private:
+    [[nodiscard]] bool stillPicturesFit(const WaveDisc &disc) const;
+    void paintStillPictures(const WaveDisc &disc);
+
+    // painted anew where anything of the disc but its level changes
+    WaveDisc painted; ///< what the two pictures show
+    QImage dry;
+    QImage flooded;
+};

@@ -3,6 +3,9 @@
 #include "monitor/SharedGaugeAnimation.h"
 
 #include <QMutexLocker>
+#include <QPainter>
+
+#include <utility>
 
 namespace
 {
@@ -11,14 +14,22 @@ constexpr unsigned long kEndTimeoutMs = 1000;
 
 QImage emptyImage(int side)
 {
-    return QImage(side, side, QImage::Format_ARGB32_Premultiplied);
+    QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    return image;
+}
+
+void clear(QImage &image, const QRect &part)
+{
+    QPainter painter(&image);
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    painter.fillRect(part, Qt::transparent);
 }
 
 } // namespace
 
 CreateBreathCircleAndWaveCircleThread::CreateBreathCircleAndWaveCircleThread(QObject *parent) : WorkerThread(parent)
 {
-    image = emptyImage(size);
 }
 
 CreateBreathCircleAndWaveCircleThread::~CreateBreathCircleAndWaveCircleThread()
@@ -40,13 +51,14 @@ void CreateBreathCircleAndWaveCircleThread::setSize(int side)
 {
     QMutexLocker locker(&mutex);
     size = qBound(0, side, kMaxSide);
-    image = emptyImage(size);
+    forgetPictures();
 }
 
 void CreateBreathCircleAndWaveCircleThread::setBreathEnabled(bool enabled)
 {
     QMutexLocker locker(&mutex);
     breathEnabled = enabled;
+    forgetPictures();
 }
 
 void CreateBreathCircleAndWaveCircleThread::setWaveEnabled(bool enabled)
@@ -65,12 +77,14 @@ void CreateBreathCircleAndWaveCircleThread::setBreathRadius(double r)
 {
     QMutexLocker locker(&mutex);
     breathRadius = r - 1.0;
+    forgetPictures();
 }
 
 void CreateBreathCircleAndWaveCircleThread::setWaveRadius(double r)
 {
     QMutexLocker locker(&mutex);
     waveRadius = r + 1.0;
+    forgetPictures();
 }
 
 void CreateBreathCircleAndWaveCircleThread::setSleepMs(unsigned long milliseconds)
@@ -99,16 +113,28 @@ void CreateBreathCircleAndWaveCircleThread::run()
     leaveLoop();
 }
 
+void CreateBreathCircleAndWaveCircleThread::forgetPictures()
+{
+    image = QImage();
+    previous = QImage();
+}
+
 void CreateBreathCircleAndWaveCircleThread::paintFrame()
 {
-    if (!image.isDetached())
-        image = emptyImage(size); // fill() would copy first what it then overwrites
-    if (image.isNull())
-        return;
-    image.fill(Qt::transparent);
+    const WaveDisc disc = {size, waveRadius, waveEnabled ? waveLevel : 0.0, lightBrush, darkBrush};
+    std::swap(image, previous);
+    std::swap(imageBreathPos, previousBreathPos);
+    if (image.isDetached()) {
+        clear(image, disc.bounds()); // a glow overwrites the earlier one, and the rest is empty
+    } else {
+        image = emptyImage(size);
+        imageBreathPos = 0;
+    }
 
-    if (breathEnabled)
-        paintGlow(image, breathRadius, SharedGaugeAnimation::stepPulse().breathPos, glowColor);
-    const WaveDisc disc = {image.width(), waveRadius, waveEnabled ? waveLevel : 0.0, lightBrush, darkBrush};
-    paintWaveDisc(image, disc, disc.hasWave() ? SharedGaugeAnimation::stepWave(disc.shape()) : WaveMotion());
+    if (breathEnabled) {
+        const double breathPos = SharedGaugeAnimation::stepPulse().breathPos;
+        paintGlow(image, breathRadius, breathPos, glowColor, imageBreathPos);
+        imageBreathPos = breathPos;
+    }
+    discPainter.paint(image, disc, disc.hasWave() ? SharedGaugeAnimation::stepWave(disc.shape()) : WaveMotion());
 }

@@ -48,13 +48,18 @@ protected:
 
 private:
     void paintFrame();
+    void forgetPictures(); ///< for a change of what the glow and the disc overwrite in each frame
 
     // all guarded by mutex
     double breathRadius = 0;
     double waveRadius = 0;
     double waveLevel = 0;
     unsigned long sleepMs = 20;
-    QImage image;
+    QImage image;              ///< the last frame; the gauge shares it
+    QImage previous;           ///< the frame before; painted over when nobody shares it any more
+    double imageBreathPos = 0; ///< of the glow in image; 0 without one
+    double previousBreathPos = 0;
+    WaveDiscPainter discPainter;
     bool breathEnabled = true;
     bool waveEnabled = true;
     int size = 100;

@@ -77,12 +77,12 @@ OverlayLayout overlayLayoutFor(int side, double holeRadius, double ringRatio)
     return layout;
 }
 
-QRegion animatedRegionFor(const RingLayout &ring)
+QRegion animatedRegionFor(const RingLayout &ring, double glowReach)
 {
     const double middle = ring.side / 2.0;
     const double discRadius = ring.holeRadius + kAnimationOverlap;
     const double glowInner = ring.ringSize / 2.0 - kAnimationOverlap;
-    const double glowOuter = middle * kLargestBreathPos + kAnimationOverlap;
+    const double glowOuter = glowReach + kAnimationOverlap;
 
     const auto spread = [&](double radius, double dy) {
         return radius > dy ? std::sqrt(radius * radius - dy * dy) : 0.0;

@@ -33,6 +33,8 @@ struct ReadoutLayout
     QRect maxValue;
     QRect minLabel;
     QRect minValue;
+
+    [[nodiscard]] QRect bounds() const { return mainValue | maxLabel | maxValue | minLabel | minValue; }
 };
 
 [[nodiscard]] ReadoutLayout readoutLayoutFor(int side, double holeRadius);
@@ -52,9 +54,10 @@ struct OverlayLayout
 
 [[nodiscard]] OverlayLayout overlayLayoutFor(int side, double holeRadius, double ringRatio);
 
-/// What of the gauge a new picture of the animation can change: all but the band of the ring, which the glow leaves
-/// out and the disc does not reach. In strips of some pixels, for a region of few rectangles is cheap to repaint.
-[[nodiscard]] QRegion animatedRegionFor(const RingLayout &ring);
+/// What of the gauge a new picture of the animation can change where its glow reaches `glowReach` pixels from the
+/// middle: all so far but the band of the ring, which the glow leaves out and the disc does not reach. In strips of
+/// some pixels, for a region of few rectangles is cheap to repaint.
+[[nodiscard]] QRegion animatedRegionFor(const RingLayout &ring, double glowReach);
 
 /// The square around the disc.
 [[nodiscard]] QRect discRectFor(const RingLayout &ring);

@@ -5,6 +5,7 @@
 #include "monitor/Ovryn_CircleButton.h"
 #include "ui/PageFrame.h"
 
+#include <QEvent>
 #include <QPainter>
 #include <QRegion>
 
@@ -17,6 +18,7 @@ namespace
 constexpr int kFadeIntervalMs = 20;
 constexpr int kFadeStep = 10; // the fade takes 26 ticks
 constexpr int kOpaque = 255;
+constexpr int kReachStep = 16; // pixels; the glow takes some eight frames from one to the next
 
 LCDDisplayMode lcdModeFor(GaugeDisplayMode mode)
 {
@@ -41,6 +43,16 @@ bool samePart(const QImage &left, const QImage &right, const QRect &part)
             return false;
     }
     return left.format() == right.format();
+}
+
+/// How far from its middle the picture is painted: the reach of the glow, or of the disc where nothing glows.
+int paintedReach(const QImage &picture)
+{
+    const int middle = picture.width() / 2;
+    if (middle == 0)
+        return 0;
+    const auto *row = reinterpret_cast<const QRgb *>(picture.constScanLine(picture.height() / 2));
+    return middle - static_cast<int>(std::find_if(row, row + middle, [](QRgb pixel) { return pixel != 0; }) - row);
 }
 
 } // namespace
@@ -170,15 +182,25 @@ void Ovryn_GpuInfoCircleBox::selectDisplayMode(GaugeDisplayMode mode)
 
 void Ovryn_GpuInfoCircleBox::recvRenderedImage(const QImage &image)
 {
-    // Without water the disc stays as it is, and the readout on it need not be painted again.
     const QImage shown = background.toImage(); // shares the pixmap's memory
     background = QPixmap::fromImage(image);
-    if (shown.size() != image.size())
+    if (shown.size() != image.size()) {
         update();
-    else if (samePart(shown, image, discRect))
-        update(animatedRegion - discRect);
-    else
-        update(animatedRegion);
+        return;
+    }
+    const QRegion &changed = regionOfGlow(qMax(paintedReach(shown), paintedReach(image)));
+    // Without water the disc stays as it is, and the readout on it need not be painted again.
+    update(samePart(shown, image, discRect) ? changed - discRect : changed);
+}
+
+const QRegion &Ovryn_GpuInfoCircleBox::regionOfGlow(int reach)
+{
+    const int roundedUp = (reach + kReachStep - 1) / kReachStep * kReachStep;
+    if (roundedUp != animatedReach) {
+        animatedReach = roundedUp;
+        animatedRegion = animatedRegionFor(ringLayout, animatedReach);
+    }
+    return animatedRegion;
 }
 
 void Ovryn_GpuInfoCircleBox::recvBkImg(QPixmap pixmap)
@@ -190,13 +212,15 @@ void Ovryn_GpuInfoCircleBox::recvBkImg(QPixmap pixmap)
 void Ovryn_GpuInfoCircleBox::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
-    const RingLayout ring = ringLayoutFor(size(), ringRatio);
+    ringLayout = ringLayoutFor(size(), ringRatio);
+    const RingLayout &ring = ringLayout;
     ringSize = ring.ringSize;
     holeRadius = ring.holeRadius;
     readoutLayout = readoutLayoutFor(ring.side, holeRadius);
     overlayLayout = overlayLayoutFor(ring.side, holeRadius, ringRatio);
-    animatedRegion = animatedRegionFor(ring);
     discRect = discRectFor(ring);
+    animatedReach = -1;
+    readoutPicture = QPixmap();
     setMask(QRegion(0, 0, ring.side, ring.side, QRegion::Ellipse));
 
     for (Ovryn_CircleButton *button : {btnFreClock, btnTemperature, btnMemory}) {
@@ -212,10 +236,33 @@ void Ovryn_GpuInfoCircleBox::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.drawPixmap(0, 0, background);
-    if (overlayAlpha > 0)
+    if (overlayAlpha == kOpaque)
+        drawReadout(painter);
+    else if (overlayAlpha > 0)
         paintReadout(painter, readoutLayout, readoutTexts, overlayAlpha);
     if (overlayAlpha < kOpaque)
         paintOverlay(painter, overlayLayout, overlayTexts, PageFrame::fontFamily(language), kOpaque - overlayAlpha);
+}
+
+void Ovryn_GpuInfoCircleBox::drawReadout(QPainter &painter)
+{
+    const QRect place = readoutLayout.bounds() & rect();
+    if (readoutPicture.isNull() && !place.isEmpty()) {
+        readoutPicture = QPixmap(place.size());
+        readoutPicture.fill(Qt::transparent);
+        QPainter once(&readoutPicture);
+        once.setFont(font());
+        once.translate(-place.topLeft());
+        paintReadout(once, readoutLayout, readoutTexts, kOpaque);
+    }
+    painter.drawPixmap(place.topLeft(), readoutPicture);
+}
+
+void Ovryn_GpuInfoCircleBox::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange)
+        readoutPicture = QPixmap();
 }
 
 void Ovryn_GpuInfoCircleBox::showEvent(QShowEvent *event)
@@ -233,6 +280,7 @@ void Ovryn_GpuInfoCircleBox::hideEvent(QHideEvent *event)
 void Ovryn_GpuInfoCircleBox::updateReadoutTexts()
 {
     readoutTexts = readoutTextsFor(displayMode, nvCardBaseInfo);
+    readoutPicture = QPixmap();
 }
 
 void Ovryn_GpuInfoCircleBox::updateOverlayTexts()

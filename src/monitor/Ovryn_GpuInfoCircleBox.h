@@ -45,6 +45,7 @@ signals:
 protected:
     void resizeEvent(QResizeEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
+    void changeEvent(QEvent *event) override;
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
 
@@ -76,10 +77,15 @@ private:
     void selectDisplayMode(GaugeDisplayMode mode);
     void updateReadoutTexts();
     void updateOverlayTexts();
+    void drawReadout(QPainter &painter);
+    [[nodiscard]] const QRegion &regionOfGlow(int reach);
 
-    // what paintEvent needs, made where its inputs change
-    QRegion animatedRegion;
+    // what a repaint needs, made where its inputs change
+    RingLayout ringLayout;
     QRect discRect;
+    QRegion animatedRegion; ///< for animatedReach
+    int animatedReach = -1; ///< in pixels; -1 after a resize
+    QPixmap readoutPicture; ///< null until it is drawn after a change of text, font or size
     ReadoutLayout readoutLayout;
     OverlayLayout overlayLayout;
     ReadoutTexts readoutTexts;

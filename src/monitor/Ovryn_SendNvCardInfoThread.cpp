@@ -4,8 +4,8 @@
 
 #include <QMutexLocker>
 
-Ovryn_SendNvCardInfoThread::Ovryn_SendNvCardInfoThread(NvGpuControl *card, QObject *parent)
-    : WorkerThread(parent), control(card)
+Ovryn_SendNvCardInfoThread::Ovryn_SendNvCardInfoThread(NvGpuControl *card, QObject *parent, quint32 pauseMs)
+    : WorkerThread(parent), control(card), sleepMs(pauseMs)
 {
 }
 

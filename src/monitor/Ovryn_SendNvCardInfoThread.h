@@ -18,8 +18,10 @@ class Ovryn_SendNvCardInfoThread : public WorkerThread
     Q_OBJECT
 
 public:
+    static constexpr quint32 kSleepMs = 1000;
+
     /// Does not start the thread. `card` is borrowed; without one the loop ends at once.
-    explicit Ovryn_SendNvCardInfoThread(NvGpuControl *card, QObject *parent = nullptr);
+    explicit Ovryn_SendNvCardInfoThread(NvGpuControl *card, QObject *parent = nullptr, quint32 pauseMs = kSleepMs);
     ~Ovryn_SendNvCardInfoThread() override;
 
     void startSampling();                 ///< nothing while the loop runs
@@ -38,7 +40,7 @@ protected:
     void run() override;
 
 private:
-    NvGpuControl *control;  ///< guarded by mutex, not owned
-    quint32 sleepMs = 1000; ///< guarded by mutex
-    ScaleLatches latches;   ///< touched by the cycle alone
+    NvGpuControl *control; ///< guarded by mutex, not owned
+    quint32 sleepMs;       ///< guarded by mutex
+    ScaleLatches latches;  ///< touched by the cycle alone
 };

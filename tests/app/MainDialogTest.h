@@ -10,8 +10,8 @@
 
 #include <memory>
 
-/// Pages that wait for nothing.
-constexpr PageTimings kQuickPages{{0, 0, 0, 10, 1}, {0, 1}};
+/// Pages and workers that wait for nothing that takes long.
+constexpr PageTimings kQuickPages{{0, 0, 0, 10, 1}, {0, 1}, 5, 5};
 
 /// What each test of the main dialog finds: a stand-in for the driver with one card of the maker's, and an empty
 /// folder of its own as the current one. The user's settings folder lies in that too: closing a dialog writes there.

@@ -24,6 +24,8 @@ private slots:
     void minimizeHidesTheWindow();
     void fieldOutOfSightMarksNoOther_data();
     void fieldOutOfSightMarksNoOther();
+    void bringingBackAsksWhatTheStartDidNot();
+    void bringingBackAppliesNothing_data();
     void bringingBackAppliesNothing();
     void trayExitAsksNothing();
     void storedRefreshTimeWaitsForAChange();
@@ -124,19 +126,51 @@ void TestMainDialogShell::fieldOutOfSightMarksNoOther()
     QCOMPARE(dialog.focusWidget(), &dialog);
 }
 
-void TestMainDialogShell::bringingBackAppliesNothing()
+void TestMainDialogShell::bringingBackAsksWhatTheStartDidNot()
 {
-    ModalAnswer answer({QStringLiteral("msgBoxYesBtn")}); // the prompt of the high-performance mode
-    OvrynDeck2 dialog;
-    dialog.show();
-    dialog.hide();
-    driver->forgetCalls();
+    ModalAnswer answer({QStringLiteral("msgBoxYesBtn")}); // the prompt of the high-performance mode, once a run
+    OvrynDeck2 dialog(nullptr, kQuickPages);
     trayIconOf(dialog)->contextMenu()->actions().first()->trigger();
     QVERIFY(dialog.isVisible());
     QCOMPARE(answer.texts().size(), 1);
+}
+
+void TestMainDialogShell::bringingBackAppliesNothing_data()
+{
+    QTest::addColumn<bool>("byTheIcon");
+    QTest::newRow("by a click on the icon, with values applied at the start") << true;
+    QTest::newRow("by the menu, with values applied at the start") << false;
+}
+
+void TestMainDialogShell::bringingBackAppliesNothing()
+{
+    QFETCH(bool, byTheIcon);
+    writeConfig("<OvrynParameter><GeneralSetting ApplyLastParamOnStart=\"1\"/><GpuSettings>"
+                "<GPU GpuName=\"GeForce GTX 1070 Ti\" SubSystemId=\"" +
+                QByteArray::number(0x111D7377u) +
+                "\"><AdjustModule GpuFreClock=\"1707\" MemoryFreClock=\"4106\" Power=\"100\" Temperature=\"85\" "
+                "FanMode=\"1\" FanSpeedLevel=\"60\"/><LedModule LedMode=\"1\"/></GPU></GpuSettings><OtherSetting "
+                "NotPromptHPS=\"1\"/></OvrynParameter>");
     // the LCD's frames of live readings go out all the time
-    QCOMPARE(driver->calls().filter(QRegularExpression(QStringLiteral("Set(?!tings)|I2CWrite.* addr=A0"))),
-             QStringList());
+    const auto orders = [this] {
+        return driver->calls().filter(
+            QRegularExpression(QStringLiteral("_\\w*(?<!Chip)Set(?!tings)|I2CWrite.* addr=A0")));
+    };
+    ModalAnswer answer({});
+    OvrynDeck2 dialog(nullptr, kQuickPages);
+    QVERIFY(orders().filter(QStringLiteral("SetPstates20")).size() > 1); // there is something to be applied
+    dialog.show();
+    dialog.hide();
+    driver->forgetCalls();
+    if (byTheIcon)
+        emit trayIconOf(dialog)->activated(QSystemTrayIcon::Trigger);
+    else
+        trayIconOf(dialog)->contextMenu()->actions().first()->trigger();
+    QVERIFY(dialog.isVisible());
+    // time for what might come later
+    QTRY_VERIFY_WITH_TIMEOUT(driver->calls("NvAPI_GPU_GetDynamicPstatesInfoEx").size() > 20, 8000);
+    QCOMPARE(orders(), QStringList());
+    QCOMPARE(answer.texts(), QStringList());
 }
 
 void TestMainDialogShell::trayExitAsksNothing()

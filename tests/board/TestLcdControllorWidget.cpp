@@ -25,8 +25,10 @@ private slots:
     void applyTellsTheWorkerTheTime();
     void applyOffSendsOneFrameAndEndsTheWorker();
     void applyOnRestartsTheWorker();
+    void applyOffAndOnAgain();
     void applyInManualModeRegistersThePairAppliedBefore();
     void automaticUnregistersAndManualRegistersTheLastPair();
+    void altAndKIsShownAndCtrlAndKWorks();
     void hotKeyTurnsThePages();
     void hotKeyDoesNothingWhileAutomatic();
     void workerThatIsGoneIsMadeAnew();
@@ -335,6 +337,24 @@ void TestLcdControllorWidget::applyOnRestartsTheWorker()
     QCOMPARE(world.commands().mid(1, 3), QList<int>({0x80, 0x80, 0x80}));
 }
 
+void TestLcdControllorWidget::applyOffAndOnAgain()
+{
+    LcdPageWorld world;
+    world.openClean();
+    QTRY_VERIFY(world.commands().size() > 2);
+    LcdPageWorld::clickLeft(world.lcdSwitch());
+    QVERIFY(world.apply());
+    QVERIFY(world.worker()->wait(10000));
+    const int sentUntilOff = world.commands().size();
+    QCOMPARE(world.commands().count(LcdPageWorld::kOff), 1);
+    LcdPageWorld::clickLeft(world.lcdSwitch());
+    QCOMPARE(world.commands().size(), sentUntilOff); // not before it is applied
+    QVERIFY(world.apply());
+    QTRY_VERIFY(world.commands().size() > sentUntilOff + 2);
+    QVERIFY(!world.worker()->isStopped());
+    QCOMPARE(world.commands().count(LcdPageWorld::kOff), 1);
+}
+
 void TestLcdControllorWidget::applyInManualModeRegistersThePairAppliedBefore()
 {
     LcdPageWorld world;
@@ -364,6 +384,28 @@ void TestLcdControllorWidget::automaticUnregistersAndManualRegistersTheLastPair(
     world.press(world.normalKey(), 'W');
     QVERIFY(world.apply());
     QCOMPARE(world.registeredKeys(), QStringLiteral("Q"));
+}
+
+void TestLcdControllorWidget::altAndKIsShownAndCtrlAndKWorks()
+{
+    LcdPageWorld world;
+    world.openClean(manualSettings());
+    world.press(world.modifierKey(), kAlt);
+    world.press(world.normalKey(), 'K');
+    QCOMPARE(world.modifierKey()->text(), QStringLiteral("Alt"));
+    QCOMPARE(world.normalKey()->text(), QStringLiteral("K"));
+    QVERIFY(world.apply());
+    const LcdModuleInfo saved = world.info();
+    QCOMPARE(saved.ModifierKey, 18u);
+    QCOMPARE(saved.NormalKey, 75u);
+
+    world.openClean(saved); // the next start
+    QCOMPARE(world.modifierKey()->text(), QStringLiteral("Alt"));
+    QTRY_VERIFY(!world.commands().isEmpty());
+    QVERIFY(!world.hotKeys.press('K', GlobalHotKeys::Alt));
+    QVERIFY(!world.hotKeys.press('1', GlobalHotKeys::Control));
+    QVERIFY(world.hotKeys.press('K', GlobalHotKeys::Control));
+    QTRY_COMPARE(world.commands().last(), 0x40);
 }
 
 void TestLcdControllorWidget::hotKeyTurnsThePages()

@@ -65,6 +65,8 @@ protected:
     }
 };
 
+constexpr unsigned long kNoPatienceMs = 100; // with a cycle under way
+
 /// A worker in one long cycle: the driver that it asks doesn't answer.
 class HangingWorker : public WorkerThread
 {
@@ -100,7 +102,33 @@ private:
     const bool deaf;
 };
 
-/// A worker that sleeps long behind each cycle.
+/// A worker whose thread takes its time behind the loop, longer than its end is waited for.
+class SlowlyLeavingWorker : public WorkerThread
+{
+public:
+    explicit SlowlyLeavingWorker(std::atomic<bool> &hasFinished) : finished(hasFinished) {}
+    ~SlowlyLeavingWorker() override { endThread(1); }
+    using WorkerThread::startThread;
+
+    QSemaphore hasLeft;
+
+protected:
+    void run() override
+    {
+        {
+            QMutexLocker held(&mutex);
+            leaveLoop();
+        }
+        hasLeft.release();
+        msleep(300);
+        finished = true;
+    }
+
+private:
+    std::atomic<bool> &finished;
+};
+
+/// A worker that sleeps for a while behind each cycle.
 class SleepyWorker : public WorkerThread
 {
 public:
@@ -120,7 +148,7 @@ protected:
             ++cycles;
             if (stopped)
                 break;
-            pause(held, 3600 * 1000);
+            pause(held, 500);
         }
         leaveLoop();
         left = true;
@@ -173,10 +201,10 @@ private slots:
     void startWhileTheThreadIsOnItsWayOut();
     void startAfterGivingUp();
     void destructionWhileItRuns();
-    void endCutsThePauseShort();
-    void stopLeavesThePauseAlone();
+    void nothingWakesThePause();
     void endOfANullWorker();
     void hangingCallIsEndedByForce();
+    void threadBehindItsLoopIsNotEndedByForce();
     void callThatNothingEndsIsLeftBehind();
 };
 
@@ -243,28 +271,19 @@ void TestWorkerThread::destructionWhileItRuns()
     QTRY_VERIFY(worker.cycles >= 1);
 }
 
-void TestWorkerThread::endCutsThePauseShort()
+void TestWorkerThread::nothingWakesThePause()
 {
     std::atomic<int> cycles{0};
     std::atomic<bool> left{false};
     auto *worker = new SleepyWorker(cycles, left);
     worker->startThread();
     QTRY_COMPARE(cycles.load(), 1);
+    worker->stopThread();
+    QVERIFY(!worker->wait(100));
+    QCOMPARE(cycles.load(), 1);
     QVERIFY(WorkerThread::endAndDelete(worker));
     QVERIFY(left); // by itself
     QCOMPARE(cycles.load(), 2);
-}
-
-void TestWorkerThread::stopLeavesThePauseAlone()
-{
-    std::atomic<int> cycles{0};
-    std::atomic<bool> left{false};
-    SleepyWorker worker(cycles, left);
-    worker.startThread();
-    QTRY_COMPARE(cycles.load(), 1);
-    worker.stopThread();
-    QVERIFY(!worker.wait(200));
-    QCOMPARE(cycles.load(), 1);
 }
 
 void TestWorkerThread::endOfANullWorker()
@@ -281,8 +300,19 @@ void TestWorkerThread::hangingCallIsEndedByForce()
     auto *worker = new HangingWorker(false);
     worker->startThread();
     worker->inCall.acquire();
-    QVERIFY(WorkerThread::endAndDelete(worker));
+    QVERIFY(WorkerThread::endAndDelete(worker, kNoPatienceMs));
     QCOMPARE(WorkerThread::leftBehind(), 0);
+}
+
+void TestWorkerThread::threadBehindItsLoopIsNotEndedByForce()
+{
+    std::atomic<bool> finished{false};
+    {
+        SlowlyLeavingWorker worker(finished);
+        worker.startThread();
+        worker.hasLeft.acquire();
+    }
+    QVERIFY(finished);
 }
 
 void TestWorkerThread::callThatNothingEndsIsLeftBehind()
@@ -294,7 +324,7 @@ void TestWorkerThread::callThatNothingEndsIsLeftBehind()
     auto *worker = new HangingWorker(true, &owner);
     worker->startThread();
     worker->inCall.acquire();
-    QVERIFY(!WorkerThread::endAndDelete(worker));
+    QVERIFY(!WorkerThread::endAndDelete(worker, kNoPatienceMs));
     QCOMPARE(WorkerThread::leftBehind(), 1);
     QCOMPARE(owner.children(), QObjectList()); // it doesn't go with its owner
     QVERIFY(worker->isRunning());

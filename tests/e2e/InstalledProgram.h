@@ -31,7 +31,7 @@ public:
     void follow(qint64 processId);
     bool kill();      ///< at once, as a crash or a power cut would; false when it has ended before
     [[nodiscard]] bool isRunning() const;
-    bool waitForEnd(int timeoutMs = 20000);
+    bool waitForEnd(int timeoutMs = 60000); ///< each worker of a card may sleep for a second before it ends
     [[nodiscard]] int exitCode() const { return process.exitCode(); }
     [[nodiscard]] bool endedNormally() const;
     [[nodiscard]] QByteArray errorOutput() { return process.readAllStandardError(); }

@@ -45,7 +45,7 @@ QColor LedPageHands::colorAt(QPoint point) const
 {
     // The marker's hue goes through the slider, which knows whole degrees.
     const QColor marker = HueRing::pureColor(ring.hueAt(point - onScreen(palettePlace.topLeft())));
-    return QColor::fromHsv(marker.hsvHue(), 255, 255);
+    return QColor::fromHsv(marker.hsvHue(), 255, 255).toRgb();
 }
 
 QPoint LedPageHands::sliderPoint(double ratio) const

@@ -129,23 +129,6 @@ void ProgramTest::closeByButton(InstalledProgram &program, qint64 window)
     QCOMPARE(program.exitCode(), 0);
 }
 
-QPoint ProgramTest::settingControl(const QString &objectName) const
-{
-    QWidget dialog;
-    dialog.resize(kDialogSize);
-    Ovryn_LanguageTable table;
-    table.setLanguage(kLanguageEnglish);
-    Ovryn_SettingParentWidget panel{GeneralSettingInfo(), UpdateSettingInfo(), &dialog};
-    panel.setLanguage(table.setting, kLanguageEnglish);
-    dialog.show();
-    panel.setShowSettingWidget(true);
-    const auto *page = panel.findChild<Ovryn_SettingWidget *>();
-    const auto *control = panel.findChild<QWidget *>(objectName);
-    if (!page || !control || !QTest::qWaitFor([&] { return page->isVisible() && page->x() == 0; }, kPatienceMs))
-        return {};
-    return settingPanelPosition(kDialogSize, panel.size()) + control->mapTo(&panel, control->rect().center());
-}
-
 void ProgramTest::openSettings(InstalledProgram &program, qint64 window, QPoint control)
 {
     const QRect place = onScreen(window, QRect(control - QPoint(40, 10), QSize(80, 20)));

@@ -39,8 +39,6 @@ protected:
     void pressBoxButton(InstalledProgram &program, bool yes);
     void pressOnlyBoxButton(InstalledProgram &program);
     void closeByButton(InstalledProgram &program, qint64 window);
-    /// Where a control of the settings page lies in the main window, asked of a page built the same way.
-    [[nodiscard]] QPoint settingControl(const QString &objectName) const;
     /// Slides the settings in until that control has come to rest.
     void openSettings(InstalledProgram &program, qint64 window, QPoint control);
     [[nodiscard]] bool pictureChanges(const QImage &before, const QRect &screenRect) const;

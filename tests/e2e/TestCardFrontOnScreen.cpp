@@ -1,5 +1,5 @@
 #include "board/LedPageLayout.h"
-#include "e2e/ProgramTest.h"
+#include "e2e/CardFrontTest.h"
 #include "simulated/front/FrontLayout.h"
 
 #include <QFile>
@@ -7,22 +7,17 @@
 #include <QTest>
 
 #include <cstdio>
-#include <functional>
 #include <memory>
 
 using namespace cardfront;
 
 /// The window "Card front" on the screen, with a state file that the test writes.
-class TestCardFrontOnScreen : public ProgramTest
+class TestCardFrontOnScreen : public CardFrontTest
 {
     Q_OBJECT
 
-public:
-    TestCardFrontOnScreen() { screenSize = QSize(1920, 900); } // both windows side by side
-
 private slots:
     void init();
-    void cleanup();
     void lightsFollowTheFile();
     void lightsBreathe();
     void windowGrowsWithTheCards();
@@ -31,16 +26,8 @@ private slots:
 
 private:
     void write(const QByteArray &text) const;
-    bool start(const QStringList &arguments);
-    [[nodiscard]] qint64 waitForWindow() const;
-    /// Looks at the middle of a card's strip; what is seen there stands in `seen`.
-    bool look(qint64 window, int card, bool hasLcd);
-    /// Looks until the colour is of the kind wanted.
-    bool becomes(qint64 window, int card, bool hasLcd, const std::function<bool(const QColor &)> &wanted);
 
     std::unique_ptr<QTemporaryDir> folder;
-    std::unique_ptr<QProcess> front;
-    QColor seen;
 };
 
 namespace
@@ -52,13 +39,6 @@ QByteArray stateOf(const QByteArrayList &leds)
     for (const QByteArray &led : leds)
         cards << "{\"name\":\"GeForce GTX 1070 Ti\",\"readings\":{},\"lcd\":null,\"led\":" + led + "}";
     return "{\"t\":1,\"cards\":[" + cards.join(',') + "]}";
-}
-
-std::function<bool(const QColor &)> is(const QColor &wanted)
-{
-    return [wanted](const QColor &colour) {
-        return colour == wanted;
-    };
 }
 
 QByteArray steady(const QByteArray &colour)
@@ -74,16 +54,6 @@ void TestCardFrontOnScreen::init()
     QVERIFY(folder->isValid());
 }
 
-void TestCardFrontOnScreen::cleanup()
-{
-    if (!front)
-        return;
-    front->terminate();
-    if (!front->waitForFinished(kPatienceMs))
-        front->kill();
-    front.reset();
-}
-
 /// As the driver does it: a new file takes the place of the old one.
 void TestCardFrontOnScreen::write(const QByteArray &text) const
 {
@@ -97,42 +67,10 @@ void TestCardFrontOnScreen::write(const QByteArray &text) const
         0);
 }
 
-bool TestCardFrontOnScreen::start(const QStringList &arguments)
-{
-    front = std::make_unique<QProcess>();
-    QProcessEnvironment environment = screen.environment();
-    environment.remove(QStringLiteral("NVAPI_SIM_STATE"));
-    front->setProcessEnvironment(environment);
-    front->start(QStringLiteral(OVRYN_CARD_FRONT), arguments);
-    return front->waitForStarted(kPatienceMs);
-}
-
-qint64 TestCardFrontOnScreen::waitForWindow() const
-{
-    qint64 window = 0;
-    (void)QTest::qWaitFor([&] { return (window = screen.findWindow(QString::fromLatin1(kWindowTitle))) != 0; },
-                          kPatienceMs);
-    return window;
-}
-
-bool TestCardFrontOnScreen::look(qint64 window, int card, bool hasLcd)
-{
-    const QPoint place = screen.geometryOf(window).topLeft() + inWindow(card, cardLayout(hasLcd).strip).center();
-    const QImage picture = screen.picture();
-    seen = picture.valid(place) ? QColor(picture.pixel(place)) : QColor();
-    return seen.isValid();
-}
-
-bool TestCardFrontOnScreen::becomes(qint64 window, int card, bool hasLcd,
-                                    const std::function<bool(const QColor &)> &wanted)
-{
-    return QTest::qWaitFor([&] { return look(window, card, hasLcd) && wanted(seen); }, kPatienceMs);
-}
-
 void TestCardFrontOnScreen::lightsFollowTheFile()
 {
-    QVERIFY(start({folder->filePath(QStringLiteral("state.json"))})); // which is not there yet
-    const qint64 window = waitForWindow();
+    QVERIFY(startFront({folder->filePath(QStringLiteral("state.json"))})); // which is not there yet
+    const qint64 window = waitForFront();
     QVERIFY(window != 0);
     QCOMPARE(screen.geometryOf(window).size(), windowSize(0));
     write(stateOf({steady("255,0,0")}));
@@ -152,8 +90,8 @@ void TestCardFrontOnScreen::lightsFollowTheFile()
 void TestCardFrontOnScreen::lightsBreathe()
 {
     write(stateOf({R"({"effect":1,"level":50,"interval":4,"colours":[[0,255,0]]})"}));
-    QVERIFY(start({folder->filePath(QStringLiteral("state.json"))}));
-    const qint64 window = waitForWindow();
+    QVERIFY(startFront({folder->filePath(QStringLiteral("state.json"))}));
+    const qint64 window = waitForFront();
     QVERIFY(window != 0);
     // without a word from anybody it goes up and down again
     QVERIFY2(becomes(window, 0, false, [](const QColor &colour) { return colour.green() > 180; }),
@@ -167,8 +105,8 @@ void TestCardFrontOnScreen::lightsBreathe()
 void TestCardFrontOnScreen::windowGrowsWithTheCards()
 {
     write(stateOf({steady("255,0,0")}));
-    QVERIFY(start({folder->filePath(QStringLiteral("state.json"))}));
-    const qint64 window = waitForWindow();
+    QVERIFY(startFront({folder->filePath(QStringLiteral("state.json"))}));
+    const qint64 window = waitForFront();
     QVERIFY(window != 0);
     QVERIFY2(becomes(window, 0, false, is(QColor(255, 0, 0))), qPrintable(seen.name()));
     write(stateOf({steady("255,0,0"), steady("0,0,255")}));
@@ -182,8 +120,8 @@ void TestCardFrontOnScreen::programsLightsAreShown()
 {
     InstalledProgram program(screen);
     program.writeConfig(kQuietConfig);
-    QVERIFY(start({program.statePath()}));
-    const qint64 window = waitForWindow();
+    QVERIFY(startFront({program.statePath()}));
+    const qint64 window = waitForFront();
     QVERIFY(window != 0);
     const qint64 main = startedWindow(program);
     QVERIFY(main != 0);
@@ -220,7 +158,7 @@ void TestCardFrontOnScreen::programsLightsAreShown()
 
 void TestCardFrontOnScreen::noFileNamed()
 {
-    QVERIFY(start({}));
+    QVERIFY(startFront({}));
     QVERIFY(front->waitForFinished(kPatienceMs));
     QCOMPARE(front->exitStatus(), QProcess::NormalExit);
     QCOMPARE(front->exitCode(), 2);

@@ -10,6 +10,7 @@ class TestStart : public ProgramTest
 
 private slots:
     void firstStart();
+    void windowHasNoFrame();
     void driverCallsOfDetection();
     void driverCallsOfTheAdjustPage();
     void driverCallsOfASample();
@@ -86,6 +87,21 @@ void TestStart::firstStart()
     // Both cards are sampled again and again while the prompt stands.
     const int calls = program.journal().size();
     QTRY_VERIFY_WITH_TIMEOUT(program.journal().size() > calls + 80, kPatienceMs);
+}
+
+void TestStart::windowHasNoFrame()
+{
+    InstalledProgram program(screen);
+    program.writeConfig(kQuietConfig);
+    const qint64 window = startedWindow(program);
+    QVERIFY(window != 0);
+    const auto propertyOf = [this](qint64 id, const char *name) {
+        return screen.run(QStringLiteral("xprop"), {QStringLiteral("-id"), QString::number(id), QLatin1String(name)});
+    };
+    // Left, right, top and bottom of what the window manager draws around it: no title bar, so no button to close it.
+    QTRY_COMPARE_WITH_TIMEOUT(propertyOf(window, "_NET_FRAME_EXTENTS").section(QLatin1Char('='), 1).trimmed(),
+                              QStringLiteral("0, 0, 0, 0"), kPatienceMs);
+    closeByButton(program, window);
 }
 
 void TestStart::driverCallsOfDetection()
@@ -209,7 +225,7 @@ void TestStart::secondStartBringsTheWindowToTheFront()
     for (const QJsonObject &call : program.journal())
         if (call.value(QStringLiteral("op")).toString() == QLatin1String("NvAPI_Initialize"))
             ++initialised;
-    QCOMPARE(initialised, 3); // detection and two cards: the second start never loaded the driver
+    QCOMPARE(initialised, 5); // detection, two cards and their two information pages: none for the second start
     other.kill();
     other.waitForFinished();
 }

@@ -26,9 +26,13 @@ private slots:
     void discAtTheWaterline();
     void discLooksLikeTheIntersection_data();
     void discLooksLikeTheIntersection();
+    void stillPicturesChangeNothing_data();
+    void stillPicturesChangeNothing();
+    void stillPicturesFollowTheDisc();
     void glowLiesOutsideTheRing_data();
     void glowLiesOutsideTheRing();
     void glowLooksLikeTheWholeEllipse();
+    void glowOverwritesAnEarlierOne();
     void extremeSizes_data();
     void extremeSizes();
 };
@@ -320,6 +324,58 @@ void TestBreathAndWave::discLooksLikeTheIntersection()
     QCOMPARE(differences(image, expected, 45), 0);
 }
 
+void TestBreathAndWave::stillPicturesChangeNothing_data()
+{
+    QTest::addColumn<double>("radius");
+    QTest::addColumn<double>("level");
+    QTest::newRow("empty") << kRadius << 0.0;
+    QTest::newRow("no number") << kRadius << kNoNumber;
+    QTest::newRow("waves above the lower edge") << kRadius << 0.01;
+    QTest::newRow("low") << kRadius << 0.2;
+    QTest::newRow("half") << kRadius << 0.5;
+    QTest::newRow("high") << kRadius << 0.83;
+    QTest::newRow("waves below the upper edge") << kRadius << 0.99;
+    QTest::newRow("full") << kRadius << 1.0;
+    QTest::newRow("radius with a fraction") << 66.7 << 0.4;
+    QTest::newRow("waves that end within the disc") << 0.6 * kSide << 0.5;
+    QTest::newRow("disc beyond the picture") << 2.0 * kSide << 0.55;
+    QTest::newRow("single pixel") << 0.5 << 0.5;
+    QTest::newRow("no disc") << 0.0 << 0.5;
+}
+
+void TestBreathAndWave::stillPicturesChangeNothing()
+{
+    QFETCH(double, radius);
+    QFETCH(double, level);
+    const WaveDisc disc = discOf(radius, level);
+    WaveDiscPainter discPainter;
+    WaveMotion motion;
+    for (int frame = 0; frame < 250; ++frame) { // crests up and down
+        if (disc.hasWave())
+            motion = stepped(motion, disc.shape());
+        QImage expected = emptyPicture();
+        paintWaveDisc(expected, disc, motion);
+        QImage image = emptyPicture();
+        discPainter.paint(image, disc, motion);
+        QVERIFY2(image == expected, QByteArray::number(frame).constData());
+    }
+}
+
+void TestBreathAndWave::stillPicturesFollowTheDisc()
+{
+    const QBrush blue = QColor(0, 0, 250, 80);
+    WaveDiscPainter discPainter;
+    for (const WaveDisc &disc : {WaveDisc{200, 50.0, 0.5, kLight, kDark}, WaveDisc{200, 40.0, 0.5, kLight, kDark},
+                                 WaveDisc{300, 40.0, 0.5, kLight, kDark}, WaveDisc{300, 40.0, 0.5, blue, kDark},
+                                 WaveDisc{300, 40.0, 0.5, blue, blue}, WaveDisc{300, 40.0, 0.0, blue, blue}}) {
+        QImage expected = emptyPicture(disc.width);
+        paintWaveDisc(expected, disc, {});
+        QImage image = emptyPicture(disc.width);
+        discPainter.paint(image, disc, {});
+        QCOMPARE(image, expected);
+    }
+}
+
 void TestBreathAndWave::glowLiesOutsideTheRing_data()
 {
     QTest::addColumn<double>("breathPos");
@@ -368,6 +424,21 @@ void TestBreathAndWave::glowLooksLikeTheWholeEllipse()
         // The edge at the ring is softened by distance, not by covered area.
         QVERIFY(differences(image, expected, 5) < 30);
         QCOMPARE(differences(image, expected, 8), 0);
+    }
+}
+
+void TestBreathAndWave::glowOverwritesAnEarlierOne()
+{
+    for (const int side : {kSide, kSide + 1}) {
+        QImage image = emptyPicture(side);
+        double earlier = 0;
+        for (const double breathPos : {0.753, 0.906, 0.7, 0.8}) {
+            QImage expected = emptyPicture(side);
+            paintGlow(expected, kInnerRadius, breathPos, kGlow);
+            paintGlow(image, kInnerRadius, breathPos, kGlow, earlier);
+            QCOMPARE(image, expected);
+            earlier = breathPos;
+        }
     }
 }
 

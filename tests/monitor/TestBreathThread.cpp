@@ -61,6 +61,7 @@ private slots:
     void framesShowTheLevel();
     void glowKeepsOutsideTheRing();
     void radiiOverlapTheRingByAPixel();
+    void aPictureThatIsUsedAgainShowsNothingOld();
     void startingARunningThreadDoesNothing();
     void itStartsAgainAfterItEndedByItself();
     void itGoesOnWhenStartedBeforeItSawTheStop();
@@ -191,6 +192,50 @@ void TestBreathThread::radiiOverlapTheRingByAPixel()
     QCOMPARE(qAlpha(picture.pixel(141, 100)), 0);  // 41 to 42
     QVERIFY(qAlpha(picture.pixel(158, 100)) <= 2); // 58 to 59
     QVERIFY(qAlpha(picture.pixel(159, 100)) > 50); // 59 to 60
+}
+
+void TestBreathThread::aPictureThatIsUsedAgainShowsNothingOld()
+{
+    const QColor glow(236, 9, 40, 180);
+    CreateBreathCircleAndWaveCircleThread renderer(nullptr);
+    int side = 200;
+    double ring = 60;
+    double hole = 40;
+    double level = 0.9;
+    bool breath = true;
+    const auto follow = [&] {
+        renderer.setSize(side);
+        renderer.setBreathRadius(ring);
+        renderer.setWaveRadius(hole);
+        renderer.setWaveLevel(level);
+        renderer.setBreathEnabled(breath);
+    };
+    const auto showNothingOld = [&] {
+        for (int frame = 0; frame < 80; ++frame) { // a breath and more
+            const QImage picture = renderer.renderFrame();
+            QImage expected(side, side, QImage::Format_ARGB32_Premultiplied);
+            expected.fill(Qt::transparent);
+            if (breath)
+                paintGlow(expected, ring - 1, SharedGaugeAnimation::pulse().breathPos, glow);
+            paintWaveDisc(expected, {side, hole + 1, level, QColor(236, 9, 40, 50), QColor(236, 9, 40, 150)},
+                          SharedGaugeAnimation::wave());
+            QCOMPARE(picture, expected);
+        }
+    };
+    follow();
+    showNothingOld();
+    renderer.setWaveLevel(level = 0.1);
+    showNothingOld();
+    renderer.setWaveRadius(hole = 30);
+    showNothingOld();
+    renderer.setBreathRadius(ring = 75);
+    showNothingOld();
+    renderer.setBreathEnabled(breath = false);
+    showNothingOld();
+    side = 160;
+    breath = true;
+    follow();
+    showNothingOld();
 }
 
 void TestBreathThread::startingARunningThreadDoesNothing()

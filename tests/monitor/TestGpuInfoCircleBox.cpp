@@ -3,6 +3,7 @@
 #include "monitor/Ovryn_GpuInfoCircleBox.h"
 #include "ui/Fonts.h"
 
+#include <QPaintEvent>
 #include <QPainter>
 #include <QSignalSpy>
 #include <QWindow>
@@ -127,6 +128,10 @@ private slots:
     void aClickEndsTheOverlay();
     void painting_data();
     void painting();
+    void readoutFollows_data();
+    void readoutFollows();
+    void aFrameRepaintsAllThatItChanges_data();
+    void aFrameRepaintsAllThatItChanges();
     void waterShowsOnTheMemoryReadoutOnly();
     void theMemorySegmentNeedsEnableWave();
     void enableWaveActsOnTheMemoryReadoutAlone();
@@ -395,6 +400,87 @@ void TestGpuInfoCircleBox::painting()
     QVERIFY(expected != bare);
     const QRect hole(130, 130, 140, 140);
     QCOMPARE(gauge.painted().copy(hole), expected.copy(hole));
+}
+
+void TestGpuInfoCircleBox::readoutFollows_data()
+{
+    QTest::addColumn<QString>("change");
+    for (const char *change : {"sample", "quantity", "size", "font"})
+        QTest::newRow(change) << change;
+}
+
+void TestGpuInfoCircleBox::readoutFollows()
+{
+    QFETCH(QString, change);
+    const auto make = [&](OpenGauge &gauge) {
+        if (change == "sample")
+            gauge.recvNvCardInfo(sample());
+        else if (change == "quantity")
+            gauge.btnTemperature_MouseClick();
+        else if (change == "size")
+            gauge.resize(kSide + 60, kSide + 60);
+        else
+            gauge.setFont([] {
+                QFont slanted;
+                slanted.setItalic(true);
+                return slanted;
+            }());
+    };
+    OpenGauge painted;
+    const QImage before = painted.painted();
+    make(painted);
+    OpenGauge fresh;
+    make(fresh);
+    QVERIFY(fresh.painted() != before);
+    QCOMPARE(painted.painted(), fresh.painted());
+}
+
+void TestGpuInfoCircleBox::aFrameRepaintsAllThatItChanges_data()
+{
+    QTest::addColumn<bool>("glow");
+    QTest::addColumn<bool>("water");
+    QTest::newRow("glow") << true << false;
+    QTest::newRow("water") << false << true;
+    QTest::newRow("both") << true << true;
+}
+
+void TestGpuInfoCircleBox::aFrameRepaintsAllThatItChanges()
+{
+    class RegionKeeper : public QObject
+    {
+    public:
+        QRegion painted;
+        bool eventFilter(QObject *, QEvent *event) override
+        {
+            if (event->type() == QEvent::Paint)
+                painted += static_cast<QPaintEvent *>(event)->region();
+            return false;
+        }
+    };
+    QFETCH(bool, glow);
+    QFETCH(bool, water);
+    OpenGauge gauge;
+    gauge.recvNvCardInfo(sample());
+    gauge.showReady();
+    QTRY_VERIFY_WITH_TIMEOUT(gauge.renderer->isFinished() && !gauge.background.isNull(), kPatienceMs);
+    QCoreApplication::processEvents();
+    gauge.renderer->setBreathEnabled(glow); // on the renderer itself: the test calls for the frames
+    gauge.renderer->setWaveEnabled(water);
+    RegionKeeper keeper;
+    gauge.installEventFilter(&keeper);
+    for (int frame = 0; frame < 80; ++frame) {
+        const QImage before = gauge.background.toImage();
+        const QImage after = gauge.renderer->renderFrame();
+        keeper.painted = QRegion();
+        QVERIFY(QMetaObject::invokeMethod(&gauge, "recvRenderedImage", Q_ARG(QImage, after)));
+        QTRY_VERIFY_WITH_TIMEOUT(!keeper.painted.isEmpty(), kPatienceMs);
+        for (int y = 0; y < kSide; ++y) {
+            for (int x = 0; x < kSide; ++x) {
+                if (before.pixel(x, y) != after.pixel(x, y))
+                    QVERIFY(keeper.painted.contains(QPoint(x, y)));
+            }
+        }
+    }
 }
 
 void TestGpuInfoCircleBox::waterShowsOnTheMemoryReadoutOnly()

@@ -1,6 +1,7 @@
 #include "config/NoMoreFiles.h"
 #include "support/LoopbackHttpServer.h"
 #include "support/UpdateManifest.h"
+#include "update/ForeignFolder.h"
 #include "update/Ovryn_DownloadUpdateFileInfo.h"
 #include "update/Ovryn_UpdateInfoReader.h"
 
@@ -34,6 +35,7 @@ private slots:
     void failureLeavesNoEarlierManifest();
     void folderThatCannotBeMade();
     void earlierManifestThatCannotBeRemoved();
+    void earlierManifestThatCouldOnlyBeWritten();
     void fileThatCannotBeOpened();
     void earlierManifestIsALink_data();
     void earlierManifestIsALink();
@@ -290,6 +292,32 @@ void TestDownloadUpdateFileInfo::earlierManifestThatCannotBeRemoved()
     downloader.startDownload(); // no failure for good
     QTRY_COMPARE_WITH_TIMEOUT(spy.size(), 2, kPatienceMs);
     QCOMPARE(told(spy).last(), true);
+}
+
+void TestDownloadUpdateFileInfo::earlierManifestThatCouldOnlyBeWritten()
+{
+#ifdef Q_OS_LINUX
+    QVERIFY(QDir().mkdir(QStringLiteral("temp")));
+    write(QStringLiteral("temp/update_info.xml"), "earlier");
+    server->answerWith(updateManifest("1.1"));
+    Ovryn_DownloadUpdateFileInfo downloader(nullptr);
+    QSignalSpy spy(&downloader, SIGNAL(downloadFinished(bool)));
+    {
+        const ForeignFolder foreign(QStringLiteral("temp"), QStringLiteral("temp/update_info.xml"));
+        QFile file(QStringLiteral("temp/update_info.xml"));
+        QVERIFY(!file.remove());
+        QVERIFY(file.open(QIODevice::ReadWrite)); // nothing else stands in the way
+        file.close();
+        downloader.startDownload();
+    }
+    QCOMPARE(told(spy), QList<bool>{false});
+    QCOMPARE(downloader.currentState(), 2);
+    QCOMPARE(saved(), QByteArray("earlier"));
+    QTest::qWait(50);
+    QCOMPARE(server->requests(), QStringList());
+#else
+    QSKIP("only one platform lets a file be written that cannot be removed");
+#endif
 }
 
 void TestDownloadUpdateFileInfo::fileThatCannotBeOpened()
