@@ -233,6 +233,6 @@ def images():
         "centerLogo": centre_logo(),
         "logo": sliding_logo(),
         "icon": icon(),
-        "SettingBKImage": panel(470, 440, 26, 46, 0.95),
+        "SettingBKImage": panel(470, 440, 26, 46, 0.985),
         "messageBox/msgbkground": panel(420, 200, 16, 0, 0.97),
     }

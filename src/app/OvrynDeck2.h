@@ -119,6 +119,7 @@ private:
     void openPage(int page, QPushButton *button);
     void changePage(QPushButton *clicked);
     void selectPage();
+    void leaveFields();
     void rollTo(QWidget *page);
 
     // settings and language

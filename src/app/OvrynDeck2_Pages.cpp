@@ -82,6 +82,7 @@ void OvrynDeck2::openPage(int page, QPushButton *button)
 
 void OvrynDeck2::changePage(QPushButton *clicked)
 {
+    leaveFields();
     bool anyChecked = false;
     for (QPushButton *button : qAsConst(pageButtons)) {
         if (!button->isChecked())
@@ -117,8 +118,16 @@ void OvrynDeck2::onMoveCircleWidgetTimerTimeout()
         selectPage();
 }
 
+/// A field that goes out of sight with the keyboard's focus would pass it on to the next one, which then stands
+/// marked although nobody has been there.
+void OvrynDeck2::leaveFields()
+{
+    setFocus();
+}
+
 void OvrynDeck2::rollTo(QWidget *page)
 {
+    leaveFields();
     pageStack->showStack();
     pageStack->setCurrentWidget(page);
 }

@@ -123,6 +123,7 @@ void OvrynDeck2::pullSettings()
 
 void OvrynDeck2::onBtnSettingClick()
 {
+    leaveFields();
     settingPanel->raise();
     settingPanel->setShowSettingWidget(!settingPanel->isShowing());
 }

@@ -5,6 +5,7 @@
 #include "ui/Fonts.h"
 #include "ui/Ovryn_LanguageTable.h"
 #include "ui/Ovryn_MessageBox.h"
+#include "ui/UiStyle.h"
 
 #include <QDate>
 #include <QDir>
@@ -87,6 +88,7 @@ int run(int argc, char **argv)
     QFont font;
     font.setFamily(QStringLiteral("微软雅黑"));
     QApplication::setFont(font);
+    UiStyle::colorToolTips();
 
     OvrynDeck2 dialog;
     dialog.setWindowTitle(QStringLiteral("OvrynDeckII"));

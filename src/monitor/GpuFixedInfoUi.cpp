@@ -114,6 +114,7 @@ QWidget *GpuFixedInfoUi::newValue(std::size_t entry)
     } else {
         auto *label = named(new QLabel(verticalLayoutWidget), name);
         label->setTextFormat(Qt::PlainText); // what the driver tells is no markup
+        label->setIndent(0); // in line with the text of a line edit, not by a share of the frame's font
         value = label;
     }
     value->setFixedHeight(kValueHeight);

@@ -28,7 +28,7 @@ protected:
 
 } // namespace
 
-Ovryn_ComboBox::Ovryn_ComboBox(QWidget *parent) : QComboBox(parent)
+Ovryn_ComboBox::Ovryn_ComboBox(QWidget *parent) : SettledComboBox(parent)
 {
     setView(new GlassListView(this));
     setItemDelegate(new NoFocusFrameDelegate(this));
@@ -50,7 +50,7 @@ void Ovryn_ComboBox::showPopup()
 
 void Ovryn_ComboBox::hidePopup()
 {
-    QComboBox::hidePopup();
+    SettledComboBox::hidePopup();
     popupOpen = false;
     repaint();
 }

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <QComboBox>
+#include "ui/SettledComboBox.h"
 
 /// The card selector of the main dialog: a clear box with a list of its own. One entry opens no list.
-class Ovryn_ComboBox : public QComboBox
+class Ovryn_ComboBox : public SettledComboBox
 {
     Q_OBJECT
 

@@ -27,6 +27,8 @@ Ovryn_UpdateLogWidget::Ovryn_UpdateLogWidget(int language, QWidget *parent) : QD
     setAttribute(Qt::WA_TranslucentBackground);
     build();
     resize(kDialogSize);
+    if (parent) // over its middle: left to itself, a dialog makes room for a frame that this one has not
+        move(parent->window()->geometry().center() - rect().center());
     pushButton->setText(language == kLanguageEnglish ? QStringLiteral("Close") : QStringLiteral("关闭"));
     loadText(language);
     connect(pushButton, SIGNAL(released()), this, SLOT(onBtnCloseClick()));

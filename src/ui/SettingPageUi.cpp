@@ -1,6 +1,7 @@
 #include "ui/SettingPageUi.h"
 
 #include "ui/NoFocusFrameDelegate.h"
+#include "ui/SettledComboBox.h"
 #include "ui/UiStyle.h"
 
 #include <QCheckBox>
@@ -11,6 +12,8 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QVBoxLayout>
+
+#include <initializer_list>
 
 namespace
 {
@@ -33,7 +36,7 @@ Control *named(Control *control, const char *name)
 
 QComboBox *makeCombo(QWidget *page, const char *name)
 {
-    auto *box = named(new QComboBox(page), name);
+    auto *box = named(static_cast<QComboBox *>(new SettledComboBox(page)), name);
     auto *list = new QListView(box);
     list->setStyleSheet(UiStyle::settingList());
     box->setView(list);
@@ -91,6 +94,11 @@ void SettingPageUi::makeControls(QWidget *page)
     btnUpdateLog = named(new QPushButton(page), "btnUpdateLog");
     btnDetectUpdate->setFixedHeight(kButtonHeight);
     btnUpdateLog->setFixedHeight(kButtonHeight);
+    // The look of the focus is for the keyboard: a click leaves none behind.
+    for (QAbstractButton *button : std::initializer_list<QAbstractButton *>{
+             ckb_StartOnBoot, ckb_MinimizeOnStart, ckb_ApplyLastSettingOnStart, rdb_AutomaticDownloadAndInstall,
+             rdb_TellMeButDoNotDownload, btnDetectUpdate, btnUpdateLog})
+        button->setFocusPolicy(Qt::TabFocus);
 }
 
 void SettingPageUi::layOut(QWidget *page)

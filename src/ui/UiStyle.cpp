@@ -1,7 +1,9 @@
 #include "ui/UiStyle.h"
 
 #include <QPainter>
+#include <QPalette>
 #include <QSize>
+#include <QToolTip>
 
 namespace
 {
@@ -10,6 +12,8 @@ constexpr double kGlassRadius = 10;
 constexpr double kGlassEdgeWidth = 2.5;
 const QColor kGlassColor(0, 0, 0, 220);
 const QColor kGlassEdgeColor(252, 10, 53, 255);
+const QColor kToolTipColor(26, 8, 12);
+const QColor kToolTipTextColor(230, 230, 230);
 
 /// White indicators of the message box folder, at their own 18 by 18 pixels.
 QString checkBoxIndicator()
@@ -27,6 +31,8 @@ QString settingButton()
 {
     return QStringLiteral("QPushButton{border:1px solid white; padding: 1px 2px 1px 2px; min-width: 9em;"
                           "background-color:white;color:black;}"
+                          "QPushButton{outline:none;}"
+                          "QPushButton:focus{border:1px solid rgb(252,10,53);}"
                           "QPushButton:hover{font-size:13px;}"
                           "QPushButton:pressed{font-size:11px;}");
 }
@@ -82,7 +88,8 @@ QString UiStyle::settingPage()
                           "QLabel#lbl_Boot,QLabel#lbl_Monitor,QLabel#lbl_UpdateInOnline{color:white;font-size:15px;"
                           "border:0px solid rgb(236,9,40);border-left-width:3px;padding-left:8px;}"
                           "QCheckBox:hover,QRadioButton:hover{color:white;}"
-                          "QCheckBox,QRadioButton{spacing:8px;}"
+                          "QCheckBox:focus,QRadioButton:focus{color:rgb(255,120,140);}"
+                          "QCheckBox,QRadioButton{spacing:8px;outline:none;}"
                           "QPushButton,QComboBox{font-size:12px;}"
                           "QComboBox{color:white;background-color:rgba(0,0,0,90);combobox-popup:0;}"
                           "QComboBox:hover,QComboBox:on{background-color:rgba(252,10,53,70);}") +
@@ -189,4 +196,14 @@ void UiStyle::paintDialogGlass(QPainter &painter, QSize size)
     painter.setPen(QPen(kGlassEdgeColor, kGlassEdgeWidth));
     painter.drawRoundedRect(QRect(QPoint(0, 0), size), kGlassRadius, kGlassRadius);
     painter.restore();
+}
+
+void UiStyle::colorToolTips()
+{
+    QPalette palette = QToolTip::palette();
+    for (const QPalette::ColorRole role : {QPalette::Window, QPalette::ToolTipBase})
+        palette.setColor(role, kToolTipColor);
+    for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::ToolTipText})
+        palette.setColor(role, kToolTipTextColor);
+    QToolTip::setPalette(palette);
 }

@@ -23,4 +23,7 @@ QString actionButton();     ///< Apply, Cancel and Default of the side pages
 /// The glass of the message boxes and of the update log dialog: dark, round corners, red edge.
 void paintDialogGlass(QPainter &painter, QSize size);
 
+/// Gives the tool tips of the whole program its colours. After the application object is made.
+void colorToolTips();
+
 } // namespace UiStyle

@@ -1,6 +1,7 @@
 #include "app/MainDialogTest.h"
 #include "board/Ovryn_BoardInfoWidget.h"
 #include "monitor/Ovryn_BaseInfoRow.h"
+#include "overclock/Ovryn_OverClockingWidget.h"
 #include "support/ModalAnswer.h"
 
 #include <QAction>
@@ -9,6 +10,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QRegularExpression>
+#include <QSpinBox>
 
 /// The main dialog's tray, settings, language and end.
 class TestMainDialogShell : public MainDialogTest
@@ -20,6 +22,8 @@ private slots:
     void trayIconBringsTheWindowBack_data();
     void trayIconBringsTheWindowBack();
     void minimizeHidesTheWindow();
+    void fieldOutOfSightMarksNoOther_data();
+    void fieldOutOfSightMarksNoOther();
     void bringingBackAsksWhatTheStartDidNot();
     void bringingBackAppliesNothing_data();
     void bringingBackAppliesNothing();
@@ -86,6 +90,40 @@ void TestMainDialogShell::minimizeHidesTheWindow()
     QVERIFY(!dialog.isVisible());
     QVERIFY(!dialog.isMinimized());                                 // it is in the tray, not in the task bar
     QVERIFY(savedText().contains(QLatin1String("<GpuSettings/>"))); // hiding is no close: nothing was gathered
+}
+
+void TestMainDialogShell::fieldOutOfSightMarksNoOther_data()
+{
+    QTest::addColumn<QString>("next");
+    QTest::newRow("another page") << "btnMonitor";
+    QTest::newRow("the card information") << "btnGpuFixedInfo";
+    QTest::newRow("home") << "btnAdjust";
+    QTest::newRow("the settings") << "btnSetting";
+}
+
+void TestMainDialogShell::fieldOutOfSightMarksNoOther()
+{
+    QFETCH(QString, next);
+    OvrynDeck2 dialog(nullptr, kQuickPages);
+    dialog.show();
+    {
+        const ModalAnswer yes({QStringLiteral("msgBoxYesBtn")}); // the warning, once a run
+        button(dialog, "btnAdjust")->click();
+    }
+    finishSlide(dialog);
+    auto *page = dialog.findChild<Ovryn_OverClockingWidget *>();
+    auto *field = page->findChild<QSpinBox *>();
+    QTRY_COMPARE(page->x(), 0); // the page has rolled in
+    QApplication::setActiveWindow(&dialog);
+    field->setFocus();
+    QVERIFY(field->hasFocus());
+
+    button(dialog, qPrintable(next))->click();
+    if (next != QLatin1String("btnSetting")) {
+        finishSlide(dialog);
+        QTRY_VERIFY(!page->isVisible());
+    }
+    QCOMPARE(dialog.focusWidget(), &dialog);
 }
 
 void TestMainDialogShell::bringingBackAsksWhatTheStartDidNot()

@@ -36,6 +36,7 @@ private slots:
     void unreadFieldsAreUnknown_data();
     void unreadFieldsAreUnknown();
     void driverTextIsNoMarkup();
+    void labelsAndLinesBeginInOneColumn();
     void languageLeavesTheValues();
     void markedTextStaysMarked();
     void longTextShowsItsBeginning();
@@ -238,6 +239,29 @@ void TestGpuFixedInfo::unreadFieldsAreUnknown()
     page.widget.recvGpuFixedInfo(info);
     for (const char *name : {"let_MemType", "let_MemSize", "let_MemBitWidth", "lbl_BiosVersionValue"}) // any language
         QCOMPARE(page.value(name) == QLatin1String("Unknown"), field == QLatin1String(name));
+}
+
+void TestGpuFixedInfo::labelsAndLinesBeginInOneColumn()
+{
+    NvInfo info;
+    info.memType = "8";
+    info.biosVersion = "8";
+    Page page;
+    page.widget.recvGpuFixedInfo(info);
+    const auto firstLitColumn = [&page](const char *name) {
+        const QImage picture = page.widget.findChild<QWidget *>(QLatin1String(name))->grab().toImage();
+        for (int x = 1; x < picture.width() - 1; ++x) { // within the frame
+            for (int y = 1; y < picture.height() - 1; ++y) {
+                if (picture.pixelColor(x, y).lightness() > 150)
+                    return x;
+            }
+        }
+        return -1;
+    };
+    const int line = firstLitColumn("let_MemType");
+    QVERIFY(line > 0);
+    // the label's font is two pixels larger, so its figure begins up to one later
+    QVERIFY2(qAbs(firstLitColumn("lbl_BiosVersionValue") - line) <= 1, "the label is set in");
 }
 
 void TestGpuFixedInfo::driverTextIsNoMarkup()

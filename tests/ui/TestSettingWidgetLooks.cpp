@@ -6,7 +6,9 @@
 
 #include <QAbstractButton>
 #include <QAbstractItemView>
+#include <QApplication>
 #include <QComboBox>
+#include <QCursor>
 #include <QImage>
 #include <QLabel>
 #include <QLayout>
@@ -52,6 +54,10 @@ private slots:
     void nothingIsClipped_data();
     void nothingIsClipped();
     void picture();
+    void clickLeavesNoFocus_data();
+    void clickLeavesNoFocus();
+    void closedListLeavesTheBoxAsTheMouseIs_data();
+    void closedListLeavesTheBoxAsTheMouseIs();
     void logOpensInTheLanguage_data();
     void logOpensInTheLanguage();
     void shortListsKeepTheirTexts();
@@ -250,6 +256,52 @@ void TestSettingWidgetLooks::picture()
     const QImage expected = background.convertToFormat(QImage::Format_ARGB32_Premultiplied);
     for (const QPoint point : {QPoint(0, 0), QPoint(2, 200), QPoint(300, 10), QPoint(469, 439)})
         QCOMPARE(image.pixel(point), expected.pixel(point));
+}
+
+void TestSettingWidgetLooks::clickLeavesNoFocus_data()
+{
+    QTest::addColumn<int>("index");
+    const QStringList names = {"ckb_StartOnBoot",
+                               "ckb_MinimizeOnStart",
+                               "ckb_ApplyLastSettingOnStart",
+                               "rdb_AutomaticDownloadAndInstall",
+                               "rdb_TellMeButDoNotDownload",
+                               "btnDetectUpdate"};
+    for (int index = 0; index < names.size(); ++index)
+        QTest::newRow(qPrintable(names.at(index))) << index;
+}
+
+void TestSettingWidgetLooks::clickLeavesNoFocus()
+{
+    Ovryn_SettingWidget page;
+    page.show();
+    QApplication::setActiveWindow(&page);
+    auto *button = page.findChild<QAbstractButton *>(QString::fromLatin1(QTest::currentDataTag()));
+    page.setFocus();
+    QTest::mouseClick(button, Qt::LeftButton, Qt::NoModifier, QPoint(8, button->height() / 2));
+    QVERIFY(!button->hasFocus());
+    QVERIFY(button->focusPolicy() & Qt::TabFocus); // the keyboard still gets there
+}
+
+void TestSettingWidgetLooks::closedListLeavesTheBoxAsTheMouseIs_data()
+{
+    QTest::addColumn<bool>("over");
+    QTest::newRow("the mouse chose in the list: not lit") << false;
+    QTest::newRow("the mouse is over the box: lit") << true;
+}
+
+void TestSettingWidgetLooks::closedListLeavesTheBoxAsTheMouseIs()
+{
+    QFETCH(bool, over);
+    Ovryn_SettingWidget page;
+    page.show();
+    QComboBox *box = combo(page, "cmb_PageEffect");
+    box->setAttribute(Qt::WA_UnderMouse); // as the click left it that opened the list
+    box->showPopup();
+    const QPoint middle = box->rect().center();
+    QCursor::setPos(box->mapToGlobal(over ? middle : middle + QPoint(0, 2 * box->height())));
+    box->hidePopup();
+    QCOMPARE(box->underMouse(), over);
 }
 
 void TestSettingWidgetLooks::logOpensInTheLanguage_data()

@@ -2,6 +2,7 @@
 #include "ui/NoFocusFrameDelegate.h"
 #include "ui/Ovryn_ComboBox.h"
 #include "ui/ReadonlyLineEdit.h"
+#include "ui/UiStyle.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
@@ -12,6 +13,7 @@
 #include <QProxyStyle>
 #include <QStandardItemModel>
 #include <QTest>
+#include <QToolTip>
 
 namespace
 {
@@ -53,6 +55,7 @@ private slots:
     void comboStyle();
     void popupListIsDarkGlass();
     void chosenByMouse();
+    void toolTipsAreLightOnDark();
     void lineTakesNoText();
     void lineHasNoContextMenu();
     void draggingSelectsNothing();
@@ -192,6 +195,18 @@ void TestSmallWidgets::chosenByMouse()
     };
     QTRY_VERIFY(clickUntilClosed());
     QCOMPARE(box.currentIndex(), 1);
+}
+
+void TestSmallWidgets::toolTipsAreLightOnDark()
+{
+    const QPalette before = QToolTip::palette();
+    UiStyle::colorToolTips();
+    const QPalette palette = QToolTip::palette();
+    QToolTip::setPalette(before);
+    QVERIFY(palette.color(QPalette::ToolTipBase).lightness() < 40);
+    QVERIFY(palette.color(QPalette::ToolTipText).lightness() > 200);
+    QVERIFY(palette.color(QPalette::Window).lightness() < 40); // what some styles paint with
+    QVERIFY(palette.color(QPalette::WindowText).lightness() > 200);
 }
 
 void TestSmallWidgets::lineTakesNoText()

@@ -30,6 +30,7 @@ private slots:
     void missingFileLeavesTheBoxEmpty_data();
     void missingFileLeavesTheBoxEmpty();
     void controls();
+    void standsOverTheMiddleOfItsWindow();
     void buttonCloses();
     void drag_data();
     void drag();
@@ -149,6 +150,18 @@ void TestUpdateLogWidget::controls()
     dialog.resize(600, 500);
     QCOMPARE(container->geometry().center(), dialog.rect().center());
     QVERIFY(dialog.rect().contains(container->geometry()));
+}
+
+void TestUpdateLogWidget::standsOverTheMiddleOfItsWindow()
+{
+    QWidget window;
+    window.setGeometry(40, 30, 700, 520);
+    auto *page = new QWidget(&window);
+    page->setGeometry(400, 100, 200, 200); // not of the page that opens it
+    window.show();
+    Ovryn_UpdateLogWidget dialog(1, page);
+    dialog.show();
+    QCOMPARE(dialog.geometry().center(), window.geometry().center());
 }
 
 void TestUpdateLogWidget::buttonCloses()
