@@ -3,7 +3,7 @@
 #include "device/NvGpuControl.h"
 
 #include <QElapsedTimer>
-#include <QMutex>
+#include <QSemaphore>
 #include <QtTest>
 
 #include <atomic>
@@ -41,8 +41,17 @@ private:
     static constexpr unsigned int kPauseMs = 1;
     static constexpr unsigned int kLongPauseMs = 400; // long enough to be met while it lasts
 
-    void setTemperature(int degrees) { driver->card().thermal.sensor[0].currentTemp = degrees; }
-    void loseController() { driver->card().i2cListeners.remove(0xA0); }
+    // while a worker may ask
+    void setTemperature(int degrees)
+    {
+        const auto held = driver->hold();
+        driver->card().thermal.sensor[0].currentTemp = degrees;
+    }
+    void loseController()
+    {
+        const auto held = driver->hold();
+        driver->card().i2cListeners.remove(0xA0);
+    }
     [[nodiscard]] QStringList frames() const { return ledFrames(*driver); }
     [[nodiscard]] int passes() const { return driver->calls("NvAPI_GPU_GetThermalSettings").size(); }
 
@@ -259,13 +268,11 @@ void TestSendColorToLed::withoutACard()
 
 void TestSendColorToLed::stopWaitsForARunningPassOnly()
 {
-    QMutex gate;
-    gate.lock();
+    QSemaphore gate;
     std::atomic<bool> inPass{false};
     driver->onCall("NvAPI_GPU_GetThermalSettings", [&] {
         inPass = true;
-        gate.lock();
-        gate.unlock();
+        gate.acquire();
     });
     Ovryn_SendColorToLed worker(control.get(), nullptr, 1500);
     worker.startStateDisplay();
@@ -278,7 +285,7 @@ void TestSendColorToLed::stopWaitsForARunningPassOnly()
     caller->start();
     QVERIFY(!caller->wait(50)); // the pass holds the mutex
     QVERIFY(!stopped);
-    gate.unlock();
+    gate.release(10); // also for the pass behind that sleep
     QVERIFY(caller->wait(5000));
     QCOMPARE(passes(), 1); // it came into the sleep behind that pass
 }

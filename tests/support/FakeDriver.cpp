@@ -173,6 +173,7 @@ void FakeDriver::knows(const char *operation, const std::vector<quint32> &versio
 
 void FakeDriver::fails(const char *operation, NvAPI_Status status, int fromCall, int count)
 {
+    const std::lock_guard<std::mutex> guard(mutex);
     behaviour(operation).failures.push_back({status, fromCall - 1, count});
 }
 
@@ -438,6 +439,7 @@ NvAPI_Status FakeDriver::transferI2c(Call call, NV_I2C_INFO *record, const quint
     call.arguments = text;
 
     if (const FakeCard *card = cardOf(call.gpu)) {
+        const auto held = hold();
         const bool present = reading ? card->i2cReplies.contains(record->i2cDevAddress)
                                      : card->i2cListeners.contains(record->i2cDevAddress);
         call.ownStatus = present ? NVAPI_OK : NVAPI_ERROR;

@@ -46,13 +46,15 @@ public:
     NvApiChipsetInfo chipset{};
 
     FakeCard &card(std::size_t index = 0) { return cards.at(index); }
+    /// No call is answered while the result lives: for a change of a card that other threads ask.
+    [[nodiscard]] std::unique_lock<std::mutex> hold() { return std::unique_lock<std::mutex>(mutex); }
     [[nodiscard]] NvPhysicalGpuHandle handle(std::size_t cardIndex) const;
 
     // ---- what goes wrong ----
     bool libraryExists = true;
     /// The operation answers at these record versions only; any other version gets -9.
     void knows(const char *operation, const std::vector<quint32> &versions);
-    /// From the `fromCall`-th call from now on (1 is the next), `count` calls give `status`.
+    /// From the `fromCall`-th call from now on (1 is the next), `count` calls give `status`. Any thread.
     void fails(const char *operation, NvAPI_Status status, int fromCall = 1, int count = kForever);
     /// The next calls give these statuses, one each; a 0 in the list is answered as usual.
     void answersInTurn(const char *operation, const std::vector<NvAPI_Status> &statuses);
