@@ -55,6 +55,8 @@ public:
     [[nodiscard]] const QList<GpuCardInfo> &cards() const { return cardInfos; }
     [[nodiscard]] int shownCard() const { return currentCard; } ///< index into cards()
     [[nodiscard]] int shownPage() const { return currentPage; } ///< a value of Page
+    /// True once `closed` was told. The constructor shows the update log, and the tray can close the program then.
+    [[nodiscard]] bool wasClosed() const { return closedOnce; }
 
     /// To be run after the window came up: the one-time prompt of the high-performance mode.
     void afterShow();
@@ -144,6 +146,7 @@ private:
     int currentCard = 0;
     int currentPage = HomePage;
     bool pagePanelShown = false; ///< a page slides over the gauge
+    bool closedOnce = false;
 
     Ovryn_DownloadUpdateFileInfo *updateDownloader; ///< only its connection to this dialog changes
     Ovryn_ConfigFile configFile;

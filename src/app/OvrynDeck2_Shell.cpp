@@ -111,6 +111,7 @@ void OvrynDeck2::closeEvent(QCloseEvent *event)
     configFile.setLastCloseDate(QDate::currentDate());
     configFile.save(); // a failed write goes unnoticed by design
     QDialog::closeEvent(event);
+    closedOnce = true;
     emit closed();
 }
 

@@ -104,6 +104,7 @@ void OvrynDeck2::returnFromUpdater()
     Ovryn_UpdateLogWidget updateLog(languageTable.language(), this);
     // In the middle of the screen: this dialog is not shown yet and has no place that the log could stand over.
     updateLog.move(QGuiApplication::primaryScreen()->availableGeometry().center() - updateLog.rect().center());
+    connect(this, SIGNAL(closed()), &updateLog, SLOT(reject())); // from the tray
     updateLog.exec();
 }
 

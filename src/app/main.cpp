@@ -101,6 +101,10 @@ int run(int argc, char **argv)
     // toolkit, and boxes would then stand beside the window instead of over it.
     dialog.move(QGuiApplication::primaryScreen()->availableGeometry().center() - dialog.rect().center());
 
+    if (dialog.wasClosed()) {
+        limitShutdown(0, dialog.cardCount());
+        return 0;
+    }
     if (dialog.cardCount() <= 0) {
         Ovryn_MessageBox box(0, QString(), languageTable.noCard, languageTable.language(), nullptr,
                              Qt::WindowFlags(Ovryn_MessageBox::usualWindowFlags));

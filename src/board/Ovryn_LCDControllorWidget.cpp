@@ -20,9 +20,7 @@
 namespace
 {
 
-constexpr int kShortestSwitchTime = 1; // seconds
-constexpr int kLongestSwitchTime = 30; // seconds
-constexpr int kFieldPixels = 13;       // font of the fields
+constexpr int kFieldPixels = 13; // font of the fields
 constexpr int kCaptionWeight = 50;
 
 } // namespace
@@ -68,7 +66,8 @@ void Ovryn_LCDControllorWidget::build()
     hotKeyModifier = named(new Ovryn_HotKeyEdit(true, this), "hotKeyModifier", LcdPageStyle::keyField());
     hotKeyNormal = named(new Ovryn_HotKeyEdit(false, this), "hotKeyNormal", LcdPageStyle::keyField());
     spinSwitchTime = named(new ModifySpinBox(this), "spinSwitchTime", LcdPageStyle::switchTime());
-    spinSwitchTime->setRange(kShortestSwitchTime, kLongestSwitchTime);
+    spinSwitchTime->setRange(int(Ovryn_SendNvInfoToLCDThread::kShortestSwitchTime),
+                             int(Ovryn_SendNvInfoToLCDThread::kLongestSwitchTime));
     cbLcd = named(new QCheckBox(this), "CbLCD", LcdPageStyle::lcdSwitch());
     btnConfirm = named(new QPushButton(this), "btnConfirm", UiStyle::actionButton());
     btnCancel = named(new QPushButton(this), "btnCancel", UiStyle::actionButton());

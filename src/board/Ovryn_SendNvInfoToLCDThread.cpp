@@ -11,7 +11,6 @@ namespace
 {
 
 constexpr quint32 kMillisecondsPerSecond = 1000;
-constexpr quint32 kShortestSwitchTime = 1; // seconds
 
 constexpr LCDDisplayMode kRotation[] = {
     LcdDisplayOther,

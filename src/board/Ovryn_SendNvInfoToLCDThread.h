@@ -19,6 +19,7 @@ class Ovryn_SendNvInfoToLCDThread : public WorkerThread
 public:
     static constexpr quint32 kSleepMs = 1000;         ///< a frame costs ten or so queries: not to be shortened
     static constexpr int kDefaultSwitchSeconds = 10;  ///< time per page
+    static constexpr quint32 kShortestSwitchTime = 1; ///< seconds
     static constexpr quint32 kLongestSwitchTime = 30; ///< seconds
 
     /// Does not start the thread. Automatic, 10 seconds a page, LCD on, clock page. `card` is borrowed; without one

@@ -4,7 +4,7 @@
 #include <QString>
 
 /// \file
-/// Text of a desktop entry, as sessions that follow freedesktop.org read it.
+/// Text of a desktop entry, as sessions that follow freedesktop.org read it. Pure functions; any thread.
 
 /// A command line of one argument, the program itself: quoted, with every sign of it taken literally.
 [[nodiscard]] QString desktopExecOf(const QString &programPath);

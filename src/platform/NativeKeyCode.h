@@ -5,7 +5,7 @@
 class QKeyEvent;
 
 /// \file
-/// Virtual-key codes, one numbering of the keys on all systems: the Windows desktop's.
+/// Virtual-key codes, one numbering of the keys on all systems: the Windows desktop's. Pure functions; any thread.
 
 /// The virtual-key code of the key that was pressed; 0 for a key that has none.
 [[nodiscard]] quint32 virtualKeyOf(const QKeyEvent &event);

@@ -1,8 +1,10 @@
 #include "update/UpdateDecision.h"
 
+#include "ui/ProgramVersion.h"
+
 QString ownVersion()
 {
-    return QStringLiteral(OVRYN_VERSION);
+    return QString::fromLatin1(kProgramVersion);
 }
 
 bool isNewerVersion(const QString &version, const QString &own)

@@ -23,8 +23,8 @@ bool isInside(const QString &canonicalPath, const QString &canonicalFolder)
     return canonicalPath.startsWith(isRoot ? canonicalFolder : canonicalFolder + QLatin1Char('/'));
 }
 
-/// True where the file of this clean absolute path, existing or not, lies in the folder once all links among its
-/// parents are resolved.
+/// True where the file of this clean absolute path below the folder, existing or not, still lies in it once all links
+/// among its parents are resolved.
 bool wouldLieInside(const QString &path, const QString &canonicalFolder)
 {
     // The parents that are missing will be made as plain folders; a link into nothing is no missing one.
@@ -81,7 +81,10 @@ void takeOutUpdater(const QList<UpdateFileInfo> &fileInfos)
         QFileInfo(QString::fromLatin1(kUpdateFolder) + QLatin1Char('/') + entry->fileVersion + QStringLiteral(".zip"))
             .canonicalFilePath(); // empty where there is none
     const QString target = QDir::cleanPath(folder.absoluteFilePath(entry->fileDir + entry->fileName));
-    if (zipPath.isEmpty() || !isInside(zipPath, temp) || !wouldLieInside(target, installation))
+    // By its text first: looking for the parents of a path elsewhere can ask a stranger's computer for them, or, on a
+    // drive that is not there, have no end.
+    if (zipPath.isEmpty() || !isInside(zipPath, temp) || !isInside(target, installation) ||
+        !wouldLieInside(target, installation))
         return;
 
     QFile::remove(target);

@@ -34,6 +34,6 @@ void clearFolder(const QString &path);
 ///
 /// `fileInfos` come from the network. Inside the installation they are followed to the letter, but nothing outside is
 /// ever read, removed or written by them: an entry whose archive is not in temp, or whose target is not in the
-/// installation folder, is passed over, with links resolved first. Of the archive only the entry of exactly the
-/// updater's name is taken out, to the target and nowhere else.
+/// installation folder, is passed over, both as the path reads and with links resolved. Of the archive only the entry
+/// of exactly the updater's name is taken out, to the target and nowhere else.
 void takeOutUpdater(const QList<UpdateFileInfo> &fileInfos);

@@ -9,6 +9,7 @@
 #include <QApplication>
 #include <QDate>
 #include <QDomDocument>
+#include <QElapsedTimer>
 #include <QTimer>
 
 /// The main dialog's part of the update, with a web server on the loopback address and a stand-in for the updater.
@@ -39,6 +40,7 @@ private slots:
     void looksOfABox();
     void returnFromTheUpdater_data();
     void returnFromTheUpdater();
+    void closedWhileTheLogStands();
     void connectionsStand();
 };
 
@@ -540,6 +542,32 @@ void TestMainDialogUpdate::returnFromTheUpdater()
     QVERIFY(QDir(QStringLiteral("temp")).isEmpty());
     QCOMPARE(downloadState(dialog), 0); // no check on such a start
     QVERIFY(savedDate("LastCheckDate") != today());
+}
+
+void TestMainDialogUpdate::closedWhileTheLogStands()
+{
+    withoutCards();
+    writeConfig(config(0, 7));
+    const Started started("_OvrynUpdate");
+    bool told = false;
+    QElapsedTimer patience;
+    patience.start();
+    QTimer trayMenu;
+    connect(&trayMenu, &QTimer::timeout, [&] {
+        QWidget *log = QApplication::activeModalWidget();
+        if (!log)
+            return;
+        if (!told)
+            told = QMetaObject::invokeMethod(log->parentWidget(), "onExitAppAction");
+        else if (patience.hasExpired(kPatienceMs))
+            log->close();
+    });
+    trayMenu.start(5);
+    const OvrynDeck2 dialog;
+    QVERIFY(told);
+    QVERIFY(!patience.hasExpired(kPatienceMs));
+    QVERIFY(dialog.wasClosed());
+    QCOMPARE(savedDate("LastCloseDate"), today());
 }
 
 void TestMainDialogUpdate::connectionsStand()

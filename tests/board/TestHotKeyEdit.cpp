@@ -93,6 +93,7 @@ void TestHotKeyEdit::takesNoTextInput()
     const Ovryn_HotKeyEdit edit(false);
     QVERIFY(!edit.testAttribute(Qt::WA_InputMethodEnabled));
     QCOMPARE(edit.contextMenuPolicy(), Qt::NoContextMenu);
+    QVERIFY(!edit.acceptDrops());
 }
 
 void TestHotKeyEdit::shows_data()

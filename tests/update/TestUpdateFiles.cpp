@@ -392,6 +392,8 @@ void TestUpdateFiles::hostileEntries_data()
                                   << "2";
     QTest::newRow("absolute dir that is not there") << "%1/other/new/"
                                                     << "2";
+    QTest::newRow("absolute dir, back in through a link") << "%1/back/"
+                                                          << "2";
     QTest::newRow("root") << "/"
                           << "2";
     QTest::newRow("in and out again") << "sub/../../other/"
@@ -428,6 +430,7 @@ void TestUpdateFiles::hostileEntries()
     QVERIFY(QFile::link(other, QStringLiteral("temp/out")));
     QVERIFY(QFile::link(world->filePath(QStringLiteral("nothing")), QStringLiteral("nowhere")));
     QVERIFY(QFile::link(other + QStringLiteral("/1.zip"), QStringLiteral("temp/linked.zip")));
+    QVERIFY(QFile::link(QDir::currentPath(), world->filePath(QStringLiteral("back"))));
     const QStringList before = outside();
     takeOutUpdater({updaterEntry(dir.contains(QLatin1Char('%')) ? dir.arg(world->path()) : dir, version)});
     QCOMPARE(outside(), before);

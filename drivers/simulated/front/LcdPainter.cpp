@@ -16,7 +16,7 @@ constexpr QColor kDigits(0xF2, 0xFB, 0xFF);
 constexpr QColor kWords(0x9F, 0xB3, 0xC8);
 constexpr QColor kAccent(252, 10, 53);
 constexpr int kFewestDigits = 4; // of which the unlit segments show
-constexpr int kPagesInOrder[] = {0x80, 0x40, 0x20, 0x10};
+constexpr int kPagesInOrder[] = {kLcdClock, kLcdTemperature, kLcdMemory, kLcdOther};
 
 QFont fontOf(const char *family, int pixels)
 {
