@@ -13,15 +13,15 @@ esac
 
 ensure_packages "${build_packages[@]}" "${screen_packages[@]}"
 
-run_tests() { ctest --test-dir "build/$1" --output-on-failure --no-tests=error "${@:2}"; }
-screens=4 # tests that use a screen wait for it most of their time
+jobs=$(($(nproc) * 2)) # most of their time the tests wait
+run_tests() { ctest --test-dir "build/$1" --output-on-failure --no-tests=error -j"$jobs" "${@:2}"; }
 
 build_preset asan
-run_tests asan -j2
+run_tests asan
 if [ "${1:-}" = --release ]; then
     build_preset release
-    run_tests release -LE e2e -j2
+    run_tests release -LE e2e
 else
     build_preset release OvrynDeck2 ovryn_simulated_driver e2e_tests benchmarks
 fi
-run_tests release -L e2e -j$screens
+run_tests release -L e2e

@@ -52,8 +52,8 @@ GeneralSettingInfo stampStart(Ovryn_ConfigFile &configFile)
 /// would keep a process that nobody sees and that turns every further start away. Everything kept is on the disk.
 void limitShutdown(int exitCode, int cards)
 {
-    constexpr int kBaseSeconds = 30;
-    constexpr int kSecondsPerCard = 25; // for a thread that doesn't end, see WorkerThread::endAndDelete
+    constexpr int kBaseSeconds = 40;
+    constexpr int kSecondsPerCard = 20; // for its threads that don't end, see WorkerThread::endAndDelete
     const std::chrono::seconds limit(kBaseSeconds + kSecondsPerCard * cards);
     std::thread([exitCode, limit] {
         std::this_thread::sleep_for(limit);

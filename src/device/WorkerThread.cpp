@@ -1,11 +1,15 @@
 #include "device/WorkerThread.h"
 
+#include <algorithm>
 #include <atomic>
 
 namespace
 {
 
 std::atomic<int> leftBehindCount{0};
+
+/// How long a cycle under way is waited for at most: a driver that hangs in one call hangs in the others, too.
+std::atomic<unsigned long> patienceMs{WorkerThread::kCycleWaitMs};
 
 } // namespace
 
@@ -71,10 +75,12 @@ void WorkerThread::giveUpLoop()
 bool WorkerThread::tryToEnd(unsigned long cycleWaitMs, unsigned long waitMs)
 {
     // A cycle holds the mutex, and a driver that hangs never ends it.
-    if (mutex.tryLock(int(cycleWaitMs))) {
+    if (mutex.tryLock(int(std::min(cycleWaitMs, patienceMs.load())))) {
         stopped = true;
         mutex.unlock();
         wait(waitMs);
+    } else {
+        patienceMs = kEndWaitMs;
     }
     terminate();                     // does nothing to a thread that has returned
     return wait(kTerminationWaitMs); // terminate() only asks: a thread inside a system call may never hear it

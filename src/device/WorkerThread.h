@@ -31,7 +31,8 @@ public:
     /// the process must end without destroying its static objects.
     [[nodiscard]] static int leftBehind();
 
-    /// For a cycle under way: a slow driver is waited for, since ending a thread inside it is the last resort.
+    /// For a cycle under way: a slow driver is waited for, since ending a thread inside it is the last resort. Once
+    /// the wait was in vain, the process's other workers are given kEndWaitMs.
     static constexpr unsigned long kCycleWaitMs = 20000;
     static constexpr unsigned long kEndWaitMs = 2000;         ///< for a loop that was told to end
     static constexpr unsigned long kTerminationWaitMs = 1000; ///< for a thread that was terminated

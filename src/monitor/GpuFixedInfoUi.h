@@ -10,7 +10,6 @@
 #include <cstddef>
 #include <string>
 
-class QHBoxLayout;
 class QLabel;
 class QWidget;
 

@@ -33,8 +33,15 @@ LCDDisplayMode lcdModeFor(GaugeDisplayMode mode)
     return LcdDisplayClock;
 }
 
+bool hasWholePixels(const QImage &picture)
+{
+    return picture.depth() == 32; // a screen of fewer colours makes others of what it is given
+}
+
 bool samePart(const QImage &left, const QImage &right, const QRect &part)
 {
+    if (left.format() != right.format() || !hasWholePixels(left))
+        return false;
     const QRect inside = part & left.rect() & right.rect();
     for (int y = inside.top(); y <= inside.bottom(); ++y) {
         const auto *leftRow = reinterpret_cast<const QRgb *>(left.constScanLine(y));
@@ -42,15 +49,15 @@ bool samePart(const QImage &left, const QImage &right, const QRect &part)
         if (!std::equal(leftRow + inside.left(), leftRow + inside.right() + 1, rightRow + inside.left()))
             return false;
     }
-    return left.format() == right.format();
+    return true;
 }
 
 /// How far from its middle the picture is painted: the reach of the glow, or of the disc where nothing glows.
 int paintedReach(const QImage &picture)
 {
     const int middle = picture.width() / 2;
-    if (middle == 0)
-        return 0;
+    if (!hasWholePixels(picture))
+        return middle;
     const auto *row = reinterpret_cast<const QRgb *>(picture.constScanLine(picture.height() / 2));
     return middle - static_cast<int>(std::find_if(row, row + middle, [](QRgb pixel) { return pixel != 0; }) - row);
 }

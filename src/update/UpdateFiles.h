@@ -24,8 +24,8 @@ constexpr const char *kCalledByUpdater = "_OvrynUpdate";
 /// the system looks up in its own way. (On Windows that search begins beside the program, elsewhere it never does.)
 [[nodiscard]] QString updaterProgram(const QString &programFolder);
 
-/// Removes everything in the folder, hidden files too, and leaves the folder itself. A link is a file here: it is
-/// removed and never gone into. What can't be removed is skipped.
+/// Removes everything in the folder, hidden files too, and leaves the folder itself. A link in it is a file: it
+/// is removed and never gone into. What can't be removed is skipped.
 void clearFolder(const QString &path);
 
 /// Puts a new updater in place: a program can't replace its own running file, so the updater leaves its successor as
