@@ -7,6 +7,7 @@
 #include "platform/NativeKeyCode.h"
 #include "support/FakeHotKey.h"
 #include "support/ModalAnswer.h"
+#include "support/NamedChild.h"
 #include "ui/ModifySpinBox.h"
 
 #include <QCheckBox>
@@ -163,10 +164,7 @@ private:
     template <typename Widget>
     [[nodiscard]] Widget *find(const char *name) const
     {
-        auto *widget = page->findChild<Widget *>(QLatin1String(name));
-        if (!widget)
-            qFatal("the page has no %s", name);
-        return widget;
+        return namedChild<Widget>(*page, name);
     }
     void connectCard()
     {

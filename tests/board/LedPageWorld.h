@@ -4,6 +4,7 @@
 #include "board/Ovryn_ColorButton.h"
 #include "board/Ovryn_LEDControlWidget.h"
 #include "device/NvGpuControl.h"
+#include "support/NamedChild.h"
 #include "ui/ModifySpinBox.h"
 
 #include <QPushButton>
@@ -120,10 +121,7 @@ private:
     template <typename Widget>
     [[nodiscard]] Widget *find(const char *name) const
     {
-        auto *widget = page->findChild<Widget *>(QLatin1String(name));
-        if (!widget)
-            qFatal("the page has no %s", name);
-        return widget;
+        return namedChild<Widget>(*page, name);
     }
     void connectCard()
     {

@@ -4,6 +4,7 @@
 #include "overclock/Ovryn_OverClockingWidget.h"
 #include "overclock/Ovryn_SliderWidget.h"
 #include "support/FakeDriver.h"
+#include "support/NamedChild.h"
 #include "ui/ModifySpinBox.h"
 
 #include <QCheckBox>
@@ -46,10 +47,7 @@ public:
     template <typename Widget>
     [[nodiscard]] Widget *find(const char *name) const
     {
-        auto *widget = page->findChild<Widget *>(QLatin1String(name));
-        if (!widget)
-            qFatal("the page has no %s", name);
-        return widget;
+        return namedChild<Widget>(*page, name);
     }
     [[nodiscard]] QPushButton *button(const char *name) const { return find<QPushButton>(name); }
     [[nodiscard]] QCheckBox *linkBox() const { return find<QCheckBox>("LinkCheckBox"); }
