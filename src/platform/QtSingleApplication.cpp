@@ -28,10 +28,14 @@ void QtSingleApplication::setActivationWindow(QWidget *window, bool activateOnMe
 
 void QtSingleApplication::activateWindow()
 {
-    if (!activationWindow)
-        return;
-    activationWindow->setWindowState(activationWindow->windowState() & ~Qt::WindowMinimized);
-    activationWindow->show(); // it may be in the tray
-    activationWindow->raise();
-    activationWindow->activateWindow();
+    if (activationWindow)
+        bringToFront(activationWindow);
+}
+
+void QtSingleApplication::bringToFront(QWidget *window)
+{
+    window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
+    window->show();
+    window->raise();
+    window->activateWindow();
 }

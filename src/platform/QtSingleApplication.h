@@ -23,13 +23,21 @@ public:
     /// Hands the message to the running instance. False when that has not taken it within the time.
     bool sendMessage(const QString &message, int timeoutMs = 5000);
 
+    /// Says to further starts that this instance takes no message any more and ends soon.
+    void announceEnd() { channel.announceEnd(); }
+
+    /// Waits until an instance that has announced its end is gone. True when this start has taken its place.
+    bool waitForEndOfFirst(int timeoutMs) { return channel.waitForEndOfFirst(timeoutMs); }
+
+    /// Shows a window that is hidden or minimised, and brings it to the front.
+    static void bringToFront(QWidget *window);
+
     /// The window that `activateWindow` brings up; borrowed. With `activateOnMessage` every message does so, whatever
     /// its text.
     void setActivationWindow(QWidget *window, bool activateOnMessage = true);
 
 public slots:
-    /// Shows the window if it is hidden or minimised, and brings it to the front.
-    void activateWindow();
+    void activateWindow(); ///< brings the activation window to the front
 
 signals:
     void messageReceived(const QString &message); ///< from a further start

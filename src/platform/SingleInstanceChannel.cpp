@@ -3,6 +3,7 @@
 #include "platform/UserScope.h"
 
 #include <QDeadlineTimer>
+#include <QFile>
 #include <QLocalSocket>
 #include <QThread>
 #include <QTimer>
@@ -37,8 +38,13 @@ QString SingleInstanceChannel::serverAddress(const QString &id)
     return userServerAddress(baseName(id));
 }
 
+QString SingleInstanceChannel::endMarkName(const QString &id)
+{
+    return userRuntimeFolder() + QLatin1Char('/') + baseName(id) + QStringLiteral(".ending");
+}
+
 SingleInstanceChannel::SingleInstanceChannel(const QString &id, QObject *parent)
-    : QObject(parent), address(serverAddress(id)), lock(lockFileName(id))
+    : QObject(parent), address(serverAddress(id)), endMark(endMarkName(id)), lock(lockFileName(id))
 {
     lock.setStaleLockTime(0); // a lock never grows stale by age, only by the end of its process
     connect(&server, SIGNAL(newConnection()), this, SLOT(onNewConnection()));
@@ -80,9 +86,30 @@ bool SingleInstanceChannel::lockNamesNobody() const
 
 void SingleInstanceChannel::listen()
 {
+    QFile::remove(endMark);              // of the first process before this one
     QLocalServer::removeServer(address); // of a first process that was killed
     server.setSocketOptions(QLocalServer::UserAccessOption);
     server.listen(address);
+}
+
+void SingleInstanceChannel::announceEnd()
+{
+    if (!lock.isLocked())
+        return;
+    QFile mark(endMark);
+    mark.open(QIODevice::WriteOnly); // without it a further start finds nobody to talk to, and ends
+    server.close();
+}
+
+bool SingleInstanceChannel::waitForEndOfFirst(int timeoutMs)
+{
+    const QDeadlineTimer deadline(timeoutMs);
+    while (QFile::exists(endMark) && !deadline.hasExpired()) {
+        if (isFirst())
+            return true;
+        QThread::msleep(kRetryMs);
+    }
+    return false;
 }
 
 bool SingleInstanceChannel::send(const QString &message, int timeoutMs) const

@@ -32,11 +32,21 @@ public:
     /// time; it may still take the message later. Blocks without an event loop.
     bool send(const QString &message, int timeoutMs) const;
 
+    /// Says that this process, the first one, is about to end: it takes no message any more, and a further start does
+    /// well to wait for its place.
+    void announceEnd();
+
+    /// Waits for the place of a first process that has announced its end. True when this process is the first one now;
+    /// false at once where none was announced, and when the place is not free within the time.
+    bool waitForEndOfFirst(int timeoutMs);
+
     /// How long a peer may take from connecting to the end of its message.
     void setPeerTimeout(int timeoutMs) { peerTimeoutMs = timeoutMs; }
 
     [[nodiscard]] static QString lockFileName(const QString &id);
     [[nodiscard]] static QString serverAddress(const QString &id);
+    /// A file that stands while a first process that has announced its end still lives, and until the next one comes.
+    [[nodiscard]] static QString endMarkName(const QString &id);
 
 signals:
     void messageReceived(const QString &message);
@@ -52,7 +62,8 @@ private:
     void readFrom(QLocalSocket *peer);
 
     QString address;
+    QString endMark;
     int peerTimeoutMs = 5000;
-    QLockFile lock;      // is released behind the server
+    QLockFile lock;      // is released after the server
     QLocalServer server; // owns the sockets of its peers
 };

@@ -10,6 +10,10 @@
 #include <QtEndian>
 #include <QtTest>
 
+#include <limits>
+#include <memory>
+#include <thread>
+
 namespace
 {
 
@@ -63,6 +67,10 @@ private slots:
     void firstAndSecond();
     void otherIdentifiersAreApart();
     void secondBecomesFirstWhenTheFirstEnds();
+    void startWaitsForAnAnnouncedEnd();
+    void nobodyIsWaitedForWithoutAnAnnouncement();
+    void firstThatEndsForEverIsNotWaitedForWithoutLimit();
+    void endIsAnnouncedByTheFirstAlone();
     void namesCarryTheUser();
     void onlyTheUserMayConnect();
     void carriesMessages_data();
@@ -118,6 +126,57 @@ void TestSingleInstanceChannel::secondBecomesFirstWhenTheFirstEnds()
     connect(&second, SIGNAL(messageReceived(QString)), &log, SLOT(receive(QString)));
     const Sending sending("to the new one");
     QTRY_COMPARE(log.messages, QStringList("to the new one"));
+}
+
+void TestSingleInstanceChannel::startWaitsForAnAnnouncedEnd()
+{
+    auto first = std::make_unique<SingleInstanceChannel>(kId);
+    SingleInstanceChannel second(kId);
+    first->announceEnd();
+    QVERIFY(!second.isFirst());
+    QVERIFY(!second.send(QStringLiteral("show"), 50)); // nobody listens any more
+    std::thread ending([&first] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100)); // so that the second one has to wait
+        first.reset();
+    });
+    const bool inItsPlace = second.waitForEndOfFirst(kSendMs);
+    ending.join();
+    QVERIFY(inItsPlace);
+    QVERIFY(second.isFirst());
+    QVERIFY(!QFileInfo::exists(SingleInstanceChannel::endMarkName(kId)));
+
+    // The one that waited is an ordinary first one now.
+    MessageLog log;
+    connect(&second, SIGNAL(messageReceived(QString)), &log, SLOT(receive(QString)));
+    Sending third(QStringLiteral("show"));
+    QTRY_COMPARE(log.messages, QStringList(QStringLiteral("show")));
+}
+
+void TestSingleInstanceChannel::nobodyIsWaitedForWithoutAnAnnouncement()
+{
+    const SingleInstanceChannel first(kId);
+    SingleInstanceChannel second(kId);
+    QVERIFY(!second.waitForEndOfFirst(std::numeric_limits<int>::max()));
+}
+
+void TestSingleInstanceChannel::firstThatEndsForEverIsNotWaitedForWithoutLimit()
+{
+    SingleInstanceChannel first(kId);
+    SingleInstanceChannel second(kId);
+    first.announceEnd();
+    QVERIFY(!second.waitForEndOfFirst(50));
+}
+
+void TestSingleInstanceChannel::endIsAnnouncedByTheFirstAlone()
+{
+    const SingleInstanceChannel first(kId);
+    SingleInstanceChannel second(kId);
+    second.announceEnd();
+    QVERIFY(!QFileInfo::exists(SingleInstanceChannel::endMarkName(kId)));
+    MessageLog log;
+    connect(&first, SIGNAL(messageReceived(QString)), &log, SLOT(receive(QString)));
+    Sending third(QStringLiteral("show"));
+    QTRY_COMPARE(log.messages, QStringList(QStringLiteral("show")));
 }
 
 void TestSingleInstanceChannel::namesCarryTheUser()
