@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 class NvGpuControl;
 class Ovryn_BoardInfoMainWidget;
 class Ovryn_ColorPaletteBox;
@@ -12,8 +14,8 @@ class Ovryn_OverClockingWidget;
 class Ovryn_SendNvCardInfoThread;
 class QWidget;
 
-/// One card's pages and its sampling worker. The dialog owns every set; the pages themselves belong to
-/// the widget tree, the worker and the device object are deleted by hand, worker first.
+/// One card's pages and its sampling worker. The dialog owns every set; the pages belong to the widget tree, and the
+/// dialog deletes the worker and the pages that have one in a fixed order. The workers share the device object.
 struct CardPageSet
 {
     Ovryn_NvCardInfoWidget *monitorPage = nullptr;
@@ -24,6 +26,6 @@ struct CardPageSet
     Ovryn_ColorPaletteBox *colorPalette = nullptr; ///< takes the gauge's place beside the LED page
     Ovryn_GpuFixedInfo *fixedInfoPage = nullptr;
     Ovryn_SendNvCardInfoThread *infoWorker = nullptr;
-    NvGpuControl *gpuControl = nullptr;
+    std::shared_ptr<NvGpuControl> gpuControl;
     Ovryn_BoardInfoMainWidget *boardInfoPage = nullptr; ///< nothing feeds it and nothing leads to it
 };

@@ -3,19 +3,24 @@
 #include "app/MainDialogStyle.h"
 #include "board/Ovryn_BoardInfoMainWidget.h"
 #include "board/Ovryn_ColorPaletteBox.h"
+#include "board/Ovryn_LCDControllorWidget.h"
+#include "board/Ovryn_LEDControlWidget.h"
 #include "device/NvGpuControl.h"
 #include "device/WorkerThread.h"
+#include "guard/FanGuard.h"
 #include "monitor/Ovryn_BackgroundEffects.h"
 #include "monitor/Ovryn_GpuFixedInfo.h"
 #include "monitor/Ovryn_GpuInfoCircleBox.h"
 #include "monitor/Ovryn_NvCardInfoWidget.h"
 #include "monitor/Ovryn_SendNvCardInfoThread.h"
 #include "overclock/Ovryn_OverClockingWidget.h"
+#include "platform/EndSignals.h"
 #include "ui/Ovryn_ComboBox.h"
 #include "ui/Ovryn_SettingParentWidget.h"
 #include "ui/RollStackWidget.h"
 #include "update/Ovryn_DownloadUpdateFileInfo.h"
 
+#include <QCoreApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -27,13 +32,20 @@ namespace
 
 constexpr int kSlideIntervalMs = 15;
 constexpr QSize kSizeWithoutPicture(600, 435);
+const char *const kFanGuardProgram = "ovryn-fan-guard";
 const char *const kBackgroundPicture = ":/images/images/BKImage.png";
 
 } // namespace
 
 OvrynDeck2::OvrynDeck2(QWidget *parent, const PageTimings &pauses)
-    : QDialog(parent), pageTimings(pauses), updateDownloader(new Ovryn_DownloadUpdateFileInfo(this))
+    : QDialog(parent),
+      pageTimings(pauses),
+      fanGuard(new FanGuard(
+          QCoreApplication::applicationDirPath() + QLatin1Char('/') + QLatin1String(kFanGuardProgram), this)),
+      updateDownloader(new Ovryn_DownloadUpdateFileInfo(this))
 {
+    // First, since the start shows a box and takes its time.
+    connect(new EndSignals(this), SIGNAL(endDemanded()), this, SLOT(onEndDemanded()));
     setObjectName(QStringLiteral("OvrynDeck2"));
     buildWidgets();
     registerDeviceMetaTypes();
@@ -67,15 +79,34 @@ OvrynDeck2::OvrynDeck2(QWidget *parent, const PageTimings &pauses)
 
 OvrynDeck2::~OvrynDeck2()
 {
+    endWorkers();
     for (CardPageSet &pages : cardPageSets) {
-        const int leftBehindBefore = WorkerThread::leftBehind();
-        WorkerThread::endAndDelete(pages.infoWorker);
+        WorkerThread::endAndDelete(pages.infoWorker); // one that hangs in the driver stays
         delete pages.lcdPage;
         delete pages.ledPage;
         delete pages.adjustPage;
-        if (WorkerThread::leftBehind() == leftBehindBefore)
-            delete pages.gpuControl; // a thread that hangs in the driver still uses it
+        pages.gpuControl.reset();
     }
+}
+
+void OvrynDeck2::endWork()
+{
+    if (!closedOnce)
+        keepEverything();
+    closedOnce = true;
+    endWorkers();
+}
+
+void OvrynDeck2::endWorkers()
+{
+    for (const CardPageSet &pages : qAsConst(cardPageSets)) {
+        pages.infoWorker->requestEnd();
+        pages.lcdPage->requestEnd();
+        pages.ledPage->requestEnd();
+        pages.adjustPage->requestEnd();
+    }
+    for (const CardPageSet &pages : qAsConst(cardPageSets))
+        pages.adjustPage->handFanBack();
 }
 
 void OvrynDeck2::buildWidgets()
@@ -145,19 +176,20 @@ void OvrynDeck2::connectWidgets()
 void OvrynDeck2::buildCardPages(const GpuCardInfo &card)
 {
     CardPageSet pages;
-    pages.gpuControl = new NvGpuControl;
+    pages.gpuControl = std::make_shared<NvGpuControl>();
     pages.gpuControl->setCurrentGpu(card.gpuIndex);
 
-    pages.ledPage = newLedPage(card, pages.gpuControl);
-    pages.lcdPage = newLcdPage(card, pages.gpuControl);
-    pages.monitorPage = newMonitorPage(card, pages.gpuControl);
-    pages.adjustPage = newAdjustPage(card, pages.gpuControl);
+    NvGpuControl *const control = pages.gpuControl.get();
+    pages.ledPage = newLedPage(card, control);
+    pages.lcdPage = newLcdPage(card, control);
+    pages.monitorPage = newMonitorPage(card, control);
+    pages.adjustPage = newAdjustPage(card, control);
     pages.boardInfoPage = new Ovryn_BoardInfoMainWidget(this);
     pages.circleBox = new Ovryn_GpuInfoCircleBox(this);
     applyPageEffects(card, pages.circleBox);
     pages.colorPalette = new Ovryn_ColorPaletteBox(this);
     pages.fixedInfoPage = new Ovryn_GpuFixedInfo(this);
-    pages.infoWorker = new Ovryn_SendNvCardInfoThread(pages.gpuControl, this, pageTimings.sampleIntervalMs);
+    pages.infoWorker = new Ovryn_SendNvCardInfoThread(control, this, pageTimings.sampleIntervalMs);
 
     connectCardPages(pages);
     pages.infoWorker->startSampling();
@@ -221,10 +253,16 @@ Ovryn_NvCardInfoWidget *OvrynDeck2::newMonitorPage(const GpuCardInfo &card, NvGp
 
 Ovryn_OverClockingWidget *OvrynDeck2::newAdjustPage(const GpuCardInfo &card, NvGpuControl *control)
 {
+    const FanWatch fanWatch = [this, gpuIndex = card.gpuIndex](bool followsCurve) {
+        if (followsCurve)
+            fanGuard->watch(gpuIndex);
+        else
+            fanGuard->release(gpuIndex);
+    };
     AdjustModuleInfo saved;
     if (generalSetting.ApplyLastParamOnStart && configFile.getAdjustModule(card.gpuName, card.subSystemId, saved))
-        return new Ovryn_OverClockingWidget(saved, control, this, pageTimings.adjust);
-    return new Ovryn_OverClockingWidget(control, this, pageTimings.adjust);
+        return new Ovryn_OverClockingWidget(saved, control, this, pageTimings.adjust, fanWatch);
+    return new Ovryn_OverClockingWidget(control, this, pageTimings.adjust, fanWatch);
 }
 
 const GpuCardInfo *OvrynDeck2::shownCardInfo() const

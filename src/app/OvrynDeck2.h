@@ -15,6 +15,7 @@
 #include <QSystemTrayIcon>
 #include <QTimer>
 
+class FanGuard;
 class Ovryn_BackgroundEffects;
 class Ovryn_ComboBox;
 class Ovryn_DownloadUpdateFileInfo;
@@ -55,13 +56,17 @@ public:
     [[nodiscard]] const QList<GpuCardInfo> &cards() const { return cardInfos; }
     [[nodiscard]] int shownCard() const { return currentCard; } ///< index into cards()
     [[nodiscard]] int shownPage() const { return currentPage; } ///< a value of Page
-    /// True once `closed` was told. The constructor shows the update log, and the tray can close the program then.
+    /// True once `closed` was emitted. The constructor shows the update log, and the tray can close the program then.
     [[nodiscard]] bool wasClosed() const { return closedOnce; }
 
     /// To be run after the window came up: the one-time prompt of the high-performance mode.
     void afterShow();
 
 public slots:
+    /// The end of everything that outlives the window, whoever ended the program: keeps the settings where no close
+    /// has done so, ends the workers of all cards side by side and hands the fans back. Touches nothing of the
+    /// screen, so that it serves a process that has lost its display, too. Nothing the second time.
+    void endWork();
     void manualDetectUpdate();
     void onBtnMonitorClicked(bool bChecked);
     void onBtnAdjustClicked(bool bChecked);
@@ -84,6 +89,8 @@ public slots:
     void onSettingWidgetRefreshTimeChanged();
     void onDownloadUpdateFileFinished(bool resut);
     void onDownloadUpdateFileFinished1(bool resut);
+    void onEndDemanded();                               ///< by the system, which gives little time for it
+    void onCommitDataRequest(); ///< the session may end; the program goes on until it does
 
 signals:
     /// The close event has saved everything, whoever closed the window: the program is to end.
@@ -106,6 +113,7 @@ private:
     void connectWidgets();
     void buildCardPages(const GpuCardInfo &card);
     void connectCardPages(const CardPageSet &pages);
+    void endWorkers(); ///< of all cards side by side, then hands the fans back; nothing the second time
     [[nodiscard]] Ovryn_LEDControlWidget *newLedPage(const GpuCardInfo &card, NvGpuControl *control);
     [[nodiscard]] Ovryn_LCDControllorWidget *newLcdPage(const GpuCardInfo &card, NvGpuControl *control);
     [[nodiscard]] Ovryn_NvCardInfoWidget *newMonitorPage(const GpuCardInfo &card, NvGpuControl *control);
@@ -129,7 +137,8 @@ private:
     void applyLanguage(); ///< hands the words in force to the dialog, the panel and every page
     void handWordsTo(const CardPageSet &pages);
     void applyPageEffects(const GpuCardInfo &card, Ovryn_GpuInfoCircleBox *circleBox);
-    void bringBack(); ///< from the tray
+    void keepEverything(); ///< settings and pages, into config.xml and the auto-start value
+    void bringBack();      ///< from the tray
 
     // update
     void checkUpdateOnStart();
@@ -148,6 +157,7 @@ private:
     bool pagePanelShown = false; ///< a page slides over the gauge
     bool closedOnce = false;
 
+    FanGuard *fanGuard;                             ///< knows from the adjust pages which fans follow a curve
     Ovryn_DownloadUpdateFileInfo *updateDownloader; ///< only its connection to this dialog changes
     Ovryn_ConfigFile configFile;
     GeneralSettingInfo generalSetting;

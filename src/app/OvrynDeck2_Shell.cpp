@@ -2,12 +2,14 @@
 
 #include "board/Ovryn_BoardInfoMainWidget.h"
 #include "device/NvGpuControl.h"
+#include "device/WorkerThread.h"
 #include "monitor/Ovryn_GpuFixedInfo.h"
 #include "monitor/Ovryn_GpuInfoCircleBox.h"
 #include "monitor/Ovryn_NvCardInfoWidget.h"
 #include "monitor/Ovryn_SendNvCardInfoThread.h"
 #include "overclock/Ovryn_OverClockingWidget.h"
 #include "platform/AutoStart.h"
+#include "platform/QtSingleApplication.h"
 #include "ui/Ovryn_MessageBox.h"
 #include "ui/Ovryn_SettingParentWidget.h"
 
@@ -24,6 +26,9 @@ namespace
 
 constexpr int kTrayMenuMinimumWidth = 150;
 constexpr int kMillisecondsPerSecond = 1000;
+
+/// With a cycle of a worker when the system ends the session: Windows gives a process five seconds in all.
+constexpr unsigned long kPatienceOfTheSystemMs = 2000;
 
 } // namespace
 
@@ -53,8 +58,11 @@ void OvrynDeck2::buildTray()
 
 void OvrynDeck2::bringBack()
 {
-    show();
-    activateWindow();
+    if (QWidget *const box = QApplication::activeModalWidget(); box && detectedCards == 0) {
+        QtSingleApplication::bringToFront(box); // the message that no card was found; this window has nothing to show
+        return;
+    }
+    QtSingleApplication::bringToFront(this);
     afterShow();
 }
 
@@ -89,6 +97,27 @@ void OvrynDeck2::onBtnCloseClick()
 
 void OvrynDeck2::closeEvent(QCloseEvent *event)
 {
+    keepEverything();
+    trayIcon->hide(); // the workers may take their time; nothing of the program is to be seen meanwhile
+    QDialog::closeEvent(event);
+    closedOnce = true;
+    emit closed();
+}
+
+void OvrynDeck2::onEndDemanded()
+{
+    WorkerThread::setPatience(kPatienceOfTheSystemMs);
+    if (!closedOnce)
+        close();
+}
+
+void OvrynDeck2::onCommitDataRequest()
+{
+    keepEverything(); // the others of the session, or the user, may still call its end off
+}
+
+void OvrynDeck2::keepEverything()
+{
     pullSettings();
     configFile.setGeneralSetting(generalSetting);
     configFile.setUpdateSetting(updateSetting);
@@ -110,9 +139,6 @@ void OvrynDeck2::closeEvent(QCloseEvent *event)
     setStartOnBoot(generalSetting.StartOnBoot, QCoreApplication::applicationFilePath());
     configFile.setLastCloseDate(QDate::currentDate());
     configFile.save(); // a failed write goes unnoticed by design
-    QDialog::closeEvent(event);
-    closedOnce = true;
-    emit closed();
 }
 
 // ---- settings ---------------------------------------------------------------------------------------

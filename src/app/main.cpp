@@ -48,12 +48,25 @@ GeneralSettingInfo stampStart(Ovryn_ConfigFile &configFile)
     return general;
 }
 
+/// How long a start waits for an instance that is ending: as long as limitShutdown gives one with eight cards.
+constexpr int kWaitForEndMs = 110 * 1000;
+
+/// True when this start is to go on. A running instance is brought to the front instead; one that is ending takes no
+/// message any more, and its place is waited for.
+bool becomeTheInstance(QtSingleApplication &application)
+{
+    if (!application.isRunning() || application.waitForEndOfFirst(kWaitForEndMs))
+        return true;
+    const bool shown = application.sendMessage(QStringLiteral("show"), kMessageTimeoutMs);
+    return !shown && application.waitForEndOfFirst(kWaitForEndMs); // its end may have begun just now
+}
+
 /// What is left to do is calls of the driver: the fan and the LEDs of each card, and letting it go. One that hangs
 /// would keep a process that nobody sees and that turns every further start away. Everything kept is on the disk.
 void limitShutdown(int exitCode, int cards)
 {
-    constexpr int kBaseSeconds = 40;
-    constexpr int kSecondsPerCard = 20; // for its threads that don't end, see WorkerThread::endAndDelete
+    constexpr int kBaseSeconds = 30;    // for the last cycles of all workers, see WorkerThread::kCycleWaitMs
+    constexpr int kSecondsPerCard = 10; // for the orders of the end, on a slow driver
     const std::chrono::seconds limit(kBaseSeconds + kSecondsPerCard * cards);
     std::thread([exitCode, limit] {
         std::this_thread::sleep_for(limit);
@@ -61,13 +74,24 @@ void limitShutdown(int exitCode, int cards)
     }).detach();
 }
 
+/// The dialog while the event loop runs.
+OvrynDeck2 *dialogOfTheLoop = nullptr;
+
+/// The toolkit ends the process by exit() in the middle of the event loop when the connection to the display breaks.
+void endWithoutTheDisplay()
+{
+    if (!dialogOfTheLoop)
+        return;
+    limitShutdown(EXIT_FAILURE, dialogOfTheLoop->cardCount());
+    dialogOfTheLoop->endWork();
+    std::_Exit(EXIT_FAILURE); // the toolkit's own destructors would go on with a display that is gone
+}
+
 int run(int argc, char **argv)
 {
     QtSingleApplication application(QString::fromLatin1(kApplicationId), argc, argv);
-    if (application.isRunning()) {
-        application.sendMessage(QStringLiteral("show"), kMessageTimeoutMs);
+    if (!becomeTheInstance(application))
         return 0;
-    }
 
     // The window may be hidden in the tray while a box closes; the close event alone ends the program.
     QApplication::setQuitOnLastWindowClosed(false);
@@ -93,7 +117,18 @@ int run(int argc, char **argv)
     OvrynDeck2 dialog;
     dialog.setWindowTitle(QStringLiteral("OvrynDeckII"));
     application.setActivationWindow(&dialog, true);
-    QObject::connect(&dialog, SIGNAL(closed()), &application, SLOT(quit()));
+    QObject::connect(&dialog, &OvrynDeck2::closed, &application, [&application] {
+        application.announceEnd();
+        QApplication::quit();
+    });
+    // A session manager may end the program without closing its window.
+    QApplication::setFallbackSessionManagementEnabled(false); // it would close what is shown, but not what is hidden
+    QObject::connect(&application, SIGNAL(commitDataRequest(QSessionManager &)), &dialog,
+                     SLOT(onCommitDataRequest()), Qt::DirectConnection);
+    QObject::connect(&application, &QApplication::aboutToQuit, &dialog, [&dialog] {
+        limitShutdown(EXIT_SUCCESS, dialog.cardCount());
+        dialog.endWork();
+    });
     dialog.setWindowOpacity(1.0);
     dialog.setAttribute(Qt::WA_TranslucentBackground, true);
     dialog.setWindowFlags(Qt::FramelessWindowHint | Qt::WindowMinimizeButtonHint);
@@ -108,6 +143,8 @@ int run(int argc, char **argv)
     if (dialog.cardCount() <= 0) {
         Ovryn_MessageBox box(0, QString(), languageTable.noCard, languageTable.language(), nullptr,
                              Qt::WindowFlags(Ovryn_MessageBox::usualWindowFlags));
+        application.setActivationWindow(&box, true);
+        box.setWindowModality(Qt::WindowModal); // modal to the application, it would block the tray icon, too
         box.exec();
         return 0;
     }
@@ -118,8 +155,10 @@ int run(int argc, char **argv)
         // Inside the event loop: an update that takes over while the question stands must be able to end it.
         QTimer::singleShot(0, &dialog, [&dialog] { dialog.afterShow(); });
     }
-    const int exitCode = QApplication::exec();
-    limitShutdown(exitCode, dialog.cardCount());
+    dialogOfTheLoop = &dialog;
+    std::atexit(endWithoutTheDisplay);
+    const int exitCode = QApplication::exec(); // with the end of the dialog's work in it
+    dialogOfTheLoop = nullptr;
     return exitCode;
 }
 

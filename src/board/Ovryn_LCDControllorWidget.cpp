@@ -91,6 +91,12 @@ Ovryn_LCDControllorWidget::~Ovryn_LCDControllorWidget()
     WorkerThread::endAndDelete(sendNvInfoThread); // one that hangs in the driver stays
 }
 
+void Ovryn_LCDControllorWidget::requestEnd()
+{
+    if (sendNvInfoThread)
+        sendNvInfoThread->requestEnd();
+}
+
 Ovryn_SendNvInfoToLCDThread *Ovryn_LCDControllorWidget::newWorker()
 {
     auto *worker = new Ovryn_SendNvInfoToLCDThread(control, this, intervalMs);

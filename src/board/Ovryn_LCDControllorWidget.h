@@ -37,6 +37,8 @@ public:
 
     ~Ovryn_LCDControllorWidget() override;
 
+    void requestEnd(); ///< asks the worker to end; waits for nothing
+
     void getLcdModuleInfo(LcdModuleInfo &out) const; ///< what was applied, whatever stands on the screen
     void setLanguage(const Lang_LCD &words, LanguageType newLanguage);
 

@@ -75,9 +75,15 @@ Ovryn_LEDControlWidget::Ovryn_LEDControlWidget(const LedModuleInfo *saved, NvGpu
 
 Ovryn_LEDControlWidget::~Ovryn_LEDControlWidget()
 {
-    if (controllerType == kLedControllerWithGradient)
+    // A worker that hangs in the driver holds its mutex, and the closing frame would wait for it without limit.
+    if (controllerType == kLedControllerWithGradient && sendColorThread->endsInTime())
         sendCurrentEffect(true);
     WorkerThread::endAndDelete(sendColorThread); // one that hangs in the driver stays
+}
+
+void Ovryn_LEDControlWidget::requestEnd()
+{
+    sendColorThread->requestEnd();
 }
 
 void Ovryn_LEDControlWidget::build()

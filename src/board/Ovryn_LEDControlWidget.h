@@ -48,6 +48,8 @@ public:
     /// Tells a controller of type 3 the effect once more, with the closing flag.
     ~Ovryn_LEDControlWidget() override;
 
+    void requestEnd(); ///< asks the worker to end; waits for nothing
+
     void getLedModuleInfo(LedModuleInfo &out) const;
     void setLanguage(const Lang_LED &words, LanguageType newLanguage);
     /// The one place that sends colours. Waits for the worker unless the State-Display effect is chosen.

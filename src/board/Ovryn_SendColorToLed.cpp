@@ -6,7 +6,7 @@
 #include <QMutexLocker>
 
 Ovryn_SendColorToLed::Ovryn_SendColorToLed(NvGpuControl *card, QObject *parent, unsigned int pauseMs)
-    : WorkerThread(parent), control(card), sleepMs(pauseMs)
+    : WorkerThread(parent), control(card), cardShare(shareOf(card)), sleepMs(pauseMs)
 {
 }
 
@@ -36,9 +36,8 @@ void Ovryn_SendColorToLed::run()
             giveUpLoop(); // so that a dead controller isn't asked again by the next start
             return;
         }
-        if (stopped)
+        if (stopped || !pause(held, sleepMs))
             break;
-        pause(held, sleepMs);
     }
     leaveLoop();
 }

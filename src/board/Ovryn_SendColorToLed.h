@@ -4,6 +4,8 @@
 
 #include <QColor>
 
+#include <memory>
+
 class NvGpuControl;
 
 /// The worker behind the State-Display effect: once per interval it reads the GPU temperature and, when the colour
@@ -40,7 +42,8 @@ protected:
     void run() override;
 
 private:
-    NvGpuControl *const control; ///< not owned
-    const unsigned int sleepMs;  ///< pause between passes
-    QColor lastColor;            ///< the colour sent last; guarded by mutex
+    NvGpuControl *const control; ///< kept alive by cardShare where its owner shares it
+    const std::shared_ptr<NvGpuControl> cardShare;
+    const unsigned int sleepMs; ///< pause between passes
+    QColor lastColor;           ///< the colour sent last; guarded by mutex
 };

@@ -30,7 +30,7 @@ LCDDisplayMode modeAfter(LCDDisplayMode mode)
 } // namespace
 
 Ovryn_SendNvInfoToLCDThread::Ovryn_SendNvInfoToLCDThread(NvGpuControl *card, QObject *parent, quint32 pauseMs)
-    : WorkerThread(parent), control(card), sleepMs(pauseMs)
+    : WorkerThread(parent), control(card), cardShare(shareOf(card)), sleepMs(pauseMs)
 {
 }
 
@@ -82,9 +82,8 @@ void Ovryn_SendNvInfoToLCDThread::run()
     QMutexLocker held(&mutex);
     while (control != nullptr) {
         sendFrameOnce();
-        if (!enable || stopped)
+        if (!enable || stopped || !pause(held, sleepMs))
             break;
-        pause(held, sleepMs);
     }
     leaveLoop();
 }

@@ -3,6 +3,8 @@
 #include "device/DeviceRecords.h"
 #include "device/WorkerThread.h"
 
+#include <memory>
+
 class NvGpuControl;
 
 /// The LCD worker of one card: about once a second it sends one frame of live readings to the controller behind the
@@ -62,6 +64,7 @@ protected:
 private:
     bool sendFrame(); ///< under the mutex; the card must be there
 
-    NvGpuControl *const control; ///< not owned
-    const quint32 sleepMs;       ///< pause between frames, and what a frame adds to elapsedMs
+    NvGpuControl *const control; ///< kept alive by cardShare where its owner shares it
+    const std::shared_ptr<NvGpuControl> cardShare;
+    const quint32 sleepMs; ///< pause between frames, and what a frame adds to elapsedMs
 };

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <atomic>
+#include <memory>
 #include <mutex>
 #include <string>
 
@@ -16,11 +17,14 @@
 /// workers. Every operation may be called from any thread: the lock covers only the look-up of the
 /// card's handle and the running extremes, and driver calls of different threads may overlap.
 ///
+/// A worker keeps the instance alive that it was given (`shareOf`), so a thread that can't be ended never meets a dead
+/// one. An instance that nobody shares, on a stack, must outlive its workers.
+///
 /// Failure is a false, or zeros in a result record that the operation clears first. Nothing raises,
 /// nothing is logged. A handle that the driver has invalidated is not refreshed.
 ///
 /// Records of the driver are tried newest version first; see nvapi/VersionLadder.h.
-class NvGpuControl
+class NvGpuControl : public std::enable_shared_from_this<NvGpuControl>
 {
 public:
     /// Loads the driver and enumerates. Usable at once; a failed start leaves no card.
@@ -113,3 +117,9 @@ private:
     std::atomic<qint32> memoryRateFactor{2};
     bool nvApiReady = false;
 };
+
+/// A share in the life of a device object; empty for null and for an object that nobody shares.
+[[nodiscard]] inline std::shared_ptr<NvGpuControl> shareOf(NvGpuControl *control)
+{
+    return control ? control->weak_from_this().lock() : nullptr;
+}

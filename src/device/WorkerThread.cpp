@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 
 namespace
 {
 
 std::atomic<int> leftBehindCount{0};
 
-/// How long a cycle under way is waited for at most: a driver that hangs in one call hangs in the others, too.
 std::atomic<unsigned long> patienceMs{WorkerThread::kCycleWaitMs};
 
 } // namespace
@@ -40,6 +40,10 @@ void WorkerThread::startThreadUnderMutex()
         wait(); // start() does nothing while the thread is on its way out
         leaving = false;
     }
+    {
+        const std::lock_guard<std::mutex> guard(endLock);
+        endRequested = false;
+    }
     start(QThread::InheritPriority);
     stopped = false;
 }
@@ -50,13 +54,27 @@ void WorkerThread::stopThread()
     stopped = true;
 }
 
-void WorkerThread::pause(QMutexLocker &held, unsigned int ms)
+void WorkerThread::requestEnd()
+{
+    const std::lock_guard<std::mutex> guard(endLock);
+    if (!endRequested)
+        cycleDeadline.setRemainingTime(qint64(patienceMs.load()));
+    endRequested = true;
+    endWanted.notify_all();
+}
+
+bool WorkerThread::pause(QMutexLocker &held, unsigned int ms)
 {
     held.unlock();
-    msleep(ms);
+    bool ending = false;
+    {
+        std::unique_lock<std::mutex> guard(endLock);
+        ending = endWanted.wait_for(guard, std::chrono::milliseconds(ms), [this] { return endRequested; });
+    }
     held.relock();
-    if (abandoned)
+    if (ending)
         stopped = true;
+    return !ending;
 }
 
 void WorkerThread::leaveLoop()
@@ -72,16 +90,31 @@ void WorkerThread::giveUpLoop()
     leaving = true;
 }
 
+bool WorkerThread::waitForLoop(unsigned long cycleWaitMs, unsigned long waitMs)
+{
+    requestEnd();
+    // A cycle holds the mutex, and a driver that hangs never ends it.
+    if (!mutex.tryLock(int(std::min(qint64(cycleWaitMs), cycleDeadline.remainingTime()))))
+        return false;
+    if (isRunning())
+        stopped = true; // stays unset in a loop that has given up: a start must do nothing until a stop
+    mutex.unlock();
+    return wait(waitMs);
+}
+
+bool WorkerThread::endsInTime()
+{
+    return waitForLoop(kCycleWaitMs, kEndWaitMs);
+}
+
+void WorkerThread::setPatience(unsigned long cycleWaitMs)
+{
+    patienceMs = cycleWaitMs;
+}
+
 bool WorkerThread::tryToEnd(unsigned long cycleWaitMs, unsigned long waitMs)
 {
-    // A cycle holds the mutex, and a driver that hangs never ends it.
-    if (mutex.tryLock(int(std::min(cycleWaitMs, patienceMs.load())))) {
-        stopped = true;
-        mutex.unlock();
-        wait(waitMs);
-    } else {
-        patienceMs = kEndWaitMs;
-    }
+    waitForLoop(cycleWaitMs, waitMs);
     terminate();                     // does nothing to a thread that has returned
     return wait(kTerminationWaitMs); // terminate() only asks: a thread inside a system call may never hear it
 }

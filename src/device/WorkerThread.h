@@ -1,10 +1,13 @@
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QMutex>
 #include <QMutexLocker>
 #include <QThread>
 
 #include <atomic>
+#include <condition_variable>
+#include <mutex>
 
 /// The shape of every worker thread that talks to a card: a mutex that the loop holds through each
 /// cycle and frees only for its sleep, and a flag that is true while no loop is to run.
@@ -21,18 +24,30 @@ public:
     /// True when no loop runs or the loop was told to end. Waits for a running cycle.
     [[nodiscard]] bool isStopped();
 
+    /// Asks the loop to end and wakes it from its pause; waits for nothing. The owner of several workers asks all of
+    /// them first, so that their last cycles run side by side: the patience with a cycle counts from the first
+    /// request. A start takes the request back.
+    void requestEnd();
+
+    /// Requests the end and waits for it. False where a cycle takes longer than the patience allows, or the thread
+    /// longer than kEndWaitMs to leave its loop.
+    bool endsInTime();
+
     /// Deletes the worker, or leaves it behind where its thread can't be ended because a call of the driver never
     /// returns: the worker then stays alive for its thread, without a parent, until the process ends. False in that
-    /// case, and whatever else the loop uses (the device object) must stay too. Takes `cycleWaitMs` for a cycle that
-    /// doesn't end, and kEndWaitMs and kTerminationWaitMs at most.
+    /// case. Takes what is left of the patience, at most `cycleWaitMs`, for a cycle that doesn't end, and kEndWaitMs
+    /// and kTerminationWaitMs at most.
     static bool endAndDelete(WorkerThread *worker, unsigned long cycleWaitMs = kCycleWaitMs);
+
+    /// How long a cycle under way is waited for from now on, kCycleWaitMs unless this was called. For an end that the
+    /// system demands and gives only seconds for.
+    static void setPatience(unsigned long cycleWaitMs);
 
     /// How many workers of this process were left behind. While there is one, its thread may wake up at any time, so
     /// the process must end without destroying its static objects.
     [[nodiscard]] static int leftBehind();
 
-    /// For a cycle under way: a slow driver is waited for, since ending a thread inside it is the last resort. Once
-    /// the wait was in vain, the process's other workers are given kEndWaitMs.
+    /// For a cycle under way: a slow driver is waited for, since ending a thread inside it is the last resort.
     static constexpr unsigned long kCycleWaitMs = 20000;
     static constexpr unsigned long kEndWaitMs = 2000;         ///< for a loop that was told to end
     static constexpr unsigned long kTerminationWaitMs = 1000; ///< for a thread that was terminated
@@ -48,9 +63,13 @@ protected:
     void stopThread();
 
     /// The sleep of a loop between two cycles, the only place where it frees the mutex: through the loop's own
-    /// locker, so that a thread that is terminated here unlocks nothing. Nothing wakes it. A test replaces it to
+    /// locker, so that a thread that is terminated here unlocks nothing. A stop doesn't cut it short; a request to
+    /// end does. False when the loop is to end without another cycle; `stopped` is set then. A test replaces it to
     /// drive the clock, and then calls endThread in its own destructor.
-    virtual void pause(QMutexLocker &held, unsigned int ms);
+    virtual bool pause(QMutexLocker &held, unsigned int ms);
+
+    /// True for a worker that was left behind in a cycle: whatever it orders now comes after the end of its owner.
+    [[nodiscard]] bool isAbandoned() const { return abandoned; }
 
     /// What a loop does last, with the mutex held, when it ends by itself or was told to: from here to its end the
     /// thread takes the mutex no more, a start waits for that end, and nothing ends it by force.
@@ -59,7 +78,7 @@ protected:
     /// The same for a loop that gives up: `stopped` stays unset, so that a start does nothing until a stop.
     void giveUpLoop();
 
-    /// Sets `stopped` behind a cycle under way, waits at most `waitMs`, and then terminates the thread whether or not
+    /// Sets `stopped` after a cycle under way, waits at most `waitMs`, and then terminates the thread whether or not
     /// it has ended by itself. A destructor can leave the thread to nobody, so it waits without limit for a thread
     /// that can't be ended: an owner to whom that matters uses endAndDelete.
     void endThread(unsigned long waitMs = kEndWaitMs);
@@ -68,8 +87,13 @@ protected:
     bool stopped = true; ///< guarded by mutex; a loop looks at it at the end of each cycle
 
 private:
+    bool waitForLoop(unsigned long cycleWaitMs, unsigned long waitMs);
     bool tryToEnd(unsigned long cycleWaitMs, unsigned long waitMs);
 
-    bool leaving = false;               ///< guarded by mutex; the thread may still run, but no loop does
-    std::atomic<bool> abandoned{false}; ///< left behind in a cycle that held the mutex: nobody could set `stopped`
+    bool leaving = false; ///< guarded by mutex; the thread may still run, but no loop does
+    std::atomic<bool> abandoned{false};
+    std::mutex endLock; ///< taken for a moment only; in the loop's thread never while it waits for `mutex`
+    std::condition_variable endWanted;
+    bool endRequested = false;    ///< guarded by endLock
+    QDeadlineTimer cycleDeadline; ///< of the patience with a cycle, from the first request on; owner's thread only
 };

@@ -106,9 +106,8 @@ void CreateBreathCircleAndWaveCircleThread::run()
     for (;;) {
         paintFrame();
         emit sendImage(image);
-        if ((!breathEnabled && !waveEnabled) || stopped)
+        if ((!breathEnabled && !waveEnabled) || stopped || !pause(held, unsigned(sleepMs)))
             break;
-        pause(held, sleepMs);
     }
     leaveLoop();
 }

@@ -5,7 +5,7 @@
 #include <QMutexLocker>
 
 Ovryn_SendNvCardInfoThread::Ovryn_SendNvCardInfoThread(NvGpuControl *card, QObject *parent, quint32 pauseMs)
-    : WorkerThread(parent), control(card), sleepMs(pauseMs)
+    : WorkerThread(parent), control(card), cardShare(shareOf(card)), sleepMs(pauseMs)
 {
 }
 
@@ -30,9 +30,8 @@ void Ovryn_SendNvCardInfoThread::run()
     QMutexLocker held(&mutex);
     while (control != nullptr) {
         sampleOnce();
-        if (stopped)
+        if (stopped || !pause(held, sleepMs))
             break;
-        pause(held, sleepMs);
     }
     leaveLoop();
 }

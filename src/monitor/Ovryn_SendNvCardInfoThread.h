@@ -4,6 +4,8 @@
 #include "device/WorkerThread.h"
 #include "monitor/SampleRecords.h"
 
+#include <memory>
+
 class NvGpuControl;
 
 /// The sampling worker of one card: the pages' one source of live data. Once per refresh interval it reads
@@ -40,7 +42,8 @@ protected:
     void run() override;
 
 private:
-    NvGpuControl *control; ///< guarded by mutex, not owned
-    quint32 sleepMs;       ///< guarded by mutex
-    ScaleLatches latches;  ///< touched by the cycle alone
+    NvGpuControl *control; ///< kept alive by cardShare where its owner shares it
+    const std::shared_ptr<NvGpuControl> cardShare;
+    quint32 sleepMs;      ///< guarded by mutex
+    ScaleLatches latches; ///< touched by the cycle alone
 };

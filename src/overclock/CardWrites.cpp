@@ -35,30 +35,25 @@ std::vector<CardWrite> writesFor(const OverClockingParam &param)
     return writes;
 }
 
-void send(const CardWrite &write, NvGpuControl &gpu)
+bool send(const CardWrite &write, NvGpuControl &gpu)
 {
     const auto unsignedId = static_cast<quint32>(write.id);
     switch (write.operation) {
     case CardWrite::CoolerLevel:
-        gpu.setCoolerLevel(static_cast<quint32>(write.value), write.id);
-        break;
+        return gpu.setCoolerLevel(static_cast<quint32>(write.value), write.id);
     case CardWrite::GpuClockOffset:
-        gpu.setGpuClockOffset(write.value);
-        break;
+        return gpu.setGpuClockOffset(write.value);
     case CardWrite::MemoryClockOffset:
-        gpu.setMemoryClockOffset(write.value);
-        break;
+        return gpu.setMemoryClockOffset(write.value);
     case CardWrite::ThermalLimit:
-        gpu.setThermalLimit(unsignedId, static_cast<float>(write.value), true);
-        break;
+        return gpu.setThermalLimit(unsignedId, static_cast<float>(write.value), true);
     case CardWrite::PowerLimit:
         // A negative target counts as a huge one, which the device operation cuts to the maximum.
-        gpu.setPowerLimit(unsignedId, static_cast<float>(static_cast<quint32>(write.value)));
-        break;
+        return gpu.setPowerLimit(unsignedId, static_cast<float>(static_cast<quint32>(write.value)));
     case CardWrite::VoltageOffset:
-        gpu.setVoltageOffset(write.value);
-        break;
+        return gpu.setVoltageOffset(write.value);
     }
+    return false;
 }
 
 OverClockingParam readSnapshot(NvGpuControl &gpu)

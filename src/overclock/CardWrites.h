@@ -28,8 +28,9 @@ struct CardWrite
 /// voltage last. The user's fan curve gets no order here, its thread drives the fan.
 [[nodiscard]] std::vector<CardWrite> writesFor(const OverClockingParam &param);
 
-/// Gives one order. A refusal is not told: what the driver took shows when the card is read again.
-void send(const CardWrite &write, NvGpuControl &gpu);
+/// Gives one order. False when the driver refused it; what it made of one that it took shows when the card is read
+/// again.
+bool send(const CardWrite &write, NvGpuControl &gpu);
 
 /// Everything of a card that a snapshot holds; the link and the fan mode are left at their defaults.
 [[nodiscard]] OverClockingParam readSnapshot(NvGpuControl &gpu);

@@ -51,22 +51,23 @@ QFont buttonFont(const QString &family, int weight, int pixelSize)
 } // namespace
 
 Ovryn_OverClockingWidget::Ovryn_OverClockingWidget(NvGpuControl *control, QWidget *parent,
-                                                   const AdjustTimings &pauses)
-    : Ovryn_OverClockingWidget(nullptr, control, parent, pauses)
+                                                   const AdjustTimings &pauses, FanWatch watch)
+    : Ovryn_OverClockingWidget(nullptr, control, parent, pauses, std::move(watch))
 {
 }
 
 Ovryn_OverClockingWidget::Ovryn_OverClockingWidget(const AdjustModuleInfo &saved, NvGpuControl *control,
-                                                   QWidget *parent, const AdjustTimings &pauses)
-    : Ovryn_OverClockingWidget(&saved, control, parent, pauses)
+                                                   QWidget *parent, const AdjustTimings &pauses, FanWatch watch)
+    : Ovryn_OverClockingWidget(&saved, control, parent, pauses, std::move(watch))
 {
 }
 
 Ovryn_OverClockingWidget::Ovryn_OverClockingWidget(const AdjustModuleInfo *saved, NvGpuControl *control,
-                                                   QWidget *parent, const AdjustTimings &pauses)
+                                                   QWidget *parent, const AdjustTimings &pauses, FanWatch watch)
     : QWidget(parent),
       timings(pauses),
       gpuControl(control),
+      fanWatch(std::move(watch)),
       fanThread(new Ovryn_SetUserDefineFanSpeedThread(control, nullptr, pauses.fanIntervalMs)),
       highPerformanceClocks(highPerformanceClockTable())
 {

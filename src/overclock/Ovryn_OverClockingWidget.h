@@ -15,6 +15,7 @@
 #include <QWidget>
 
 #include <array>
+#include <functional>
 
 class NvGpuControl;
 class Ovryn_SetUserDefineFanSpeedThread;
@@ -30,6 +31,10 @@ struct AdjustTimings
     unsigned int fanIntervalMs = 1000; ///< between two cycles of the fan curve
 };
 
+/// Called with true before a fan begins to follow a curve, and with false once the driver has it back or holds a
+/// level of the user's: in between, somebody must hand it back if this process dies.
+using FanWatch = std::function<void(bool followsCurve)>;
+
 /// The page on which one card's clocks, voltage, targets and fan are adjusted. It works on a snapshot: nothing
 /// reaches the card until Apply is confirmed, and what the card made of it is read back and shown. It has two faces,
 /// the rows and the fan curve editor.
@@ -44,12 +49,18 @@ class Ovryn_OverClockingWidget : public QWidget
 public:
     /// Shows the card as it stands and changes nothing of it.
     explicit Ovryn_OverClockingWidget(NvGpuControl *control, QWidget *parent = nullptr,
-                                      const AdjustTimings &pauses = {});
+                                      const AdjustTimings &pauses = {}, FanWatch fanWatch = {});
     /// Brings the card to the saved values first.
     Ovryn_OverClockingWidget(const AdjustModuleInfo &saved, NvGpuControl *control, QWidget *parent = nullptr,
-                             const AdjustTimings &pauses = {});
-    /// Hands the fan back to the driver when the user's curve drove it.
+                             const AdjustTimings &pauses = {}, FanWatch fanWatch = {});
+    /// Hands the fan back, see handFanBack.
     ~Ovryn_OverClockingWidget() override;
+
+    void requestEnd(); ///< asks the fan worker to end; waits for nothing
+    /// The end of the page's work: ends the fan worker, and hands the fan back to the driver when the user's curve
+    /// drove it. A worker that hangs in the driver is left behind. The page must not be used afterwards; nothing the
+    /// second time.
+    void handFanBack();
 
     void getParameter(AdjustModuleInfo &out) const; ///< what is in force, without edits that were not applied
     void setLanguage(Lang_OverClock texts, LanguageType newLanguage);
@@ -85,7 +96,7 @@ protected:
 
 private:
     Ovryn_OverClockingWidget(const AdjustModuleInfo *saved, NvGpuControl *control, QWidget *parent,
-                             const AdjustTimings &pauses);
+                             const AdjustTimings &pauses, FanWatch fanWatch);
 
     void build();
     void connectAll();
@@ -102,7 +113,10 @@ private:
     void applyParam();  ///< `current`
     /// Gives the orders, waits and reads the card back. `current` keeps its own link and fan mode.
     void applyParam(OverClockingParam param);
+    void startFanThread();
     void stopFanThread();
+    /// After the card's fan got another order than the curve's; where it was refused, the driver gets the fan back.
+    void fanLeftCurve(bool orderTaken);
 
     void returnToApplied(); ///< drops the edits that were not applied
     void applySliders();
@@ -114,8 +128,10 @@ private:
     void hideApplyAndCancel();
 
     const AdjustTimings timings;
-    NvGpuControl *const gpuControl; ///< borrowed; may be null
-    Ovryn_SetUserDefineFanSpeedThread *fanThread;
+    NvGpuControl *const gpuControl;               ///< borrowed; may be null
+    const FanWatch fanWatch;                      ///< may be empty
+    Ovryn_SetUserDefineFanSpeedThread *fanThread; ///< null once the page's work has ended
+    bool curveDrivesFan = false;                  ///< from the worker's start until the card took another order
 
     std::array<Ovryn_SliderWidget *, AdjustRowCount> rows{};
     Ovryn_UserDefineFanSpeed *editor = nullptr;

@@ -55,10 +55,30 @@ void Ovryn_OverClockingWidget::startFromSaved(const AdjustModuleInfo &saved)
 
 Ovryn_OverClockingWidget::~Ovryn_OverClockingWidget()
 {
-    const bool fanFollowsCurve = current.fanMode == FanUserDefined;
-    WorkerThread::endAndDelete(fanThread); // first, or its next cycle would take the fan again
-    if (fanFollowsCurve && gpuControl)
-        gpuControl->setCoolerAuto();
+    handFanBack();
+}
+
+void Ovryn_OverClockingWidget::requestEnd()
+{
+    if (fanThread)
+        fanThread->requestEnd();
+}
+
+void Ovryn_OverClockingWidget::handFanBack()
+{
+    if (!fanThread)
+        return;
+    const bool threadEnded =
+        WorkerThread::endAndDelete(fanThread); // first, or its next cycle would take the fan again
+    fanThread = nullptr;
+    // A settings file may hold any mode, and every one but the first two runs the curve.
+    const bool modeOfCurve = current.fanMode != FanAuto && current.fanMode != FanManual;
+    if (!gpuControl || !(modeOfCurve || curveDrivesFan))
+        return;
+    const bool handedBack = gpuControl->setCoolerAuto();
+    // The order of a worker that was left behind may still reach the card: the watch over that fan goes on.
+    if (handedBack && threadEnded && curveDrivesFan)
+        fanLeftCurve(true);
 }
 
 void Ovryn_OverClockingWidget::getParameter(AdjustModuleInfo &out) const
@@ -135,16 +155,27 @@ void Ovryn_OverClockingWidget::applyParam(OverClockingParam param)
     if (param.fanMode == FanAuto || param.fanMode == FanManual) {
         stopFanThread();
     } else {
-        fanThread->setTemperatureToFanSpeedData(nodes);
-        fanThread->startWork();
+        startFanThread();
     }
-    for (const CardWrite &write : writesFor(param))
-        send(write, *gpuControl);
+    for (const CardWrite &write : writesFor(param)) {
+        const bool taken = send(write, *gpuControl);
+        if (write.operation == CardWrite::CoolerLevel)
+            fanLeftCurve(taken);
+    }
     QThread::msleep(timings.settleMs);
 
     readDevice();
     showParam(current);
     applied = current;
+}
+
+void Ovryn_OverClockingWidget::startFanThread()
+{
+    if (!curveDrivesFan && fanWatch)
+        fanWatch(true);
+    curveDrivesFan = true;
+    fanThread->setTemperatureToFanSpeedData(nodes);
+    fanThread->startWork();
 }
 
 void Ovryn_OverClockingWidget::stopFanThread()
@@ -153,10 +184,23 @@ void Ovryn_OverClockingWidget::stopFanThread()
     fanThread->wait();
 }
 
+void Ovryn_OverClockingWidget::fanLeftCurve(bool orderTaken)
+{
+    if (!curveDrivesFan)
+        return;
+    // Refused, the fan would stay at the last level of a curve that nobody follows any more.
+    if (!orderTaken && !gpuControl->setCoolerAuto())
+        return;
+    curveDrivesFan = false;
+    if (fanWatch)
+        fanWatch(false);
+}
+
 void Ovryn_OverClockingWidget::restoreDefaults()
 {
     stopFanThread();
     gpuControl->restoreDefaults();
+    fanLeftCurve(false); // it says nothing of its order to the fan
     QThread::msleep(timings.settleMs);
 
     current.fanMode = FanAuto;

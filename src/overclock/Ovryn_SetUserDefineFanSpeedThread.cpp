@@ -14,7 +14,11 @@ constexpr qint32 kManualPolicy = 1;
 
 Ovryn_SetUserDefineFanSpeedThread::Ovryn_SetUserDefineFanSpeedThread(NvGpuControl *card, QObject *parent,
                                                                      unsigned int intervalMs)
-    : WorkerThread(parent), gpuControl(card), interval(intervalMs), nodes(FanCurve::defaultCurve())
+    : WorkerThread(parent),
+      gpuControl(card),
+      cardShare(shareOf(card)),
+      interval(intervalMs),
+      nodes(FanCurve::defaultCurve())
 {
 }
 
@@ -44,9 +48,8 @@ void Ovryn_SetUserDefineFanSpeedThread::run()
     QMutexLocker held(&mutex);
     while (gpuControl != nullptr) {
         followCurveOnce();
-        if (stopped)
+        if (stopped || !pause(held, interval))
             break;
-        pause(held, interval);
     }
     leaveLoop();
 }

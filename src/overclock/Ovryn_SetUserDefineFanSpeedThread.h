@@ -5,6 +5,8 @@
 #include <QList>
 #include <QPoint>
 
+#include <memory>
+
 class NvGpuControl;
 
 /// The fan worker of one card: once per interval it reads the GPU temperature, looks it up on the user's
@@ -41,7 +43,8 @@ protected:
     void run() override;
 
 private:
-    NvGpuControl *const gpuControl; ///< not owned
-    const unsigned int interval;    ///< milliseconds between cycles
-    QList<QPoint> nodes;            ///< guarded by mutex
+    NvGpuControl *const gpuControl; ///< kept alive by cardShare where its owner shares it
+    const std::shared_ptr<NvGpuControl> cardShare;
+    const unsigned int interval; ///< milliseconds between cycles
+    QList<QPoint> nodes;         ///< guarded by mutex
 };

@@ -29,6 +29,10 @@ private slots:
     void autoStartFollowsTheCheckBox();
     void autoStartWaitsForTheClose();
     void failedWritesGoUnnoticed();
+    void endOfTheLoopWithoutACloseSaves();
+    void sessionThatMayEndSaves();
+    void destructionAloneSavesNothing();
+    void allWorkersEndSideBySide();
     void partsGoCardByCard();
     void fanAtTheEnd_data();
     void fanAtTheEnd();
@@ -230,6 +234,50 @@ void TestMainDialogEnd::failedWritesGoUnnoticed()
     QCOMPARE(answer.texts(), QStringList());
     QVERIFY(QFileInfo(QStringLiteral("config.xml/in the way")).isDir());
     QVERIFY(QFileInfo(autoStartEntry() + QStringLiteral("/in the way")).isDir());
+}
+
+void TestMainDialogEnd::endOfTheLoopWithoutACloseSaves()
+{
+    OvrynDeck2 dialog(nullptr, kQuickPages);
+    dialog.endWork();
+    QVERIFY(savedText().contains(QLatin1String("GpuName=\"GeForce GTX 1070 Ti\"")));
+    QVERIFY(dialog.wasClosed());
+
+    // After a close there is nothing to keep: what stands in the file is not written again.
+    writeConfig("kept");
+    dialog.endWork();
+    QCOMPARE(savedText(), QStringLiteral("kept"));
+}
+
+void TestMainDialogEnd::sessionThatMayEndSaves()
+{
+    OvrynDeck2 dialog(nullptr, kQuickPages);
+    QSignalSpy closed(&dialog, SIGNAL(closed()));
+    dialog.show();
+    dialog.onCommitDataRequest();
+    QVERIFY(savedText().contains(QLatin1String("GpuName=\"GeForce GTX 1070 Ti\"")));
+    QVERIFY(dialog.isVisible()); // the others of the session may still call its end off
+    QCOMPARE(closed.count(), 0);
+}
+
+void TestMainDialogEnd::destructionAloneSavesNothing()
+{
+    {
+        OvrynDeck2 dialog(nullptr, kQuickPages);
+    }
+    QVERIFY(!savedText().contains(QLatin1String("GpuName")));
+}
+
+void TestMainDialogEnd::allWorkersEndSideBySide()
+{
+    constexpr int kCards = 4;
+    driver->cards.resize(kCards);
+    auto dialog = std::make_unique<OvrynDeck2>(nullptr, kQuickPages);
+    const auto workers = dialog->findChildren<Ovryn_SendNvCardInfoThread *>();
+    QCOMPARE(workers.size(), kCards);
+    dialog->endWork();
+    for (Ovryn_SendNvCardInfoThread *worker : workers)
+        QTRY_VERIFY(worker->isFinished()); // none of them is deleted yet
 }
 
 void TestMainDialogEnd::partsGoCardByCard()

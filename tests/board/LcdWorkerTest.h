@@ -53,13 +53,14 @@ public:
     }
 
 protected:
-    void pause(QMutexLocker &held, unsigned int ms) override
+    bool pause(QMutexLocker &held, unsigned int ms) override
     {
         pauseMs = ms;
         held.unlock();
         sleeps.release();
         ticks.acquire();
         held.relock();
+        return true;
     }
 
 private:

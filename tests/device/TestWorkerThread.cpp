@@ -66,6 +66,7 @@ protected:
 };
 
 constexpr unsigned long kNoPatienceMs = 100; // with a cycle under way
+constexpr unsigned int kPauseWithoutEndMs = 3600 * 1000;
 
 /// A worker in one long cycle: the driver that it asks doesn't answer.
 class HangingWorker : public WorkerThread
@@ -90,10 +91,12 @@ protected:
         QMutexLocker held(&mutex);
         setTerminationEnabled(!deaf);
         inCall.release();
-        if (deaf)
+        if (deaf) {
             answer.acquire();
-        else
-            sleep(3600);
+        } else {
+            while (!answer.tryAcquire())
+                msleep(1); // can be ended by force here
+        }
         ++cycles;
         leaveLoop();
     }
@@ -132,8 +135,8 @@ private:
 class SleepyWorker : public WorkerThread
 {
 public:
-    explicit SleepyWorker(std::atomic<int> &cycleCount, std::atomic<bool> &hasLeft)
-        : cycles(cycleCount), left(hasLeft)
+    SleepyWorker(std::atomic<int> &cycleCount, std::atomic<bool> &hasLeft, unsigned int sleepMs = 500)
+        : cycles(cycleCount), left(hasLeft), pauseMs(sleepMs)
     {
     }
     ~SleepyWorker() override { endThread(); }
@@ -146,9 +149,8 @@ protected:
         QMutexLocker held(&mutex);
         for (;;) {
             ++cycles;
-            if (stopped)
+            if (stopped || !pause(held, pauseMs))
                 break;
-            pause(held, 500);
         }
         leaveLoop();
         left = true;
@@ -157,6 +159,7 @@ protected:
 private:
     std::atomic<int> &cycles;
     std::atomic<bool> &left;
+    const unsigned int pauseMs;
 };
 
 /// A worker whose loop gives up in its first cycle, and whose thread lives on until it is let go.
@@ -201,7 +204,11 @@ private slots:
     void startWhileTheThreadIsOnItsWayOut();
     void startAfterGivingUp();
     void destructionWhileItRuns();
-    void nothingWakesThePause();
+    void stopDoesNotWakeThePause();
+    void requestToEndWakesThePause();
+    void startAfterARequestToEnd();
+    void endInTime();
+    void patienceCountsFromTheRequest();
     void endOfANullWorker();
     void hangingCallIsEndedByForce();
     void threadBehindItsLoopIsNotEndedByForce();
@@ -271,7 +278,7 @@ void TestWorkerThread::destructionWhileItRuns()
     QTRY_VERIFY(worker.cycles >= 1);
 }
 
-void TestWorkerThread::nothingWakesThePause()
+void TestWorkerThread::stopDoesNotWakeThePause()
 {
     std::atomic<int> cycles{0};
     std::atomic<bool> left{false};
@@ -281,9 +288,73 @@ void TestWorkerThread::nothingWakesThePause()
     worker->stopThread();
     QVERIFY(!worker->wait(100));
     QCOMPARE(cycles.load(), 1);
+    QTRY_COMPARE(cycles.load(), 2); // the stop is seen after the next cycle
     QVERIFY(WorkerThread::endAndDelete(worker));
     QVERIFY(left); // by itself
-    QCOMPARE(cycles.load(), 2);
+}
+
+void TestWorkerThread::requestToEndWakesThePause()
+{
+    std::atomic<int> cycles{0};
+    std::atomic<bool> left{false};
+    SleepyWorker worker(cycles, left, kPauseWithoutEndMs);
+    worker.startThread();
+    QTRY_COMPARE(cycles.load(), 1);
+    worker.requestEnd();
+    QTRY_VERIFY(worker.isFinished());
+    QVERIFY(left);
+    QCOMPARE(cycles.load(), 1); // without another cycle
+    QVERIFY(worker.isStopped());
+}
+
+void TestWorkerThread::startAfterARequestToEnd()
+{
+    std::atomic<int> cycles{0};
+    std::atomic<bool> left{false};
+    SleepyWorker worker(cycles, left, kPauseWithoutEndMs);
+    worker.requestEnd();
+    worker.startThread();
+    QTRY_COMPARE(cycles.load(), 1);
+    QVERIFY(!worker.wait(50)); // it pauses as ever
+    QVERIFY(!worker.isStopped());
+}
+
+void TestWorkerThread::endInTime()
+{
+    std::atomic<int> cycles{0};
+    std::atomic<bool> left{false};
+    SleepyWorker sleepy(cycles, left, kPauseWithoutEndMs);
+    QVERIFY(sleepy.endsInTime()); // before it was ever started, too
+    sleepy.startThread();
+    QTRY_COMPARE(cycles.load(), 1);
+    QVERIFY(sleepy.endsInTime());
+    QVERIFY(sleepy.isFinished());
+
+    WorkerThread::setPatience(kNoPatienceMs);
+    HangingWorker hanging(false);
+    hanging.startThread();
+    hanging.inCall.acquire();
+    QVERIFY(!hanging.endsInTime());
+    WorkerThread::setPatience(WorkerThread::kCycleWaitMs);
+    QVERIFY(hanging.isRunning());
+    hanging.answer.release();
+    QVERIFY(hanging.wait(20000));
+}
+
+void TestWorkerThread::patienceCountsFromTheRequest()
+{
+#ifdef __SANITIZE_THREAD__
+    QSKIP("the thread sanitizer ends the program when a thread is ended by force");
+#endif
+    auto *worker = new HangingWorker(false);
+    worker->startThread();
+    worker->inCall.acquire();
+    WorkerThread::setPatience(1);
+    worker->requestEnd();
+    // So long a patience from here on would outlast the time that this program is given.
+    WorkerThread::setPatience(kPauseWithoutEndMs);
+    QVERIFY(WorkerThread::endAndDelete(worker, kPauseWithoutEndMs));
+    WorkerThread::setPatience(WorkerThread::kCycleWaitMs);
 }
 
 void TestWorkerThread::endOfANullWorker()

@@ -28,6 +28,8 @@ QByteArray configWith(const QByteArray &cardSections)
 
 const QByteArray kUsualBoard = QByteArray::number(0x111D7377u);
 
+const QString kFanToDriver = QStringLiteral("cooler 0% policy 32");
+
 QString savedAdjustment(const InstalledProgram &program, const char *attribute, int card)
 {
     return program.cardSections()

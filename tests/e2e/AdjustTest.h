@@ -21,6 +21,8 @@ extern const QByteArray kUsualBoard;
 [[nodiscard]] QJsonObject settings(const InstalledProgram &program, int card = 0);
 [[nodiscard]] QStringList coolerWrites(const InstalledProgram &program, int card, int from = 0);
 
+extern const QString kFanToDriver; ///< the order that gives the fan back, as coolerWrites() shows it
+
 constexpr int kMainThread = 1; ///< in the journal: it is the first to call
 
 /// What the tests of the adjust page share: the way there, and Apply.

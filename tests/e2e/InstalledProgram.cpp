@@ -26,6 +26,7 @@ void writeFile(const QString &path, const QByteArray &content)
 InstalledProgram::InstalledProgram(const VirtualScreen &ofScreen, const QString &executable) : screen(ofScreen)
 {
     QFile::copy(executable, folder.filePath(QStringLiteral("OvrynDeck2")));
+    QFile::copy(QStringLiteral(OVRYN_FAN_GUARD), folder.filePath(QStringLiteral("ovryn-fan-guard")));
     QDir(folder.path()).mkdir(QStringLiteral("runtime"));
     QFile::setPermissions(folder.filePath(QStringLiteral("runtime")),
                           QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
@@ -81,10 +82,15 @@ QProcessEnvironment InstalledProgram::environment() const
     return environment;
 }
 
+void InstalledProgram::prepare(QProcess &start) const
+{
+    start.setProcessEnvironment(environment());
+    start.setWorkingDirectory(QDir::rootPath()); // it must find its folder by itself
+}
+
 bool InstalledProgram::start()
 {
-    process.setProcessEnvironment(environment());
-    process.setWorkingDirectory(QDir::rootPath()); // it must find its folder by itself
+    prepare(process);
     process.start(folder.filePath(QStringLiteral("OvrynDeck2")), QStringList());
     return process.waitForStarted(kStartTimeoutMs);
 }
@@ -92,8 +98,7 @@ bool InstalledProgram::start()
 int InstalledProgram::startAgain()
 {
     QProcess second;
-    second.setProcessEnvironment(environment());
-    second.setWorkingDirectory(QDir::rootPath());
+    prepare(second);
     second.start(folder.filePath(QStringLiteral("OvrynDeck2")), QStringList());
     if (!second.waitForFinished(kStartTimeoutMs)) {
         second.kill();
@@ -106,6 +111,24 @@ int InstalledProgram::startAgain()
 void InstalledProgram::follow(qint64 processId)
 {
     followed = processId;
+}
+
+bool InstalledProgram::signal(const char *name)
+{
+    return isRunning() && QProcess::execute(QStringLiteral("kill"), {QLatin1Char('-') + QString::fromLatin1(name),
+                                                                     QString::number(process.processId())}) == 0;
+}
+
+QList<qint64> InstalledProgram::guards() const
+{
+    const QByteArray guard = QFile::encodeName(folder.filePath(QStringLiteral("ovryn-fan-guard")));
+    QList<qint64> found;
+    for (const QString &name : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
+        QFile commandLine(QStringLiteral("/proc/%1/cmdline").arg(name));
+        if (name.toLongLong() > 0 && commandLine.open(QIODevice::ReadOnly) && commandLine.readAll().startsWith(guard))
+            found << name.toLongLong();
+    }
+    return found;
 }
 
 bool InstalledProgram::kill()

@@ -24,12 +24,15 @@ public:
     void setVariable(const QString &name, const QString &value);                            ///< of the environment
     [[nodiscard]] QString path(const QString &name) const { return folder.filePath(name); } ///< in the installation
 
-    bool start();     ///< waits until the process runs
-    int startAgain(); ///< a second start at once; its exit code, -1 on a time-out
+    void prepare(QProcess &start) const; ///< a start of this installation that the test makes itself
+    bool start();                        ///< waits until the process runs
+    int startAgain();                    ///< a second start at once; its exit code, -1 on a time-out
     /// Another process, by its identifier, is the program from now on: its windows are looked for, and it ends with
     /// the object, too.
     void follow(qint64 processId);
-    bool kill();      ///< at once, as a crash or a power cut would; false when it has ended before
+    bool signal(const char *name); ///< as kill(1) names it: TERM, INT, HUP, KILL; false when it has ended before
+    bool kill();                   ///< at once, as a crash or a power cut would; false when it has ended before
+    [[nodiscard]] QList<qint64> guards() const; ///< living processes of the program's fan guard
     [[nodiscard]] bool isRunning() const;
     bool waitForEnd(int timeoutMs = 60000); ///< each worker of a card may sleep for a second before it ends
     [[nodiscard]] int exitCode() const { return process.exitCode(); }

@@ -23,6 +23,12 @@ VirtualScreen::~VirtualScreen()
     }
 }
 
+void VirtualScreen::breakDown()
+{
+    parts.front()->kill();
+    parts.front()->waitForFinished(kCommandTimeoutMs);
+}
+
 bool VirtualScreen::startPart(const QString &program, const QStringList &arguments)
 {
     auto process = std::make_unique<QProcess>();

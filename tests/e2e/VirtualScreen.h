@@ -19,6 +19,8 @@ class VirtualScreen
 public:
     ~VirtualScreen();
 
+    void breakDown(); ///< ends the X server under everything that is connected to it
+
     /// False with `error()` set when a part of it can't be started.
     bool start(QSize size = QSize(1280, 900));
     [[nodiscard]] QString error() const { return problem; }
