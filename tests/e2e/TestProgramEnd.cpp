@@ -11,6 +11,9 @@ private slots:
     void endDemandedByTheSystem_data();
     void endDemandedByTheSystem();
     void displayThatGoesAway();
+    void endOfTheSession_data();
+    void endOfTheSession();
+    void endOfTheSessionThatIsCalledOff();
     void endDemandedBeforeAnyCardWasFound();
     void startRightAfterTheClose_data();
     void startRightAfterTheClose();
@@ -30,6 +33,45 @@ namespace
 {
 
 const QByteArray kNoCards = R"({ "cards": [] })";
+
+/// A session manager that obeys the test.
+class SessionManager
+{
+public:
+    ~SessionManager()
+    {
+        process.closeWriteChannel();
+        process.waitForFinished(5000);
+    }
+
+    bool start()
+    {
+        process.start(QStringLiteral(OVRYN_SESSION_MANAGER), QStringList());
+        return QTest::qWaitFor([this] { return process.canReadLine(); }, kPatienceMs) &&
+               !(networkId = QString::fromLatin1(process.readLine()).trimmed()).isEmpty();
+    }
+    [[nodiscard]] QString address() const { return networkId; }
+    void order(const char *word)
+    {
+        process.write(QByteArray(word) + '\n');
+        process.waitForBytesWritten(kPatienceMs);
+    }
+    /// Waits until the manager has said that word.
+    [[nodiscard]] bool hears(const char *word)
+    {
+        return QTest::qWaitFor(
+            [&] {
+                said += process.readAllStandardOutput();
+                return said.contains(word);
+            },
+            kPatienceMs);
+    }
+
+private:
+    QProcess process;
+    QString networkId;
+    QByteArray said;
+};
 
 } // namespace
 
@@ -90,6 +132,62 @@ void TestProgramEnd::displayThatGoesAway()
     QCOMPARE(coolerWrites(program, 0).last(), kFanToDriver);
     QTRY_COMPARE_WITH_TIMEOUT(program.guards(), QList<qint64>(), kPatienceMs);
     QCOMPARE(coolerWrites(program, 0).count(kFanToDriver), 1);
+}
+
+void TestProgramEnd::endOfTheSession_data()
+{
+    QTest::addColumn<bool>("hidden");
+    QTest::newRow("shown") << false;
+    QTest::newRow("hidden in the tray") << true;
+}
+
+void TestProgramEnd::endOfTheSession()
+{
+    QFETCH(bool, hidden);
+    SessionManager manager;
+    QVERIFY(manager.start());
+    InstalledProgram program(screen);
+    program.setVariable(QStringLiteral("SESSION_MANAGER"), manager.address());
+    program.useScenario(sceneOf({kSteadyCard}));
+    const qint64 window = windowWithFanOnCurve(program);
+    QVERIFY(window != 0);
+    QVERIFY(manager.hears("registered"));
+    if (hidden) {
+        program.clickIn(window, layout.minimizeButton.center());
+        QTRY_COMPARE_WITH_TIMEOUT(program.mainWindow(), qint64(0), kPatienceMs);
+    }
+    QVERIFY(program.configText(QStringLiteral("LastCloseDate")) != today());
+    manager.order("save");
+    QVERIFY(manager.hears("saved"));
+    QCOMPARE(program.configText(QStringLiteral("LastCloseDate")), today());
+    QCOMPARE(savedAdjustment(program, "FanMode"), QStringLiteral("2"));
+    QVERIFY(program.isRunning());
+    QVERIFY(coolerWrites(program, 0).last() != kFanToDriver); // the curve is followed to the end
+
+    manager.order("die");
+    QVERIFY(program.waitForEnd());
+    QVERIFY(program.endedNormally());
+    QCOMPARE(coolerWrites(program, 0).last(), kFanToDriver);
+    QTRY_COMPARE_WITH_TIMEOUT(program.guards(), QList<qint64>(), kPatienceMs);
+}
+
+void TestProgramEnd::endOfTheSessionThatIsCalledOff()
+{
+    SessionManager manager;
+    QVERIFY(manager.start());
+    InstalledProgram program(screen);
+    program.setVariable(QStringLiteral("SESSION_MANAGER"), manager.address());
+    program.useScenario(sceneOf({kSteadyCard}));
+    const qint64 window = windowWithFanOnCurve(program);
+    QVERIFY(window != 0);
+    QVERIFY(manager.hears("registered"));
+    manager.order("save");
+    QVERIFY(manager.hears("saved"));
+    manager.order("cancel");
+    const int orders = coolerWrites(program, 0).size();
+    QTRY_VERIFY_WITH_TIMEOUT(coolerWrites(program, 0).size() > orders + 1, kPatienceMs); // all goes on
+    QCOMPARE(program.mainWindow(), window);
+    closeByButton(program, window);
 }
 
 void TestProgramEnd::endDemandedBeforeAnyCardWasFound()
