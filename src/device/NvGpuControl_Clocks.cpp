@@ -123,10 +123,24 @@ void takeOffsetRange(const Pstates &record, quint32 domainId, NvClockOffsetRange
     out.maxOffset = clock->freqDelta_kHz.valueRange.max / kSignedThousand;
 }
 
-/// Capped at the maximum first and then raised to the minimum. A range that could not be read is 0 to 0.
+/// A range that could not be read is 0 to 0.
 qint32 clampedOffset(qint32 offsetMHz, const NvClockOffsetRange &range)
 {
-    return std::max(std::min(offsetMHz, range.maxOffset), range.minOffset);
+    return withinRange(offsetMHz, range.minOffset, range.maxOffset);
+}
+
+/// The offsets that P0's core voltage allows, in microvolts; 0 to 0 where that can't be read.
+NvApiPstateDelta::Range coreVoltageRange(void *gpu)
+{
+    Pstates record{};
+    const Pstates::Pstate *const p0 = readPstates(gpu, record) ? findP0(record) : nullptr;
+    if (!p0)
+        return {};
+    const auto end = p0->baseVoltages + baseVoltageCount(record);
+    const auto core = std::find_if(p0->baseVoltages, end, [](const Pstates::Voltage &voltage) {
+        return voltage.domainId == kVoltageDomainCore;
+    });
+    return core == end ? NvApiPstateDelta::Range{} : core->voltDelta_uV.valueRange;
 }
 
 /// A record that writes one clock offset of P0.
@@ -281,6 +295,12 @@ bool NvGpuControl::setVoltageOffset(qint32 offsetMicroVolt)
     void *const gpu = currentHandle();
     if (!gpu)
         return false;
+    // The page holds the range too. This is the last fence before the chip, so what the card doesn't allow never
+    // goes out. Taking the offset back needs no range: it must work on a card whose range can't be read.
+    if (offsetMicroVolt != 0) {
+        const NvApiPstateDelta::Range range = coreVoltageRange(gpu);
+        offsetMicroVolt = withinRange(offsetMicroVolt, range.min, range.max);
+    }
     Pstates record{};
     record.numPstates = 1;
     record.numClocks = 0;
