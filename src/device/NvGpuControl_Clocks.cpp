@@ -327,22 +327,27 @@ bool NvGpuControl::restoreDefaults()
     if (!gpu)
         return false;
 
-    // Every step is tried, whatever became of those before it; only the power write is reported.
+    // Every step whose figures could be read is tried, whatever became of those before it; only the power write is
+    // reported.
     NvAPI_DriverEntry_B23B70EE(gpu, kPrepareRestore);
     clearClockOffsets(gpu);
 
+    // A default of 0 was never read: no card has one.
     NvPowerInfo power;
     getPowerInfo(power);
-    const bool powerRestored = writeDefaultPower(gpu, power);
+    const bool powerRestored = power.defaultPower != 0 && writeDefaultPower(gpu, power);
 
     setCoolerAuto();
     setVoltageOffset(0);
 
     NvThermalPolicyInfo thermal;
     getThermalPolicyInfo(thermal);
+    const bool thermalRead = thermal.defaultTemp != 0;
     const quint32 thermalPolicyId = static_cast<quint32>(thermal.policyId);
-    setThermalLimit(thermalPolicyId, static_cast<float>(thermal.defaultTemp), true);
+    if (thermalRead)
+        setThermalLimit(thermalPolicyId, static_cast<float>(thermal.defaultTemp), true);
     setOverVoltage(0);
-    setThermalPriority(thermalPolicyId, 0);
+    if (thermalRead)
+        setThermalPriority(thermalPolicyId, 0);
     return powerRestored;
 }
