@@ -212,6 +212,7 @@ bool NvGpuControl::getBaseClocks(NvClockSet &out, bool wantDefault)
         addOffsets(record, out);
     } else {
         clocksOfPstates(record, out);
+        out.fromPstates = true;
     }
     return true;
 }

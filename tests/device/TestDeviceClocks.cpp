@@ -60,6 +60,7 @@ class TestDeviceClocks : public QObject
 private slots:
     void baseClocks_data();
     void baseClocks();
+    void clocksOfThePstatesAreMarked();
     void failedPstatesZeroTheClocks_data();
     void failedPstatesZeroTheClocks();
     void clockRanges_data();
@@ -236,6 +237,18 @@ void TestDeviceClocks::baseClocks()
     NvClockSet out{7, 8, 9};
     QCOMPARE(gpu.getBaseClocks(out, wantDefault), result);
     QCOMPARE(fields(out), MHz);
+}
+
+void TestDeviceClocks::clocksOfThePstatesAreMarked()
+{
+    FakeDriver driver;
+    NvGpuControl gpu;
+    NvClockSet out;
+    driver.fails("NvAPI_GPU_GetAllClockFrequencies", NVAPI_ERROR, 1, 3);
+    QVERIFY(gpu.getBaseClocks(out, false));
+    QVERIFY(out.fromPstates); // 1911 MHz with the boost, where the base is 1607
+    QVERIFY(gpu.getBaseClocks(out, false));
+    QVERIFY(!out.fromPstates);
 }
 
 void TestDeviceClocks::failedPstatesZeroTheClocks_data()

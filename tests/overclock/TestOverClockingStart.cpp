@@ -97,17 +97,13 @@ void TestOverClockingStart::startWithSavedValues_data()
             saved.GpuFreClock = saved.FanSpeedLevel = saved.Voltage = -1;
             saved.MemoryFreClock = saved.Power = saved.Temperature = kLowest;
         });
-    row("zeros are values",
-        fanThen("GPU_SetCoolerLevels gpu0 cooler=7 0x100A4 [8]=1",
-                settingCalls(-200000, -502000, 60 * 256, 50000, -1062000)),
+    row("zeros are values, below every range",
+        fanThen(fanLevelCall(27), settingCalls(-200000, -502000, 60 * 256, 50000, -100000)),
         [](AdjustModuleInfo &saved) {
             saved.GpuFreClock = saved.FanSpeedLevel = saved.Voltage = 0;
             saved.MemoryFreClock = saved.Power = saved.Temperature = 0;
         });
-    // The voltage goes down as given, wrapped to 32 bits; a temperature beyond the range goes out as the raw maximum
-    // times 256.
-    row("far above every range",
-        fanThen(fanLevelCall(kHighest), settingCalls(1000000, 1000000, 90 * 256 * 256, 120000, -1063000)),
+    row("far above every range", fanThen(fanLevelCall(100), settingCalls(1000000, 1000000, 90 * 256, 120000, 100000)),
         [](AdjustModuleInfo &saved) {
             saved.GpuFreClock = saved.FanSpeedLevel = saved.Voltage = kHighest;
             saved.MemoryFreClock = saved.Power = saved.Temperature = kHighest;
@@ -136,6 +132,8 @@ void TestOverClockingStart::savedCurve_data()
 
     QTest::newRow("user's curve") << 2 << kSteepCurve << kSteepCurveLevel;
     QTest::newRow("no curve saved: the default one drives") << 2 << QList<QPoint>{} << kDefaultCurveLevel;
+    QTest::newRow("fan mode 7 is the curve") << 7 << kSteepCurve << kSteepCurveLevel;
+    QTest::newRow("a negative fan mode is the curve") << -1 << kSteepCurve << kSteepCurveLevel;
     QTest::newRow("an unknown fan mode is the curve") << 9 << kSteepCurve << kSteepCurveLevel;
 }
 
