@@ -33,12 +33,14 @@ struct UpdateSettingInfo
 /// What the adjust page remembers of a card. Absolute values; -1 where nothing was ever adjusted.
 struct AdjustModuleInfo
 {
-    qint32 GpuFreClock = -1;    ///< MHz
-    qint32 FanSpeedLevel = -1;  ///< percent
-    qint32 Voltage = -1;        ///< millivolts
-    qint32 MemoryFreClock = -1; ///< MHz
-    qint32 Power = -1;          ///< percent
-    qint32 Temperature = -1;    ///< degrees Celsius
+    static constexpr qint32 kNeverAdjusted = -1;
+
+    qint32 GpuFreClock = kNeverAdjusted;    ///< MHz
+    qint32 FanSpeedLevel = kNeverAdjusted;  ///< percent
+    qint32 Voltage = kNeverAdjusted;        ///< millivolts
+    qint32 MemoryFreClock = kNeverAdjusted; ///< MHz
+    qint32 Power = kNeverAdjusted;          ///< percent
+    qint32 Temperature = kNeverAdjusted;    ///< degrees Celsius
     bool LinkOfPowerWithTemperature = false;
     qint32 FanMode = 0;  ///< 0 auto, 1 manual, 2 user-defined
     QList<QPoint> Nodes; ///< fan curve: x degrees Celsius, y percent

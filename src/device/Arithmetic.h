@@ -20,6 +20,13 @@
     return static_cast<qint32>(value);
 }
 
+/// The value, not above the maximum and not below the minimum. A minimum above the maximum wins, as in a number box.
+[[nodiscard]] constexpr qint32 withinRange(qint32 value, qint32 minimum, qint32 maximum)
+{
+    const qint32 notAbove = value > maximum ? maximum : value;
+    return notAbove < minimum ? minimum : notAbove;
+}
+
 /// Sum, difference and product of 32-bit integers that wrap instead of overflowing: what comes from the
 /// driver has no bounds.
 [[nodiscard]] constexpr qint32 wrappingSum(qint32 left, qint32 right)

@@ -78,6 +78,9 @@ struct NvClockSet
     qint32 gpuClock = 0;
     qint32 memoryClock = 0;
     qint32 processorClock = 0;
+    /// The base frequencies were not read, so these are the tops of P0, boost included: no figures to compare with a
+    /// base clock.
+    bool fromPstates = false;
 };
 
 /// Utilisation in percent.

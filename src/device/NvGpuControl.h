@@ -50,12 +50,13 @@ public:
 
     // ---- live telemetry; each read folds its value into the extremes ----
     bool getClockFrequencies(NvClockSet &out,
-                             quint32 clockType);      ///< MHz; 0 current, 1 base, 2 boost; `out` kept on failure
-    void getCurrentClocks(NvClockSet &out);           ///< MHz; a failed read folds what `out` held
-    bool getGpuUsage(NvUsageInfo &out);               ///< percent; zeros on failure
-    bool getThermalSensor(NvThermalInfo &out);        ///< degrees Celsius; zeros on failure or without a GPU sensor
-    bool getMemoryInfo(NvMemoryInfo &out);            ///< KB; zeros on failure; a TCC card has a total only
-    bool readBoardSensor(quint8 address, int &value); ///< degrees Celsius; 0 on failure
+                             quint32 clockType); ///< MHz; 0 current, 1 base, 2 boost; `out` kept on failure
+    void getCurrentClocks(NvClockSet &out);      ///< MHz; a failed read folds what `out` held
+    bool getGpuUsage(NvUsageInfo &out);          ///< percent; zeros on failure
+    /// Degrees Celsius; zeros and false on failure or without a GPU sensor.
+    bool getThermalSensor(NvThermalInfo &out);
+    bool getMemoryInfo(NvMemoryInfo &out);               ///< KB; zeros on failure; a TCC card has a total only
+    bool readBoardSensor(quint8 address, int &value);    ///< degrees Celsius; 0 on failure
     void getBoardTemperatures(NvBoardTemperatures &out); ///< degrees Celsius; 0 for a missing sensor
     void getExtremes(NvExtremes &out);                   ///< a consistent copy
 
@@ -66,24 +67,27 @@ public:
     bool getVoltageInfo(NvVoltageInfo &out);               ///< millivolts
     bool setGpuClockOffset(qint32 offsetMHz);              ///< cut to the card's range
     bool setMemoryClockOffset(qint32 offsetMHz);           ///< cut to the card's range
-    bool setVoltageOffset(qint32 offsetMicroVolt);         ///< goes down as given: the page holds the range
-    bool setOverVoltage(qint32 offsetMicroVolt);           ///< goes down as given
-    bool restoreDefaults(); ///< every step is tried; true exactly when the power write succeeded
+    /// Cut to the range of P0's core voltage, and to 0 where that can't be read. 0 goes down in any case.
+    bool setVoltageOffset(qint32 offsetMicroVolt);
+    bool setOverVoltage(qint32 offsetMicroVolt); ///< goes down as given
+    /// Every step is tried, save those whose default can't be read; true exactly when the power write succeeded.
+    bool restoreDefaults();
 
     // ---- power and thermal policy ----
     bool getPowerInfo(NvPowerInfo &out);                 ///< percent
     bool getThermalPolicyInfo(NvThermalPolicyInfo &out); ///< degrees Celsius; `out` kept without a card
     bool setPowerLimit(quint32 policyId, float percent); ///< cut to the policy's range
-    bool setThermalLimit(quint32 policyId, float degrees, bool priority);
-    void setThermalPriority(quint32 policyId, quint8 value); ///< 0 or 1; silent on failure
+    bool setThermalLimit(quint32 policyId, float degrees, bool priority); ///< cut to the policy's range
+    void setThermalPriority(quint32 policyId, quint8 value);              ///< 0 or 1; silent on failure
     bool powerToTemperature(quint32 powerPolicyId, quint32 thermalPolicyId, float percent, NvLimitPair &out);
     bool temperatureToPower(quint32 powerPolicyId, quint32 thermalPolicyId, float degrees, float currentPercent,
                             NvLimitPair &out);
 
     // ---- coolers ----
     bool getCoolerInfo(NvCoolerInfo &out);
-    bool setCoolerLevel(qint32 level, qint32 policy); ///< percent, or -1 for the card's default
-    bool setCoolerAuto();                             ///< hands the fan back to the driver
+    /// Percent, cut to the cooler's range, or to 0 to 100 where that can't be read; -1 for the card's default.
+    bool setCoolerLevel(qint32 level, qint32 policy);
+    bool setCoolerAuto(); ///< hands the fan back to the driver
 
     // ---- I2C, port 1 of the card at 400 kHz ----
     bool i2cRead(quint8 address, quint8 reg, quint32 regSize, quint8 *data, quint32 size);

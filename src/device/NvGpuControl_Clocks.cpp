@@ -123,10 +123,24 @@ void takeOffsetRange(const Pstates &record, quint32 domainId, NvClockOffsetRange
     out.maxOffset = clock->freqDelta_kHz.valueRange.max / kSignedThousand;
 }
 
-/// Capped at the maximum first and then raised to the minimum. A range that could not be read is 0 to 0.
+/// A range that could not be read is 0 to 0.
 qint32 clampedOffset(qint32 offsetMHz, const NvClockOffsetRange &range)
 {
-    return std::max(std::min(offsetMHz, range.maxOffset), range.minOffset);
+    return withinRange(offsetMHz, range.minOffset, range.maxOffset);
+}
+
+/// The offsets that P0's core voltage allows, in microvolts; 0 to 0 where that can't be read.
+NvApiPstateDelta::Range coreVoltageRange(void *gpu)
+{
+    Pstates record{};
+    const Pstates::Pstate *const p0 = readPstates(gpu, record) ? findP0(record) : nullptr;
+    if (!p0)
+        return {};
+    const auto end = p0->baseVoltages + baseVoltageCount(record);
+    const auto core = std::find_if(p0->baseVoltages, end, [](const Pstates::Voltage &voltage) {
+        return voltage.domainId == kVoltageDomainCore;
+    });
+    return core == end ? NvApiPstateDelta::Range{} : core->voltDelta_uV.valueRange;
 }
 
 /// A record that writes one clock offset of P0.
@@ -198,6 +212,7 @@ bool NvGpuControl::getBaseClocks(NvClockSet &out, bool wantDefault)
         addOffsets(record, out);
     } else {
         clocksOfPstates(record, out);
+        out.fromPstates = true;
     }
     return true;
 }
@@ -281,6 +296,12 @@ bool NvGpuControl::setVoltageOffset(qint32 offsetMicroVolt)
     void *const gpu = currentHandle();
     if (!gpu)
         return false;
+    // The page holds the range too. This is the last fence before the chip, so what the card doesn't allow never
+    // goes out. Taking the offset back needs no range: it must work on a card whose range can't be read.
+    if (offsetMicroVolt != 0) {
+        const NvApiPstateDelta::Range range = coreVoltageRange(gpu);
+        offsetMicroVolt = withinRange(offsetMicroVolt, range.min, range.max);
+    }
     Pstates record{};
     record.numPstates = 1;
     record.numClocks = 0;
@@ -307,22 +328,27 @@ bool NvGpuControl::restoreDefaults()
     if (!gpu)
         return false;
 
-    // Every step is tried, whatever became of those before it; only the power write is reported.
+    // Every step whose figures could be read is tried, whatever became of those before it; only the power write is
+    // reported.
     NvAPI_DriverEntry_B23B70EE(gpu, kPrepareRestore);
     clearClockOffsets(gpu);
 
+    // A default of 0 was never read: no card has one.
     NvPowerInfo power;
     getPowerInfo(power);
-    const bool powerRestored = writeDefaultPower(gpu, power);
+    const bool powerRestored = power.defaultPower != 0 && writeDefaultPower(gpu, power);
 
     setCoolerAuto();
     setVoltageOffset(0);
 
     NvThermalPolicyInfo thermal;
     getThermalPolicyInfo(thermal);
+    const bool thermalRead = thermal.defaultTemp != 0;
     const quint32 thermalPolicyId = static_cast<quint32>(thermal.policyId);
-    setThermalLimit(thermalPolicyId, static_cast<float>(thermal.defaultTemp), true);
+    if (thermalRead)
+        setThermalLimit(thermalPolicyId, static_cast<float>(thermal.defaultTemp), true);
     setOverVoltage(0);
-    setThermalPriority(thermalPolicyId, 0);
+    if (thermalRead)
+        setThermalPriority(thermalPolicyId, 0);
     return powerRestored;
 }

@@ -1,5 +1,6 @@
 #include "device/NvGpuControl.h"
 
+#include "device/Arithmetic.h"
 #include "device/nvapi/DriverText.h"
 #include "device/nvapi/NvApi.h"
 #include "device/nvapi/VersionLadder.h"
@@ -21,6 +22,7 @@ constexpr std::array<quint32, 2> kCoolerLevelsVersions = {kCoolerLevelsVersion1,
 constexpr std::array<quint32, 1> kNewestCoolerLevelsVersion = {kCoolerLevelsVersion1};
 
 constexpr qint32 kDefaultLevel = -1; ///< asks setCoolerLevel for the card's own default
+constexpr qint32 kHighestPercent = 100;
 
 constexpr qint32 kAcceptedPolicies[] = {kCoolerPolicyManual, kCoolerPolicyPerformance,
                                         kCoolerPolicyDiscreteTemperature, kCoolerPolicyContinuousTemperature,
@@ -41,6 +43,20 @@ bool writeCoolerLevels(void *gpu, const std::array<quint32, versionCount> &versi
     return descend(versions, record,
                    [gpu](NvApiCoolerLevels *levels) { return NvAPI_GPU_SetCoolerLevels(gpu, kAllCoolers, levels); })
         .succeeded();
+}
+
+/// The level that may go out: a percentage, and within the range of the first cooler, whose level is the one
+/// written. A range that can't be read, or one without a top above its bottom, tells nothing: kept to, it would hold
+/// the fan at its lowest level however hot the card is.
+qint32 allowedLevel(void *gpu, qint32 level)
+{
+    NvApiCoolerSettings settings{};
+    if (readCoolerSettings(gpu, kCoolerSettingsVersions, settings).succeeded() && settings.count > 0) {
+        const NvApiCoolerSettings::Cooler &cooler = settings.cooler[0];
+        if (cooler.defaultMax > 0 && cooler.defaultMax >= cooler.defaultMin)
+            level = withinRange(level, cooler.defaultMin, cooler.defaultMax);
+    }
+    return withinRange(level, 0, kHighestPercent);
 }
 
 quint32 readTachometer(void *gpu)
@@ -122,7 +138,7 @@ bool NvGpuControl::setCoolerLevel(qint32 level, qint32 policy)
         if (!writeCoolerLevels(gpu, kNewestCoolerLevelsVersion, levels))
             return false;
     } else {
-        levels.levels[0].level = level;
+        levels.levels[0].level = allowedLevel(gpu, level);
         if (std::find(std::begin(kAcceptedPolicies), std::end(kAcceptedPolicies), policy) !=
             std::end(kAcceptedPolicies))
             levels.levels[0].policy = policy;

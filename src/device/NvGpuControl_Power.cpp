@@ -305,19 +305,17 @@ bool NvGpuControl::setThermalLimit(quint32 policyId, float degrees, bool priorit
         return false;
 
     const ThermalInfo::Entry &entry = info.entries[policy];
-    const qint32 raw = cutToInt(degrees * kDegreesToRaw);
-    const qint32 minDegrees = entry.minTemp / kRawPerDegree; // the fraction is dropped
-    // The two sides differ, and are meant to. Above the range the driver's raw figure is taken for degrees and
-    // scaled once more below, so a value far beyond the range goes out. Below the range the limit is cut to it.
+    // A limit above the card's range would let it run hotter than it was made for, so the range's top goes out.
+    qint32 raw = cutToInt(degrees * kDegreesToRaw);
     if (raw > entry.maxTemp)
-        degrees = static_cast<float>(entry.maxTemp);
+        raw = entry.maxTemp;
     else if (raw < entry.minTemp)
-        degrees = static_cast<float>(minDegrees);
+        raw = entry.minTemp / kRawPerDegree * kRawPerDegree; // the fraction is dropped
 
     ThermalStatus status{};
     status.count = 1;
     status.entries[0].policyId = policyId;
-    status.entries[0].temperature = cutToInt(degrees * kDegreesToRaw);
+    status.entries[0].temperature = raw;
     status.entries[0].flags = priority ? kPriority : 0;
     return writeThermalStatus(gpu, kThermalPoliciesStatusVersions, status);
 }

@@ -104,13 +104,14 @@ bool NvGpuControl::getThermalSensor(NvThermalInfo &out)
     const auto sensor = std::find_if(record.sensor, end, [](const NvApiThermalSettings::Sensor &candidate) {
         return candidate.target == kThermalTargetGpu;
     });
-    if (sensor != end) {
+    const bool found = sensor != end;
+    if (found) {
         out.defaultMinTemp = sensor->defaultMinTemp;
         out.defaultMaxTemp = sensor->defaultMaxTemp;
         out.currentTemp = sensor->currentTemp;
     }
     fold(ExtremeTemperature, out.currentTemp);
-    return true;
+    return found; // 0 degrees that nobody measured must not drive a fan
 }
 
 bool NvGpuControl::getMemoryInfo(NvMemoryInfo &out)

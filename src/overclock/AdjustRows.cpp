@@ -24,6 +24,10 @@ bool gpuClockEditable(const Param &param)
 {
     return param.gpuRange.editable;
 }
+bool gpuClockRead(const Param &param)
+{
+    return param.gpuRange.baseClock != 0;
+}
 
 qint32 &fanLevel(Param &param)
 {
@@ -36,6 +40,10 @@ AdjustRange fanRange(const Param &param)
 bool fanEditable(const Param &param)
 {
     return param.fanMode == FanManual && isFanControllable(param);
+}
+bool fanRead(const Param &param)
+{
+    return param.cooler.defaultMaxLevel > 0 && param.cooler.defaultMaxLevel >= param.cooler.defaultMinLevel;
 }
 
 qint32 &voltage(Param &param)
@@ -50,6 +58,10 @@ bool voltageEditable(const Param &param)
 {
     return param.voltage.editable;
 }
+bool voltageRead(const Param &param)
+{
+    return param.voltage.baseVoltage != 0;
+}
 
 qint32 &memoryClock(Param &param)
 {
@@ -62,6 +74,10 @@ AdjustRange memoryClockRange(const Param &param)
 bool memoryClockEditable(const Param &param)
 {
     return param.memoryRange.editable;
+}
+bool memoryClockRead(const Param &param)
+{
+    return param.memoryRange.baseClock != 0;
 }
 
 qint32 &power(Param &param)
@@ -76,6 +92,10 @@ bool powerEditable(const Param &param)
 {
     return param.power.present;
 }
+bool powerRead(const Param &param)
+{
+    return param.power.present && param.power.maxPower > 0;
+}
 
 qint32 &temperature(Param &param)
 {
@@ -89,8 +109,21 @@ bool temperatureEditable(const Param &param)
 {
     return param.thermal.present;
 }
+bool temperatureRead(const Param &param)
+{
+    return param.thermal.present && param.thermal.maxTemp > 0;
+}
 
 } // namespace
+
+OverClockingParam limitedToRows(OverClockingParam param)
+{
+    for (const AdjustRow &row : kAdjustRows) {
+        const AdjustRange range = row.range(param);
+        row.value(param) = withinRange(row.value(param), range.minimum, range.maximum);
+    }
+    return param;
+}
 
 bool isFanControllable(const OverClockingParam &param)
 {
@@ -99,12 +132,12 @@ bool isFanControllable(const OverClockingParam &param)
 
 // clang-format off
 const std::array<AdjustRow, AdjustRowCount> kAdjustRows = {{
-    // object name       caption                       value        range             editable
-    {"gpuClockRow",     &Lang_OverClock::gpuClock,    gpuClock,    gpuClockRange,    gpuClockEditable},
-    {"fanRow",          &Lang_OverClock::fanSpeed,    fanLevel,    fanRange,         fanEditable},
-    {"voltageRow",      &Lang_OverClock::gpuVoltage,  voltage,     voltageRange,     voltageEditable},
-    {"memoryClockRow",  &Lang_OverClock::memClock,    memoryClock, memoryClockRange, memoryClockEditable},
-    {"powerRow",        &Lang_OverClock::targetPower, power,       powerRange,       powerEditable},
-    {"temperatureRow",  &Lang_OverClock::targetTemp,  temperature, temperatureRange, temperatureEditable},
+    // object name       caption                       value        range             editable             wasRead          saved
+    {"gpuClockRow",     &Lang_OverClock::gpuClock,    gpuClock,    gpuClockRange,    gpuClockEditable,    gpuClockRead,    &AdjustModuleInfo::GpuFreClock},
+    {"fanRow",          &Lang_OverClock::fanSpeed,    fanLevel,    fanRange,         fanEditable,         fanRead,         &AdjustModuleInfo::FanSpeedLevel},
+    {"voltageRow",      &Lang_OverClock::gpuVoltage,  voltage,     voltageRange,     voltageEditable,     voltageRead,     &AdjustModuleInfo::Voltage},
+    {"memoryClockRow",  &Lang_OverClock::memClock,    memoryClock, memoryClockRange, memoryClockEditable, memoryClockRead, &AdjustModuleInfo::MemoryFreClock},
+    {"powerRow",        &Lang_OverClock::targetPower, power,       powerRange,       powerEditable,       powerRead,       &AdjustModuleInfo::Power},
+    {"temperatureRow",  &Lang_OverClock::targetTemp,  temperature, temperatureRange, temperatureEditable, temperatureRead, &AdjustModuleInfo::Temperature},
 }};
 // clang-format on

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "config/ConfigRecords.h"
 #include "overclock/OverClockingParam.h"
 #include "ui/Ovryn_LanguageTable.h"
 
@@ -32,10 +33,15 @@ struct AdjustRow
     qint32 &(*value)(OverClockingParam &param);
     AdjustRange (*range)(const OverClockingParam &param);
     bool (*editable)(const OverClockingParam &param);
+    bool (*wasRead)(const OverClockingParam &param); ///< false: value and range tell nothing about the card
+    qint32 AdjustModuleInfo::*saved;
 };
 
 /// In the order of AdjustRowIndex.
 extern const std::array<AdjustRow, AdjustRowCount> kAdjustRows;
+
+/// The snapshot with every value as its row's number box shows it: within the row's range.
+[[nodiscard]] OverClockingParam limitedToRows(OverClockingParam param);
 
 /// A card with a fan of one fixed level can't be controlled.
 [[nodiscard]] bool isFanControllable(const OverClockingParam &param);

@@ -2,6 +2,7 @@
 
 #include "device/Arithmetic.h"
 #include "device/NvGpuControl.h"
+#include "overclock/AdjustRows.h"
 
 namespace
 {
@@ -10,25 +11,43 @@ constexpr qint32 kCoolerPolicyManual = 1;
 constexpr qint32 kCoolerPolicyAuto = 0x20;
 constexpr qint32 kMicrovoltsPerMillivolt = 1000;
 
+/// MHz above the base clock. While that was not read the whole clock would be the offset, so there is none.
+qint32 clockOffset(qint32 clock, const NvClockOffsetRange &range)
+{
+    return range.baseClock == 0 ? 0 : wrappingDifference(clock, range.baseClock);
+}
+
+/// The base clock stands in for a clock that was not read: no offset.
+qint32 clockOrBase(qint32 clock, bool wasRead, const NvClockOffsetRange &range)
+{
+    return wasRead && clock != 0 ? clock : range.baseClock;
+}
+
 } // namespace
 
-std::vector<CardWrite> writesFor(const OverClockingParam &param)
+std::vector<CardWrite> writesFor(const OverClockingParam &wanted)
 {
+    // A number box can't show what lies beyond the card's range, but a settings file can hold it.
+    const OverClockingParam param = limitedToRows(wanted);
+    const auto wasRead = [&param](AdjustRowIndex row) {
+        return kAdjustRows[row].wasRead(param);
+    };
+
     std::vector<CardWrite> writes;
-    if (param.fanMode == FanAuto)
+    // Nobody knows what a level by hand would mean to a cooler that was not read; the driver's control is always
+    // safe.
+    if (param.fanMode == FanAuto || (param.fanMode == FanManual && !wasRead(RowFan)))
         writes.push_back({CardWrite::CoolerLevel, kCoolerPolicyAuto, param.cooler.currentLevel});
     else if (param.fanMode == FanManual)
         writes.push_back({CardWrite::CoolerLevel, kCoolerPolicyManual, param.cooler.currentLevel});
 
-    writes.push_back(
-        {CardWrite::GpuClockOffset, 0, wrappingDifference(param.clocks.gpuClock, param.gpuRange.baseClock)});
-    writes.push_back(
-        {CardWrite::MemoryClockOffset, 0, wrappingDifference(param.clocks.memoryClock, param.memoryRange.baseClock)});
-    // Also for a card without thermal policies: the device operation finds none and refuses.
-    writes.push_back({CardWrite::ThermalLimit, param.thermal.policyId, param.thermal.currentTemp});
-    if (param.power.present)
+    writes.push_back({CardWrite::GpuClockOffset, 0, clockOffset(param.clocks.gpuClock, param.gpuRange)});
+    writes.push_back({CardWrite::MemoryClockOffset, 0, clockOffset(param.clocks.memoryClock, param.memoryRange)});
+    if (wasRead(RowTemperature))
+        writes.push_back({CardWrite::ThermalLimit, param.thermal.policyId, param.thermal.currentTemp});
+    if (wasRead(RowPower))
         writes.push_back({CardWrite::PowerLimit, param.power.policyId, param.power.currentPower});
-    if (param.voltage.editable) {
+    if (param.voltage.editable && wasRead(RowVoltage)) {
         const qint32 millivolts = wrappingDifference(param.voltage.currentVoltage, param.voltage.baseVoltage);
         writes.push_back({CardWrite::VoltageOffset, 0, wrappingProduct(millivolts, kMicrovoltsPerMillivolt)});
     }
@@ -48,8 +67,7 @@ bool send(const CardWrite &write, NvGpuControl &gpu)
     case CardWrite::ThermalLimit:
         return gpu.setThermalLimit(unsignedId, static_cast<float>(write.value), true);
     case CardWrite::PowerLimit:
-        // A negative target counts as a huge one, which the device operation cuts to the maximum.
-        return gpu.setPowerLimit(unsignedId, static_cast<float>(static_cast<quint32>(write.value)));
+        return gpu.setPowerLimit(unsignedId, static_cast<float>(write.value));
     case CardWrite::VoltageOffset:
         return gpu.setVoltageOffset(write.value);
     }
@@ -60,11 +78,19 @@ OverClockingParam readSnapshot(NvGpuControl &gpu)
 {
     OverClockingParam param;
     gpu.getCoolerInfo(param.cooler);
-    gpu.getThermalPolicyInfo(param.thermal);
-    gpu.getPowerInfo(param.power);
+    // A limit without its range, or a range without its limit, is no base for an order.
+    if (!gpu.getThermalPolicyInfo(param.thermal))
+        param.thermal = {};
+    if (!gpu.getPowerInfo(param.power))
+        param.power = {};
     gpu.getVoltageInfo(param.voltage);
-    gpu.getBaseClocks(param.clocks, false);
+    const bool clocksRead = gpu.getBaseClocks(param.clocks, false) && !param.clocks.fromPstates;
     gpu.getGpuClockRange(param.gpuRange);
     gpu.getMemoryClockRange(param.memoryRange);
+
+    param.clocks.gpuClock = clockOrBase(param.clocks.gpuClock, clocksRead, param.gpuRange);
+    param.clocks.memoryClock = clockOrBase(param.clocks.memoryClock, clocksRead, param.memoryRange);
+    if (param.voltage.currentVoltage == 0)
+        param.voltage.currentVoltage = param.voltage.baseVoltage;
     return param;
 }

@@ -71,6 +71,7 @@ Ovryn_OverClockingWidget::Ovryn_OverClockingWidget(const AdjustModuleInfo *saved
       fanThread(new Ovryn_SetUserDefineFanSpeedThread(control, nullptr, pauses.fanIntervalMs)),
       highPerformanceClocks(highPerformanceClockTable())
 {
+    kept.fill(AdjustModuleInfo::kNeverAdjusted);
     build();
     connectAll();
     Ovryn_LanguageTable table; // until the owner hands over its own texts

@@ -62,7 +62,9 @@ public:
     /// second time.
     void handFanBack();
 
-    void getParameter(AdjustModuleInfo &out) const; ///< what is in force, without edits that were not applied
+    /// What is in force, without edits that were not applied; of a row that can't be read the number known last, or
+    /// -1.
+    void getParameter(AdjustModuleInfo &out) const;
     void setLanguage(Lang_OverClock texts, LanguageType newLanguage);
 
     [[nodiscard]] bool isHighPerformance() const { return highPerformance; }
@@ -107,7 +109,8 @@ private:
     void startFromSaved(const AdjustModuleInfo &saved);
     void startInHighPerformance();
 
-    void readDevice(); ///< into `current`, which keeps its link and its fan mode
+    void readDevice();                         ///< into `current`, which keeps its link and its fan mode
+    void keepNumbers(OverClockingParam param); ///< of the rows that were read, for `kept`
     void showParam(OverClockingParam param);
     void readSliders(); ///< from the widgets into `current`
     void applyParam();  ///< `current`
@@ -152,8 +155,11 @@ private:
     QString applyPrompt;
     LanguageType language = kLanguageEnglish;
 
-    OverClockingParam current;               ///< last read or applied; what the rows start from
-    OverClockingParam applied;               ///< what Cancel returns to
+    OverClockingParam current; ///< last read or applied; what the rows start from
+    OverClockingParam applied; ///< what Cancel returns to
+    /// The rows' numbers for the settings file, each as it was read, ordered or found in the file last; negative
+    /// where there is none.
+    std::array<qint32, AdjustRowCount> kept;
     OverClockingParam beforeHighPerformance; ///< what the card goes back to when the mode is switched off
     bool highPerformance = false;
     QList<QPoint> nodes; ///< the fan curve in force: degrees Celsius, percent; empty until one was set

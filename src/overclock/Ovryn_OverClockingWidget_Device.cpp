@@ -17,7 +17,7 @@ namespace
 
 constexpr qint32 kCoolerPolicyManual = 1;
 
-/// Number in a settings file that stands for "never adjusted", like every negative one.
+/// Every negative number in a settings file means "never adjusted".
 bool isSaved(qint32 number)
 {
     return number >= 0;
@@ -44,11 +44,10 @@ void Ovryn_OverClockingWidget::startFromSaved(const AdjustModuleInfo &saved)
     current.fanMode = saved.FanMode;
     nodes = saved.Nodes;
 
-    const std::array<qint32, AdjustRowCount> numbers = {saved.GpuFreClock,    saved.FanSpeedLevel, saved.Voltage,
-                                                        saved.MemoryFreClock, saved.Power,         saved.Temperature};
-    for (std::size_t index = 0; index < numbers.size(); ++index) {
-        if (isSaved(numbers[index]))
-            kAdjustRows[index].value(current) = numbers[index];
+    for (std::size_t index = 0; index < kAdjustRows.size(); ++index) {
+        const qint32 number = saved.*kAdjustRows[index].saved;
+        if (isSaved(number))
+            kAdjustRows[index].value(current) = kept[index] = number;
     }
     applyParam();
 }
@@ -86,12 +85,8 @@ void Ovryn_OverClockingWidget::getParameter(AdjustModuleInfo &out) const
     out.FanMode = current.fanMode;
     out.Nodes = nodes;
     out.LinkOfPowerWithTemperature = current.linkOfPowerWithTemperature;
-    out.GpuFreClock = current.clocks.gpuClock;
-    out.MemoryFreClock = current.clocks.memoryClock;
-    out.FanSpeedLevel = current.cooler.currentLevel;
-    out.Power = current.power.currentPower;
-    out.Temperature = current.thermal.currentTemp;
-    out.Voltage = current.voltage.currentVoltage;
+    for (std::size_t index = 0; index < kAdjustRows.size(); ++index)
+        out.*kAdjustRows[index].saved = kept[index];
     out.EnableHighPerformance = highPerformance;
 }
 
@@ -103,6 +98,15 @@ void Ovryn_OverClockingWidget::readDevice()
     read.linkOfPowerWithTemperature = current.linkOfPowerWithTemperature;
     read.fanMode = current.fanMode;
     current = read;
+    keepNumbers(current);
+}
+
+void Ovryn_OverClockingWidget::keepNumbers(OverClockingParam param)
+{
+    for (std::size_t index = 0; index < kAdjustRows.size(); ++index) {
+        if (kAdjustRows[index].wasRead(param))
+            kept[index] = kAdjustRows[index].value(param);
+    }
 }
 
 void Ovryn_OverClockingWidget::showParam(OverClockingParam param)
@@ -157,6 +161,9 @@ void Ovryn_OverClockingWidget::applyParam(OverClockingParam param)
     } else {
         startFanThread();
     }
+    // Should the card not be readable afterwards, the file gets what was ordered: what was read before could be
+    // higher.
+    keepNumbers(limitedToRows(param));
     for (const CardWrite &write : writesFor(param)) {
         const bool taken = send(write, *gpuControl);
         if (write.operation == CardWrite::CoolerLevel)
@@ -200,7 +207,8 @@ void Ovryn_OverClockingWidget::restoreDefaults()
 {
     stopFanThread();
     gpuControl->restoreDefaults();
-    fanLeftCurve(false); // it says nothing of its order to the fan
+    fanLeftCurve(false);                         // it says nothing of its order to the fan
+    kept.fill(AdjustModuleInfo::kNeverAdjusted); // what was adjusted before must not come back with the next start
     QThread::msleep(timings.settleMs);
 
     current.fanMode = FanAuto;

@@ -15,6 +15,8 @@ bool Ovryn_OverClockingWidget::setHighPerformance(bool enable)
     }
     const auto clock = highPerformanceClocks.constFind(subSystemDevice(ids));
     if (!eligible || (enable && clock == highPerformanceClocks.constEnd())) {
+        if (highPerformance)
+            keepNumbers(beforeHighPerformance); // the preset must not come back as the user's own values
         endHighPerformance();
         return false;
     }

@@ -57,8 +57,18 @@ void Ovryn_SetUserDefineFanSpeedThread::run()
 void Ovryn_SetUserDefineFanSpeedThread::followCurveOnce()
 {
     NvThermalInfo thermal;
-    gpuControl->getThermalSensor(thermal); // a failed read leaves 0 degrees
+    if (!gpuControl->getThermalSensor(thermal)) {
+        // A failed read leaves 0 degrees, and a level for those could stop the fan of a hot card. The driver knows
+        // how hot it is, so it has the fan until the next reading.
+        gpuControl->setCoolerAuto();
+        return;
+    }
+    // A worker whose call hung at its owner's end comes here after the fan was handed back, which must stand.
+    if (isAbandoned())
+        return;
     // Ordered every time, also unchanged: the driver may have taken the fan back meanwhile. A refused level
     // is ordered again by the next cycle.
     gpuControl->setCoolerLevel(FanCurve::levelFor(nodes, thermal.currentTemp), kManualPolicy);
+    if (isAbandoned())
+        gpuControl->setCoolerAuto(); // the order itself was the call that hung
 }

@@ -13,8 +13,8 @@ class NvGpuControl;
 /// curve and orders that level. The driver holds no curve: it acts only as long as this thread runs.
 ///
 /// Owned by the adjust page, which calls its operations on the GUI thread. They wait for a running cycle,
-/// since the mutex is held through it, but never for the sleep. A failed temperature read counts as 0
-/// degrees, and a level that the card refuses is ordered again by the next cycle.
+/// since the mutex is held through it, but never for the sleep. For a cycle without a temperature the driver
+/// gets the fan, and a level that the card refuses is ordered again by the next cycle.
 class Ovryn_SetUserDefineFanSpeedThread : public WorkerThread
 {
     Q_OBJECT
@@ -35,8 +35,8 @@ public:
     /// Only asks: the loop ends after its next level. Wait for the thread before starting it again.
     void stopWork();
 
-    /// One cycle: reads the temperature and orders the level. The loop calls it under the mutex; the card
-    /// must be there.
+    /// One cycle: reads the temperature and orders the level, or hands the fan to the driver. The loop calls it under
+    /// the mutex; the card must be there.
     void followCurveOnce();
 
 protected:

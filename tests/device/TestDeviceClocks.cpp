@@ -6,6 +6,7 @@
 #include <QtTest>
 
 #include <functional>
+#include <limits>
 
 using Arrange = std::function<void(FakeDriver &)>;
 Q_DECLARE_METATYPE(Arrange)
@@ -59,6 +60,7 @@ class TestDeviceClocks : public QObject
 private slots:
     void baseClocks_data();
     void baseClocks();
+    void clocksOfThePstatesAreMarked();
     void failedPstatesZeroTheClocks_data();
     void failedPstatesZeroTheClocks();
     void clockRanges_data();
@@ -74,6 +76,8 @@ private slots:
     void memoryLadder();
     void voltageOffsets_data();
     void voltageOffsets();
+    void noVoltageOffsetNeedsNoRange_data();
+    void noVoltageOffsetNeedsNoRange();
     void overVoltage();
     void overVoltageWithoutCardGoesToTheDriver();
 };
@@ -233,6 +237,18 @@ void TestDeviceClocks::baseClocks()
     NvClockSet out{7, 8, 9};
     QCOMPARE(gpu.getBaseClocks(out, wantDefault), result);
     QCOMPARE(fields(out), MHz);
+}
+
+void TestDeviceClocks::clocksOfThePstatesAreMarked()
+{
+    FakeDriver driver;
+    NvGpuControl gpu;
+    NvClockSet out;
+    driver.fails("NvAPI_GPU_GetAllClockFrequencies", NVAPI_ERROR, 1, 3);
+    QVERIFY(gpu.getBaseClocks(out, false));
+    QVERIFY(out.fromPstates); // 1911 MHz with the boost, where the base is 1607
+    QVERIFY(gpu.getBaseClocks(out, false));
+    QVERIFY(!out.fromPstates);
 }
 
 void TestDeviceClocks::failedPstatesZeroTheClocks_data()
@@ -486,22 +502,80 @@ void TestDeviceClocks::memoryLadder()
 
 void TestDeviceClocks::voltageOffsets_data()
 {
+    QTest::addColumn<Arrange>("arrange");
     QTest::addColumn<qint32>("microVolt");
-    QTest::newRow("in range") << 50000;
-    QTest::newRow("zero") << 0;
-    QTest::newRow("beyond the range goes down as given") << 999999;
-    QTest::newRow("below the range goes down as given") << -999999;
-    QTest::newRow("smallest number") << std::numeric_limits<qint32>::min();
+    QTest::addColumn<qint32>("written");
+    const auto row = [](const char *name, qint32 microVolt, qint32 written, const Arrange &arrange) {
+        QTest::newRow(name) << arrange << microVolt << written;
+    };
+    const auto nothing = [](FakeDriver &) {
+    };
+    const auto range = [](qint32 minimum, qint32 maximum) {
+        return [=](FakeDriver &driver) {
+            driver.card().p0Voltage(0).voltDelta_uV.valueRange = {minimum, maximum};
+        };
+    };
+    row("in range", 50000, 50000, nothing);
+    row("negative in range", -50000, -50000, nothing);
+    row("at the top", 100000, 100000, nothing);
+    row("one above the top", 100001, 100000, nothing);
+    row("one below the bottom", -100001, -100000, nothing);
+    row("largest number", std::numeric_limits<qint32>::max(), 100000, nothing);
+    row("smallest number", std::numeric_limits<qint32>::min(), -100000, nothing);
+    row("the range is kept to the microvolt", 99999, 1999, range(-1999, 1999));
+    row("bottom above the top wins", 100, 30000, range(30000, 5000));
+    row("range of 0 to 0", 50000, 0, range(0, 0));
+    row("states unreadable", 50000, 0, [](FakeDriver &driver) { driver.fails("NvAPI_GPU_GetPstates20", -1); });
+    row("no P0", 50000, 0, [](FakeDriver &driver) { driver.card().pstates.pstates[0].pstateId = 3; });
+    row("no voltages", 50000, 0, [](FakeDriver &driver) { driver.card().pstates.numBaseVoltages = 0; });
+    row("no core voltage", 50000, 0, [](FakeDriver &driver) { driver.card().p0Voltage(0).domainId = 1; });
+    row("core voltage behind another", 50000, 20000, [](FakeDriver &driver) {
+        driver.card().pstates.numBaseVoltages = 2;
+        driver.card().p0Voltage(1) = driver.card().p0Voltage(0);
+        driver.card().p0Voltage(1).voltDelta_uV.valueRange = {0, 20000};
+        driver.card().p0Voltage(0).domainId = 1;
+    });
+    row("count far beyond the record", 50000, 0, [](FakeDriver &driver) {
+        for (auto &voltage : driver.card().pstates.pstates[0].baseVoltages)
+            voltage.domainId = 9;
+        driver.card().pstates.numBaseVoltages = 0xFFFFFFFF;
+    });
 }
 
 void TestDeviceClocks::voltageOffsets()
 {
+    QFETCH(Arrange, arrange);
     QFETCH(qint32, microVolt);
+    QFETCH(qint32, written);
     FakeDriver driver;
+    arrange(driver);
     NvGpuControl gpu;
     driver.forgetCalls();
     QCOMPARE(gpu.setVoltageOffset(microVolt), true);
-    QCOMPARE(driver.calls(), QStringList{voltageWrite(0x31CF8, microVolt)});
+    QCOMPARE(driver.calls("NvAPI_GPU_SetPstates20"), QStringList{voltageWrite(0x31CF8, written)});
+    QCOMPARE(driver.calls().value(0).startsWith("GPU_GetPstates20"), true); // the range is read anew each time
+}
+
+void TestDeviceClocks::noVoltageOffsetNeedsNoRange_data()
+{
+    QTest::addColumn<Arrange>("arrange");
+    QTest::newRow("healthy card") << Arrange([](FakeDriver &) {});
+    QTest::newRow("states unreadable") << Arrange(
+        [](FakeDriver &driver) { driver.fails("NvAPI_GPU_GetPstates20", -1); });
+    QTest::newRow("range that leaves 0 out") << Arrange([](FakeDriver &driver) {
+        driver.card().p0Voltage(0).voltDelta_uV.valueRange = {5000, 50000};
+    });
+}
+
+void TestDeviceClocks::noVoltageOffsetNeedsNoRange()
+{
+    QFETCH(Arrange, arrange);
+    FakeDriver driver;
+    arrange(driver);
+    NvGpuControl gpu;
+    driver.forgetCalls();
+    QCOMPARE(gpu.setVoltageOffset(0), true);
+    QCOMPARE(driver.calls(), QStringList{voltageWrite(0x31CF8, 0)});
 }
 
 void TestDeviceClocks::overVoltage()

@@ -6,6 +6,7 @@
 #include <QtTest>
 
 #include <functional>
+#include <limits>
 
 using Arrange = std::function<void(FakeDriver &)>;
 Q_DECLARE_METATYPE(Arrange)
@@ -42,6 +43,8 @@ private slots:
     void coolerInfoStatuses();
     void setCoolerLevel_data();
     void setCoolerLevel();
+    void levelWithinTheCoolersRange_data();
+    void levelWithinTheCoolersRange();
     void setDefaultLevel_data();
     void setDefaultLevel();
     void setCoolerAuto_data();
@@ -213,7 +216,7 @@ void TestDeviceCooler::setCoolerLevel_data()
     QTest::addColumn<qint32>("policy");
     QTest::addColumn<std::vector<int>>("statuses");
     QTest::addColumn<bool>("result");
-    QTest::addColumn<QStringList>("calls");
+    QTest::addColumn<QStringList>("calls"); // behind the read of the settings
     using Statuses = std::vector<int>;
     const auto write = [](const char *content) {
         return QString("GPU_SetCoolerLevels gpu0 cooler=7 0x100A4%1").arg(content);
@@ -228,10 +231,10 @@ void TestDeviceCooler::setCoolerLevel_data()
     QTest::newRow("policy 0x21 is not set") << 50 << 0x21 << Statuses{} << true << QStringList{write(" [4]=50"), kReadTach};
     QTest::newRow("policy 16 is not set")   << 50 << 16   << Statuses{} << true << QStringList{write(" [4]=50"), kReadTach};
     QTest::newRow("negative policy")        << 50 << -1   << Statuses{} << true << QStringList{write(" [4]=50"), kReadTach};
-    QTest::newRow("level 0")                << 0  << 1    << Statuses{} << true << QStringList{write(" [8]=1"), kReadTach};
+    QTest::newRow("level 0 is raised to the card's lowest") << 0 << 1 << Statuses{} << true << QStringList{write(" [4]=27 [8]=1"), kReadTach};
     QTest::newRow("level 100")              << 100 << 1   << Statuses{} << true << QStringList{write(" [4]=100 [8]=1"), kReadTach};
-    QTest::newRow("level 101 goes down as given") << 101 << 1 << Statuses{} << true << QStringList{write(" [4]=101 [8]=1"), kReadTach};
-    QTest::newRow("level -2 goes down as given")  << -2 << 1  << Statuses{} << true << QStringList{write(" [4]=-2 [8]=1"), kReadTach};
+    QTest::newRow("level 101 is cut")       << 101 << 1   << Statuses{} << true << QStringList{write(" [4]=100 [8]=1"), kReadTach};
+    QTest::newRow("level -2 is raised")     << -2 << 1    << Statuses{} << true << QStringList{write(" [4]=27 [8]=1"), kReadTach};
     // clang-format on
     const QString smaller = "GPU_SetCoolerLevels gpu0 cooler=7 0x1001C [4]=50 [8]=1";
     QTest::newRow("smaller form") << 50 << 1 << Statuses{-9} << true
@@ -254,7 +257,59 @@ void TestDeviceCooler::setCoolerLevel()
     NvGpuControl gpu;
     driver.forgetCalls();
     QCOMPARE(gpu.setCoolerLevel(level, policy), result);
-    QCOMPARE(driver.calls(), calls);
+    QCOMPARE(driver.calls(), QStringList{readCooler("0x40558")} + calls);
+}
+
+void TestDeviceCooler::levelWithinTheCoolersRange_data()
+{
+    QTest::addColumn<Arrange>("arrange");
+    QTest::addColumn<qint32>("level");
+    QTest::addColumn<qint32>("written");
+    const auto row = [](const char *name, qint32 level, qint32 written, const Arrange &arrange) {
+        QTest::newRow(name) << arrange << level << written;
+    };
+    const auto range = [](quint32 minimum, quint32 maximum) {
+        return [=](FakeDriver &driver) {
+            driver.card().coolers.cooler[0].defaultMin = qint32(minimum);
+            driver.card().coolers.cooler[0].defaultMax = qint32(maximum);
+        };
+    };
+    const auto unreadable = [](FakeDriver &driver) {
+        driver.fails("NvAPI_GPU_GetCoolerSettings", -1);
+    };
+    row("above the cooler's highest", 95, 80, range(30, 80));
+    row("below the cooler's lowest", 0, 30, range(30, 80));
+    row("fan of one level", 70, 40, range(40, 40));
+    row("a highest below the lowest tells nothing", 90, 90, range(27, 0)); // would hold the fan at its lowest
+    row("the smallest number", std::numeric_limits<qint32>::min(), 30, range(30, 80));
+    row("settings unreadable, level in range", 50, 50, unreadable);
+    row("settings unreadable, level above 100", 101, 100, unreadable);
+    row("settings unreadable, negative level", -2, 0, unreadable);
+    row("no cooler listed", 101, 100, [](FakeDriver &driver) { driver.card().coolers.count = 0; });
+    row("cooler without a range", 50, 50, range(0, 0)); // would stop the fan for good
+    row("never above 100 percent", 500, 100, range(0, 0x7FFFFFFF));
+    row("never below 0 percent", -500, 0, range(0x80000000U, 100));
+    row("lowest beyond 100 percent", 50, 100, range(500, 900));
+    row("the first of two fans", 0, 27, [](FakeDriver &driver) {
+        driver.card().coolers.count = 2;
+        driver.card().coolers.cooler[1].defaultMin = 55;
+        driver.card().coolers.cooler[1].defaultMax = 90;
+    });
+    row("oldest record", 0, 27, [](FakeDriver &driver) { driver.knows("NvAPI_GPU_GetCoolerSettings", {0x10098}); });
+}
+
+void TestDeviceCooler::levelWithinTheCoolersRange()
+{
+    QFETCH(Arrange, arrange);
+    QFETCH(qint32, level);
+    QFETCH(qint32, written);
+    FakeDriver driver;
+    arrange(driver);
+    NvGpuControl gpu;
+    QVERIFY(gpu.setCoolerLevel(level, 1));
+    const QString levelWord = written ? QString(" [4]=%1").arg(written) : QString();
+    QCOMPARE(driver.calls("NvAPI_GPU_SetCoolerLevels"),
+             QStringList{QString("GPU_SetCoolerLevels gpu0 cooler=7 0x100A4%1 [8]=1").arg(levelWord)});
 }
 
 void TestDeviceCooler::setDefaultLevel_data()

@@ -8,6 +8,7 @@
 
 #include <cstring>
 #include <functional>
+#include <limits>
 
 using Arrange = std::function<void(FakeDriver &)>;
 Q_DECLARE_METATYPE(Arrange)
@@ -336,16 +337,18 @@ void TestDevicePower::setThermalLimit_data()
     row("at the top", 3, 90, false, write("[4]=1 [8]=3 [12]=23040"), true);
     row("half a degree", 3, 80.5f, false, write("[4]=1 [8]=3 [12]=20608"), true);
     row("a thousandth above the top is cut to the top", 3, 90.001f, false, write("[4]=1 [8]=3 [12]=23040"), true);
-    // The raw top is taken for degrees and scaled once more.
-    row("200 on a card of 90 at most", 3, 200, false, write("[4]=1 [8]=3 [12]=5898240"), true);
-    row("just above the top", 3, 90.25f, false, write("[4]=1 [8]=3 [12]=5898240"), true);
+    row("200 on a card of 90 at most is cut to the top", 3, 200, false, write("[4]=1 [8]=3 [12]=23040"), true);
+    row("just above the top", 3, 90.25f, false, write("[4]=1 [8]=3 [12]=23040"), true);
+    row("above a broken top", 3, 200, false, write("[4]=1 [8]=3 [12]=23295"), true,
+        [](FakeDriver &driver) { driver.card().thermalPolicies.entries[0].maxTemp = 90 * 256 + 255; });
+    row("the largest number", 3, std::numeric_limits<float>::max(), false, write("[4]=1 [8]=3 [12]=23040"), true);
     row("below the bottom", 3, 20, false, write("[4]=1 [8]=3 [12]=15360"), true);
     row("negative", 3, -20, true, write("[4]=1 [8]=3 [12]=15360 [16]=1"), true);
     row("below a broken bottom", 3, 20, false, write("[4]=1 [8]=3 [12]=15360"), true,
         [](FakeDriver &driver) { driver.card().thermalPolicies.entries[0].minTemp = 60 * 256 + 255; });
     row("below a negative broken bottom", 3, -20, false, write("[4]=1 [8]=3 [12]=-256"), true,
         [](FakeDriver &driver) { driver.card().thermalPolicies.entries[0].minTemp = -256 - 255; });
-    row("bottom above the top: what took the top stays", 3, 80, false, write("[4]=1 [8]=3 [12]=4587520"), true,
+    row("bottom above the top: what took the top stays", 3, 80, false, write("[4]=1 [8]=3 [12]=17920"), true,
         [](FakeDriver &driver) {
             driver.card().thermalPolicies.entries[0].minTemp = 100 * 256;
             driver.card().thermalPolicies.entries[0].maxTemp = 70 * 256;

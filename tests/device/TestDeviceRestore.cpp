@@ -126,11 +126,14 @@ void TestDeviceRestore::restore_data()
         failing("NvAPI_GPU_ClientPowerPoliciesSetStatus"));
     row("power write missing", false, clocks + kReadPower + end,
         [](FakeDriver &driver) { driver.lacks("NvAPI_GPU_ClientPowerPoliciesSetStatus"); });
-    // a failed read leaves policy 0 and a default of 0, which go out all the same
-    row("power topology fails", true,
-        clocks + giving(-1, kReadPower.mid(0, 1)) +
-            QStringList{"GPU_ClientPowerPoliciesSetStatus gpu0 0x10048 [4]=1"} + end,
+    // policy and default of a failed read are no figures to order
+    row("power topology fails", false, clocks + giving(-1, kReadPower.mid(0, 1)) + end,
         failing("NvAPI_GPU_ClientPowerTopologyGetInfo"));
+    row("power policies fail", false, clocks + kReadPower.mid(0, 2) + giving(-1, kReadPower.mid(2, 1)) + end,
+        failing("NvAPI_GPU_ClientPowerPoliciesGetInfo"));
+    row("power target unreadable, its default is known", true,
+        clocks + kReadPower.mid(0, 3) + giving(-1, kReadPower.mid(3)) + kWritePower + end,
+        failing("NvAPI_GPU_ClientPowerPoliciesGetStatus"));
     row("cooler write fails", true,
         clocks + power + giving(-1, kCooler + QStringList{"GPU_SetCoolerLevels gpu0 cooler=7 0x1001C [8]=32"}) +
             end.mid(1),
@@ -151,9 +154,20 @@ void TestDeviceRestore::restore_data()
         failing("NvAPI_GPU_ClientThermalPoliciesSetStatus"));
     const QStringList thermalInfoFails = {"GPU_ClientThermalPoliciesGetInfo gpu0 0x20068 -> -1",
                                           "GPU_ClientThermalPoliciesGetInfo gpu0 0x10058 -> -1"};
-    row("thermal reads fail", true,
-        clocks + power + kCooler + kVoltage + thermalInfoFails + thermalInfoFails + kOverVoltage + thermalInfoFails,
+    row("thermal reads fail", true, clocks + power + kCooler + kVoltage + thermalInfoFails + kOverVoltage,
         failing("NvAPI_GPU_ClientThermalPoliciesGetInfo"));
+    const auto policyZero = [](FakeDriver &driver) {
+        driver.card().thermalPolicies.entries[0].policyId = 0;
+        driver.card().powerPolicies.entries[0].policyId = 0;
+    };
+    row("one failed thermal read brings no limit to policy 0", true,
+        clocks + QStringList(kReadPower).replaceInStrings(" [8]=2", "") +
+            QStringList(kWritePower).replaceInStrings(" [8]=2", "") + kCooler + kVoltage + thermalInfoFails +
+            kOverVoltage,
+        [policyZero](FakeDriver &driver) {
+            policyZero(driver);
+            driver.fails("NvAPI_GPU_ClientThermalPoliciesGetInfo", -1, 1, 2);
+        });
 }
 
 void TestDeviceRestore::restore()

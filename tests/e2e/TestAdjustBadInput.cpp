@@ -38,17 +38,21 @@ void TestAdjustBadInput::savedNumbersOutOfRange()
     const qint64 window = startedWindow(program);
     QVERIFY(window != 0);
 
-    // Clocks and power are cut to the card's range; the temperature target beyond it is refused by the driver.
+    // Everything is cut to the card's range: the driver refuses nothing.
     const QJsonObject high = settings(program, 0);
     QCOMPARE(high.value(QStringLiteral("graphicsOffsetKHz")).toInt(), 1200000);
     QCOMPARE(high.value(QStringLiteral("memoryOffsetKHz")).toInt(), 1000000);
     QCOMPARE(high.value(QStringLiteral("powerLimitPercent")).toInt(), 120);
-    QCOMPARE(high.value(QStringLiteral("temperatureLimitC")).toInt(), 83);
+    QCOMPARE(high.value(QStringLiteral("temperatureLimitC")).toInt(), 92);
+    QCOMPARE(high.value(QStringLiteral("voltageOffset_uV")).toInt(), 100000);
+    QCOMPARE(coolerWrites(program, 0), QStringList{QStringLiteral("cooler 100% policy 1")});
     const QJsonObject low = settings(program, 1);
     QCOMPARE(low.value(QStringLiteral("graphicsOffsetKHz")).toInt(), -200000);
     QCOMPARE(low.value(QStringLiteral("memoryOffsetKHz")).toInt(), -1000000);
     QCOMPARE(low.value(QStringLiteral("powerLimitPercent")).toInt(), 50);
     QCOMPARE(low.value(QStringLiteral("temperatureLimitC")).toInt(), 60);
+    QCOMPARE(low.value(QStringLiteral("voltageOffset_uV")).toInt(), 0);
+    QCOMPARE(coolerWrites(program, 1), QStringList{QStringLiteral("cooler 20% policy 1")});
 
     const AdjustPageHands hands = handsOn(program, window);
     openPage(program, window, hands);

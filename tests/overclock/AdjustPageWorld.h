@@ -15,14 +15,15 @@
 #include <memory>
 
 /// One simulated card with its adjust page, and the hands of a user. A test edits `driver` first, and then opens
-/// the page. The page's pauses are short.
+/// the page. The page's pauses are short unless a test sets others.
 ///
 /// The driver's card does not change by itself when it is written to; what counts is what it was told.
 class AdjustPageWorld
 {
 public:
     static constexpr QSize kPageSize{382, 394}; ///< as in the main dialog
-    static constexpr AdjustTimings kTimings{1, 5};
+
+    AdjustTimings timings{1, 5};
 
     FakeDriver driver; ///< first, since the device object needs it
     std::unique_ptr<NvGpuControl> control;
@@ -34,15 +35,15 @@ public:
     void open()
     {
         connectCard();
-        show(new Ovryn_OverClockingWidget(control.get(), nullptr, kTimings));
+        show(new Ovryn_OverClockingWidget(control.get(), nullptr, timings));
     }
     void open(const AdjustModuleInfo &saved)
     {
         connectCard();
-        show(new Ovryn_OverClockingWidget(saved, control.get(), nullptr, kTimings));
+        show(new Ovryn_OverClockingWidget(saved, control.get(), nullptr, timings));
     }
     /// A page that has no card, shown.
-    void openWithoutCard() { show(new Ovryn_OverClockingWidget(nullptr, nullptr, kTimings)); }
+    void openWithoutCard() { show(new Ovryn_OverClockingWidget(nullptr, nullptr, timings)); }
 
     template <typename Widget>
     [[nodiscard]] Widget *find(const char *name) const

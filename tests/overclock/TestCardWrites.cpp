@@ -91,7 +91,7 @@ void TestCardWrites::zeroedSnapshot()
     QCOMPARE(param.cooler.currentPolicy, 0x20);
     QCOMPARE(param.fanMode, 0);
     QVERIFY(!param.linkOfPowerWithTemperature);
-    QCOMPARE(ordersFor(param), QString("cooler 32=0, gpu 0, memory 0, thermal 0=0"));
+    QCOMPARE(ordersFor(param), QString("cooler 32=0, gpu 0, memory 0"));
 }
 
 void TestCardWrites::orders_data()
@@ -115,25 +115,68 @@ void TestCardWrites::orders_data()
         [](OverClockingParam &p) { p.gpuRange.editable = p.memoryRange.editable = false; });
     row("no power policy", "cooler 1=60, gpu 100, memory 100, thermal 3=85, voltage 10000",
         [](OverClockingParam &p) { p.power.present = false; });
-    row("the thermal limit is written without a policy too", "cooler 1=60, " + kSampleOrders,
+    row("no thermal policy", "cooler 1=60, gpu 100, memory 100, power 2=115, voltage 10000",
         [](OverClockingParam &p) { p.thermal.present = false; });
     row("a voltage that can't be edited", "cooler 1=60, gpu 100, memory 100, thermal 3=85, power 2=115",
         [](OverClockingParam &p) { p.voltage.editable = false; });
     row("voltage below its base", "cooler 1=60, gpu 100, memory 100, thermal 3=85, power 2=115, voltage -62000",
         [](OverClockingParam &p) { p.voltage.currentVoltage = 1000; });
-    row("clocks that would overflow wrap",
-        QString("cooler 1=60, gpu %1, memory %2, thermal 3=85, power 2=115, voltage 10000")
-            .arg(kHighest)
-            .arg(kLowest),
+
+    // What was not read is no base.
+    row("graphics base unread", "cooler 1=60, gpu 0, memory 100, thermal 3=85, power 2=115, voltage 10000",
+        [](OverClockingParam &p) { p.gpuRange = {}; });
+    row("graphics base unread, its range known",
+        "cooler 1=60, gpu 0, memory 100, thermal 3=85, power 2=115, voltage 10000",
+        [](OverClockingParam &p) { p.gpuRange.baseClock = 0; });
+    row("memory base unread", "cooler 1=60, gpu 100, memory 0, thermal 3=85, power 2=115, voltage 10000",
+        [](OverClockingParam &p) { p.memoryRange = {}; });
+    row("thermal policy without figures", "cooler 1=60, gpu 100, memory 100, power 2=115, voltage 10000",
+        [](OverClockingParam &p) { p.thermal = {0, 0, 0, 0, false, 0, true}; });
+    row("power policy without figures", "cooler 1=60, gpu 100, memory 100, thermal 3=85, voltage 10000",
+        [](OverClockingParam &p) { p.power = {0, 0, 0, 0, 0, 0, true}; });
+    row("voltage without a base", "cooler 1=60, gpu 100, memory 100, thermal 3=85, power 2=115",
+        [](OverClockingParam &p) { p.voltage.baseVoltage = 0; });
+    row("cooler unread: the driver gets the fan", "cooler 32=0, " + kSampleOrders,
+        [](OverClockingParam &p) { p.cooler.defaultMinLevel = p.cooler.defaultMaxLevel = 0; });
+    row("a cooler's highest below its lowest counts as unread", "cooler 32=27, " + kSampleOrders,
+        [](OverClockingParam &p) { p.cooler.defaultMaxLevel = 0; });
+
+    // What a row's box can't show is not ordered.
+    row("above every range", "cooler 1=100, gpu 1000, memory 1000, thermal 3=90, power 2=120, voltage 100000",
         [](OverClockingParam &p) {
-            p.clocks = {kLowest, kHighest, 0};
-            p.gpuRange.baseClock = 1;
-            p.memoryRange.baseClock = -1;
+            p.clocks = {kHighest, kHighest, 0};
+            p.cooler.currentLevel = p.voltage.currentVoltage = kHighest;
+            p.power.currentPower = p.thermal.currentTemp = kHighest;
         });
-    row("a voltage that would overflow wraps",
-        "cooler 1=60, gpu 100, memory 100, thermal 3=85, power 2=115, voltage -1000", [](OverClockingParam &p) {
-            p.voltage.currentVoltage = kHighest;
-            p.voltage.baseVoltage = kLowest;
+    row("below every range", "cooler 1=27, gpu -200, memory -502, thermal 3=60, power 2=50, voltage -100000",
+        [](OverClockingParam &p) {
+            p.clocks = {kLowest, kLowest, 0};
+            p.cooler.currentLevel = p.voltage.currentVoltage = kLowest;
+            p.power.currentPower = p.thermal.currentTemp = kLowest;
+        });
+    row("one beyond each range", "cooler 1=100, gpu 1000, memory 1000, thermal 3=90, power 2=120, voltage 100000",
+        [](OverClockingParam &p) {
+            p.clocks = {2608, 5007, 0};
+            p.cooler.currentLevel = 101;
+            p.voltage.currentVoltage = 1163;
+            p.power.currentPower = 121;
+            p.thermal.currentTemp = 91;
+        });
+    row("a lowest above the highest wins",
+        "cooler 1=60, gpu 300, memory 100, thermal 3=95, power 2=130, voltage 200000", [](OverClockingParam &p) {
+            p.gpuRange.minOffset = 300;
+            p.gpuRange.maxOffset = -300;
+            p.voltage.minVoltage = 1262;
+            p.power.minPower = 130;
+            p.thermal.minTemp = 95;
+        });
+    row("figures at the ends of the integers",
+        QString("cooler 1=60, gpu 1, memory %1, thermal 3=85, power 2=115, voltage 1000").arg(kLowest),
+        [](OverClockingParam &p) {
+            p.clocks = {kHighest, kHighest, 0};
+            p.gpuRange = {kHighest - 1, 0, 1, true};
+            p.memoryRange = {-1, kLowest + 1, kLowest, true};
+            p.voltage = {kLowest + 1, kLowest, kLowest, kLowest, kHighest, true};
         });
 }
 

@@ -69,6 +69,9 @@ void TestFanCurve::levelFor_data()
     QTest::newRow("40 between (30,20) and (50,50)") << kDefault << 40 << 35;
     QTest::newRow("31: 21.5 is cut, not rounded") << kDefault << 31 << 21;
     QTest::newRow("81: 90.5 is cut, not rounded") << kDefault << 81 << 90;
+    // 29 / 100 lies a little below its decimal figure as a double, and so does 100 times that
+    QTest::newRow("29 on the straight line: the division comes before the multiplication")
+        << Curve{{0, 0}, {100, 100}} << 29 << 28;
     QTest::newRow("1: 0.67 is cut to 0") << kDefault << 1 << 0;
     QTest::newRow("120 counts as 100") << kDefault << 120 << 100;
     QTest::newRow("-5 counts as 0") << kDefault << -5 << 0;

@@ -2,8 +2,11 @@
 #include "overclock/AdjustPageWorld.h"
 #include "support/ModalAnswer.h"
 
+#include <QElapsedTimer>
+#include <QThread>
 #include <QtTest>
 
+#include <atomic>
 #include <functional>
 #include <limits>
 
@@ -35,6 +38,12 @@ private slots:
     void restoreDefaults_data();
     void restoreDefaults();
     void restoreDefaultsWithoutCard();
+    void defaultEndsTheFanWorkerFirst();
+    void applyKeepsTheLink();
+    void pauseBeforeReadingBack_data();
+    void pauseBeforeReadingBack();
+    void pauseOfTheFanCurve();
+    void defaultPauses();
     void hostileRanges_data();
     void hostileRanges();
 };
@@ -298,6 +307,100 @@ void TestOverClockingApply::restoreDefaultsWithoutCard()
     world.click("btnDefault");
     QCOMPARE(modeSpy.count(), 0);
     QCOMPARE(world.driver.calls(), QStringList());
+}
+
+void TestOverClockingApply::defaultEndsTheFanWorkerFirst()
+{
+    std::atomic<QThread *> worker{nullptr};
+    bool ended = false;
+    AdjustPageWorld world;
+    world.driver.onCall("NvAPI_GPU_GetThermalSettings", [&worker] { worker = QThread::currentThread(); });
+    world.driver.onCall("NvAPI_DriverEntry_B23B70EE", [&] { ended = worker.load() && worker.load()->isFinished(); });
+    AdjustModuleInfo saved = savedValues();
+    saved.FanMode = FanUserDefined;
+    world.open(saved);
+    QTRY_VERIFY(worker.load());
+    world.click("btnDefault");
+    QVERIFY(ended); // at the head of the restoring, so its level can't come behind the hand-back
+    QCOMPARE(world.fanWrites().last(), kFanHandedBack);
+}
+
+void TestOverClockingApply::applyKeepsTheLink()
+{
+    AdjustPageWorld world;
+    world.open();
+    ModalAnswer answers({"msgBoxYesBtn", "msgBoxYesBtn"});
+    for (const bool linked : {true, false}) {
+        world.clickLink();
+        world.click("btnApply");
+        QCOMPARE(world.linkBox()->isChecked(), linked);
+        QCOMPARE(world.parameters().LinkOfPowerWithTemperature, linked);
+        world.page->hide(); // what Cancel returns to has it too
+        world.page->show();
+        QCOMPARE(world.linkBox()->isChecked(), linked);
+    }
+}
+
+void TestOverClockingApply::pauseBeforeReadingBack_data()
+{
+    QTest::addColumn<Arrange>("press");
+
+    QTest::newRow("Apply") << Arrange([](AdjustPageWorld &world) {
+        world.click("btnFanAuto");
+        ModalAnswer answers({"msgBoxYesBtn"});
+        world.click("btnApply");
+    });
+    QTest::newRow("Default") << Arrange([](AdjustPageWorld &world) { world.click("btnDefault"); });
+    QTest::newRow("mode switch") << Arrange(
+        [](AdjustPageWorld &world) { QVERIFY(world.page->setHighPerformance(true)); });
+}
+
+void TestOverClockingApply::pauseBeforeReadingBack()
+{
+    QFETCH(Arrange, press);
+    constexpr unsigned int settleMs = 300;
+    QElapsedTimer sinceOrder;
+    qint64 pauseNs = -1;
+    AdjustPageWorld world;
+    world.timings.settleMs = settleMs;
+    world.driver.onCall("NvAPI_GPU_SetPstates20", [&] {
+        sinceOrder.start();
+        pauseNs = -1;
+    });
+    world.driver.onCall("NvAPI_GPU_GetCoolerSettings", [&] {
+        if (sinceOrder.isValid() && pauseNs < 0)
+            pauseNs = sinceOrder.nsecsElapsed();
+    });
+    world.open();
+    press(world);
+    QVERIFY2(pauseNs >= qint64(settleMs) * 1000000, qPrintable(QString::number(pauseNs)));
+}
+
+void TestOverClockingApply::pauseOfTheFanCurve()
+{
+    constexpr unsigned int intervalMs = 300;
+    QElapsedTimer sinceFirst; // of the worker's thread
+    std::atomic<qint64> pauseNs{-1};
+    AdjustPageWorld world;
+    world.timings.fanIntervalMs = intervalMs;
+    world.driver.onCall("NvAPI_GPU_GetThermalSettings", [&] {
+        if (!sinceFirst.isValid())
+            sinceFirst.start();
+        else if (pauseNs < 0)
+            pauseNs = sinceFirst.nsecsElapsed();
+    });
+    AdjustModuleInfo saved = savedValues();
+    saved.FanMode = FanUserDefined;
+    world.open(saved);
+    QTRY_VERIFY(pauseNs >= 0);
+    QVERIFY2(pauseNs >= qint64(intervalMs) * 1000000, qPrintable(QString::number(pauseNs)));
+}
+
+void TestOverClockingApply::defaultPauses()
+{
+    const AdjustTimings timings;
+    QCOMPARE(timings.settleMs, 500U);
+    QCOMPARE(timings.fanIntervalMs, 1000U);
 }
 
 void TestOverClockingApply::hostileRanges_data()

@@ -97,17 +97,13 @@ void TestOverClockingStart::startWithSavedValues_data()
             saved.GpuFreClock = saved.FanSpeedLevel = saved.Voltage = -1;
             saved.MemoryFreClock = saved.Power = saved.Temperature = kLowest;
         });
-    row("zeros are values",
-        fanThen("GPU_SetCoolerLevels gpu0 cooler=7 0x100A4 [8]=1",
-                settingCalls(-200000, -502000, 60 * 256, 50000, -1062000)),
+    row("zeros are values, below every range",
+        fanThen(fanLevelCall(27), settingCalls(-200000, -502000, 60 * 256, 50000, -100000)),
         [](AdjustModuleInfo &saved) {
             saved.GpuFreClock = saved.FanSpeedLevel = saved.Voltage = 0;
             saved.MemoryFreClock = saved.Power = saved.Temperature = 0;
         });
-    // The voltage goes down as given, wrapped to 32 bits; a temperature beyond the range goes out as the raw maximum
-    // times 256.
-    row("far above every range",
-        fanThen(fanLevelCall(kHighest), settingCalls(1000000, 1000000, 90 * 256 * 256, 120000, -1063000)),
+    row("far above every range", fanThen(fanLevelCall(100), settingCalls(1000000, 1000000, 90 * 256, 120000, 100000)),
         [](AdjustModuleInfo &saved) {
             saved.GpuFreClock = saved.FanSpeedLevel = saved.Voltage = kHighest;
             saved.MemoryFreClock = saved.Power = saved.Temperature = kHighest;
@@ -136,6 +132,8 @@ void TestOverClockingStart::savedCurve_data()
 
     QTest::newRow("user's curve") << 2 << kSteepCurve << kSteepCurveLevel;
     QTest::newRow("no curve saved: the default one drives") << 2 << QList<QPoint>{} << kDefaultCurveLevel;
+    QTest::newRow("fan mode 7 is the curve") << 7 << kSteepCurve << kSteepCurveLevel;
+    QTest::newRow("a negative fan mode is the curve") << -1 << kSteepCurve << kSteepCurveLevel;
     QTest::newRow("an unknown fan mode is the curve") << 9 << kSteepCurve << kSteepCurveLevel;
 }
 
@@ -193,6 +191,8 @@ void TestOverClockingStart::destruction_data()
     QTest::newRow("driver's fan stays") << 0 << QStringList();
     QTest::newRow("manual level stays") << 1 << QStringList();
     QTest::newRow("curve hands the fan back") << 2 << QStringList{kFanHandedBack};
+    QTest::newRow("fan mode 7 is the curve too") << 7 << QStringList{kFanHandedBack};
+    QTest::newRow("a negative fan mode is the curve too") << -1 << QStringList{kFanHandedBack};
 }
 
 void TestOverClockingStart::destruction()
@@ -203,14 +203,15 @@ void TestOverClockingStart::destruction()
     saved.Nodes = kSteepCurve;
     AdjustPageWorld world;
     world.open(saved);
-    if (fanMode == 2)
-        QTRY_VERIFY(!world.fanWrites().isEmpty());
+    const bool curve = fanMode != FanAuto && fanMode != FanManual;
+    if (curve)
+        QTRY_VERIFY(world.fanWrites().contains(fanLevelCall(kSteepCurveLevel)));
     world.driver.forgetCalls();
     world.page.reset();
     QStringList writes = world.writes();
     writes.removeAll(fanLevelCall(kSteepCurveLevel));
     QTEST(writes, "lastWrites");
-    if (fanMode == 2)
+    if (curve)
         QCOMPARE(world.fanWrites().last(), kFanHandedBack); // the worker is over before
 }
 

@@ -22,7 +22,9 @@ private slots:
     void oneCycle_data();
     void oneCycle();
     void cycleOrdersAnUnchangedLevelAgain();
-    void failingSensorGivesTheLevelAtZeroDegrees();
+    void levelBelowTheCoolersLowest();
+    void unreadTemperature_data();
+    void unreadTemperature();
     void refusedLevelIsIgnored();
     void defaultInterval();
     void notStartedByItself();
@@ -64,6 +66,7 @@ QString levelLine(int level)
 void TestSetUserDefineFanSpeedThread::init()
 {
     driver = std::make_unique<FakeDriver>();
+    driver->card().coolers.cooler[0].defaultMin = 0; // so that every level of a curve goes out as it is
     control = std::make_unique<NvGpuControl>();
     driver->forgetCalls();
 }
@@ -90,6 +93,7 @@ void TestSetUserDefineFanSpeedThread::oneCycle_data()
     QTest::newRow("-5 degrees") << Curve{} << -5 << 0;
     QTest::newRow("-5 degrees on a curve that starts with a step") << Curve{{0, 0}, {0, 30}, {100, 100}} << -5 << 30;
     QTest::newRow("own curve") << Curve{{0, 0}, {100, 100}} << 52 << 52;
+    QTest::newRow("29 degrees on the straight line") << Curve{{0, 0}, {100, 100}} << 29 << 28;
     QTest::newRow("step in the middle") << Curve{{0, 0}, {50, 40}, {50, 60}, {100, 100}} << 50 << 40;
     QTest::newRow("step at the start") << Curve{{0, 0}, {0, 30}, {100, 100}} << 0 << 30;
     QTest::newRow("one node becomes the default curve") << Curve{{0, 0}} << 40 << 35;
@@ -125,15 +129,45 @@ void TestSetUserDefineFanSpeedThread::cycleOrdersAnUnchangedLevelAgain()
     QCOMPARE(levels(), QStringList({levelLine(35), levelLine(35), levelLine(36)}));
 }
 
-void TestSetUserDefineFanSpeedThread::failingSensorGivesTheLevelAtZeroDegrees()
+void TestSetUserDefineFanSpeedThread::levelBelowTheCoolersLowest()
 {
+    driver->card().coolers.cooler[0].defaultMin = 30;
+    Ovryn_SetUserDefineFanSpeedThread worker(control.get());
+    setTemperature(0);
+    worker.followCurveOnce();
+    setTemperature(31); // 21 percent on the curve
+    worker.followCurveOnce();
+    setTemperature(40);
+    worker.followCurveOnce();
+    QCOMPARE(levels(), QStringList({levelLine(30), levelLine(30), levelLine(35)}));
+}
+
+void TestSetUserDefineFanSpeedThread::unreadTemperature_data()
+{
+    QTest::addColumn<int>("sensorTarget");
+    QTest::addColumn<int>("failingCalls");
+
+    QTest::newRow("the read fails for two cycles") << int(kThermalTargetGpu) << 4; // at both record versions
+    QTest::newRow("no sensor sits on the GPU") << 2 << 0;
+}
+
+void TestSetUserDefineFanSpeedThread::unreadTemperature()
+{
+    QFETCH(int, sensorTarget);
+    QFETCH(int, failingCalls);
+    const QString handedBack = "GPU_SetCoolerLevels gpu0 cooler=7 0x100A4 [8]=32";
     Ovryn_SetUserDefineFanSpeedThread worker(control.get());
     setTemperature(70);
-    driver->fails("NvAPI_GPU_GetThermalSettings", NVAPI_ERROR);
     worker.followCurveOnce();
-    worker.setTemperatureToFanSpeedData({{0, 0}, {0, 30}, {100, 100}});
+    driver->card().thermal.sensor[0].target = sensorTarget;
+    if (failingCalls)
+        driver->fails("NvAPI_GPU_GetThermalSettings", NVAPI_ERROR, 1, failingCalls);
     worker.followCurveOnce();
-    QCOMPARE(levels(), QStringList({levelLine(0), levelLine(30)}));
+    worker.followCurveOnce();
+    driver->card().thermal.sensor[0].target = kThermalTargetGpu;
+    worker.followCurveOnce();
+    // 76 percent at 70 degrees; the driver has the fan while nobody knows how hot the card is
+    QCOMPARE(levels(), QStringList({levelLine(76), handedBack, handedBack, levelLine(76)}));
 }
 
 void TestSetUserDefineFanSpeedThread::refusedLevelIsIgnored()
