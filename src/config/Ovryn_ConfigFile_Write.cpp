@@ -4,6 +4,7 @@
 #include "config/ConfigNames.h"
 
 #include <QFile>
+#include <QLocale>
 #include <QTextStream>
 
 namespace
@@ -103,7 +104,8 @@ void Ovryn_ConfigFile::writeDate(QDomElement &root, const QString &name, const Q
 {
     QDomElement element = takeOrCreate(root, name);
     element.removeChild(element.firstChild());
-    element.appendChild(createTextNode(date.toString(kDateFormat))); // the empty text for an invalid date
+    // Digits of ASCII whichever locale is the user's; the empty text for an invalid date.
+    element.appendChild(createTextNode(QLocale::c().toString(date, kDateFormat)));
     root.appendChild(element);
 }
 
