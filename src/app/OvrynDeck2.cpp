@@ -11,6 +11,7 @@
 #include "monitor/Ovryn_NvCardInfoWidget.h"
 #include "monitor/Ovryn_SendNvCardInfoThread.h"
 #include "overclock/Ovryn_OverClockingWidget.h"
+#include "platform/FileSync.h"
 #include "ui/Ovryn_ComboBox.h"
 #include "ui/Ovryn_SettingParentWidget.h"
 #include "ui/RollStackWidget.h"
@@ -32,7 +33,10 @@ const char *const kBackgroundPicture = ":/images/images/BKImage.png";
 } // namespace
 
 OvrynDeck2::OvrynDeck2(QWidget *parent, const PageTimings &pauses)
-    : QDialog(parent), pageTimings(pauses), updateDownloader(new Ovryn_DownloadUpdateFileInfo(this))
+    : QDialog(parent),
+      pageTimings(pauses),
+      updateDownloader(new Ovryn_DownloadUpdateFileInfo(this)),
+      configFile(Ovryn_ConfigFile::usualPath(), syncToDisk)
 {
     setObjectName(QStringLiteral("OvrynDeck2"));
     buildWidgets();
