@@ -15,6 +15,7 @@
 #include "monitor/Ovryn_SendNvCardInfoThread.h"
 #include "overclock/Ovryn_OverClockingWidget.h"
 #include "platform/EndSignals.h"
+#include "platform/FileSync.h"
 #include "ui/Ovryn_ComboBox.h"
 #include "ui/Ovryn_SettingParentWidget.h"
 #include "ui/RollStackWidget.h"
@@ -42,7 +43,8 @@ OvrynDeck2::OvrynDeck2(QWidget *parent, const PageTimings &pauses)
       pageTimings(pauses),
       fanGuard(new FanGuard(
           QCoreApplication::applicationDirPath() + QLatin1Char('/') + QLatin1String(kFanGuardProgram), this)),
-      updateDownloader(new Ovryn_DownloadUpdateFileInfo(this))
+      updateDownloader(new Ovryn_DownloadUpdateFileInfo(this)),
+      configFile(Ovryn_ConfigFile::usualPath(), syncToDisk)
 {
     // First, since the start shows a box and takes its time.
     connect(new EndSignals(this), SIGNAL(endDemanded()), this, SLOT(onEndDemanded()));

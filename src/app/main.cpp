@@ -1,6 +1,7 @@
 #include "app/OvrynDeck2.h"
 #include "config/Ovryn_ConfigFile.h"
 #include "device/WorkerThread.h"
+#include "platform/FileSync.h"
 #include "platform/QtSingleApplication.h"
 #include "ui/Fonts.h"
 #include "ui/Ovryn_LanguageTable.h"
@@ -101,7 +102,7 @@ int run(int argc, char **argv)
 
     GeneralSettingInfo general;
     {
-        Ovryn_ConfigFile configFile;
+        Ovryn_ConfigFile configFile(Ovryn_ConfigFile::usualPath(), syncToDisk);
         general = stampStart(configFile);
     }
     Ovryn_LanguageTable languageTable;

@@ -2,12 +2,13 @@
 
 #include <algorithm>
 
-Ovryn_ConfigFile::Ovryn_ConfigFile(const QString &path)
+Ovryn_ConfigFile::Ovryn_ConfigFile(const QString &path, SyncToDisk sync)
     : LastStartDate(QDate::currentDate()),
       LastCloseDate(LastStartDate),
       LastUpdateDate(LastStartDate),
       LastCheckDate(LastStartDate),
-      fileName(path)
+      fileName(path),
+      syncToDisk(sync)
 {
 }
 

@@ -6,6 +6,7 @@
 #include <QDate>
 #include <QDomDocument>
 
+class QFile;
 template <typename Record>
 struct AttributeTable;
 
@@ -20,16 +21,25 @@ struct AttributeTable;
 class Ovryn_ConfigFile : public QDomDocument
 {
 public:
-    /// Holds the defaults and today's dates until `load`; the file is not touched.
-    explicit Ovryn_ConfigFile(const QString &path = QStringLiteral("config.xml"));
+    /// Sends what was written to an open file on to the disk; false where that fails.
+    using SyncToDisk = bool (*)(QFile &file);
 
-    /// Reads the file. One that is missing or not well-formed is replaced by a fresh one, one that cannot be opened
-    /// or has a foreign root element is left alone. False: nothing is loaded.
+    static QString usualPath() { return QStringLiteral("config.xml"); }
+
+    /// Holds the defaults and today's dates until `load`; the file is not touched. The system's own way to the disk
+    /// comes from outside, since this folder knows no system; without one the system writes when it likes.
+    explicit Ovryn_ConfigFile(const QString &path = usualPath(), SyncToDisk sync = nullptr);
+
+    /// Reads the file. One that is missing or not well-formed is replaced by a fresh one, one that cannot be read or
+    /// has a foreign root element is left alone. False: nothing is loaded.
     bool load();
 
     /// Writes the whole file over the old one, without a backup. What the document holds beside the settings that
-    /// this program knows stays in it. False: the old file cannot be removed, or (the old file is gone then) the new
-    /// one cannot be opened.
+    /// this program knows stays in it.
+    ///
+    /// False, with the old file as it was: `load` could not read it and it is still there, the disk has no room for
+    /// the new one beside it, it cannot be removed, or the writing failed and the old text was put back. False, with
+    /// the old file gone: the new one cannot be opened. Memory keeps the settings in any case.
     bool save();
 
     bool getGeneralSetting(GeneralSettingInfo &info) const; ///< false when not loaded
@@ -73,7 +83,9 @@ private:
     void writeElement(QDomElement &parent, const QString &name, const AttributeTable<Record> &attributes,
                       const Record &record);
     QDomElement takeOrCreate(QDomNode &parent, const QString &name);
-    bool writeFile() const;
+    [[nodiscard]] QByteArray serialised() const;
+    [[nodiscard]] bool writeFile() const;
+    bool writeWhole(QFile &file, const QByteArray &text) const;
 
     [[nodiscard]] const GpuSettingInfo *findCard(const QString &gpuName, quint32 subSystemId) const;
     GpuSettingInfo &cardFor(const QString &gpuName, quint32 subSystemId);
@@ -88,5 +100,7 @@ private:
     QDate LastCheckDate;
     bool NotPromptHPS = false;
     QString fileName;
-    bool loaded = false; ///< the records come from a good file, or stand in a fresh one
+    SyncToDisk syncToDisk;
+    bool unreadable = false; ///< `load` found a file and could not read it: what it holds is nobody's to replace
+    bool loaded = false;     ///< the records come from a good file, or stand in a fresh one
 };

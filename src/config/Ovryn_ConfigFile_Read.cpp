@@ -39,18 +39,20 @@ bool Ovryn_ConfigFile::load()
     update = {};
     gpuList.clear();
     clear();
+    unreadable = false;
 
     QFile file(fileName);
     if (!file.exists())
         return startFresh();
     loaded = false;
+    unreadable = true; // what a failing disk gives of it says nothing about the file
     if (!file.open(QIODevice::ReadOnly))
         return false;
     const QByteArray text = file.readAll();
-    const bool complete = file.error() == QFileDevice::NoError;
+    if (file.error() != QFileDevice::NoError)
+        return false;
     file.close();
-    if (!complete)
-        return false; // what a failing disk gave of it says nothing about the file
+    unreadable = false;
 
     if (!parseXml(text, *this, parseError))
         return startFresh();

@@ -4,7 +4,12 @@
 #include "config/ConfigNames.h"
 
 #include <QFile>
+#include <QFileInfo>
+#include <QLocale>
+#include <QStorageInfo>
 #include <QTextStream>
+
+#include <algorithm>
 
 namespace
 {
@@ -51,6 +56,25 @@ private:
     int place = 0; ///< of the candidate among the children that are left
     const QList<GpuSettingInfo> &list;
 };
+
+/// False where the disk says that the text doesn't fit into what is free now. What the old file gives back when it is
+/// removed is not counted: somebody else may take it first.
+bool hasRoomFor(const QByteArray &text, const QString &path)
+{
+    const QStorageInfo disk(QFileInfo(path).absolutePath());
+    if (!disk.isValid() || disk.bytesTotal() <= 0)
+        return true; // some network disks tell no figures
+    const qint64 block = std::max(disk.blockSize(), 1);
+    const qint64 size = text.size() + text.count('\n'); // a line's end is two bytes on some systems
+    return (size + block - 1) / block * block <= disk.bytesAvailable();
+}
+
+/// Empty where the file can't be read.
+QByteArray contentOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
 
 } // namespace
 
@@ -103,7 +127,8 @@ void Ovryn_ConfigFile::writeDate(QDomElement &root, const QString &name, const Q
 {
     QDomElement element = takeOrCreate(root, name);
     element.removeChild(element.firstChild());
-    element.appendChild(createTextNode(date.toString(kDateFormat))); // the empty text for an invalid date
+    // Digits of ASCII whichever locale is the user's; the empty text for an invalid date.
+    element.appendChild(createTextNode(QLocale::c().toString(date, kDateFormat)));
     root.appendChild(element);
 }
 
@@ -126,17 +151,45 @@ QDomElement Ovryn_ConfigFile::takeOrCreate(QDomNode &parent, const QString &name
     return child;
 }
 
-bool Ovryn_ConfigFile::writeFile() const
+QByteArray Ovryn_ConfigFile::serialised() const
 {
-    if (QFile::exists(fileName) && !QFile::remove(fileName))
-        return false;
-    QFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Text))
-        return false;
-    QTextStream stream(&file);
+    QByteArray text;
+    QTextStream stream(&text);
     stream.setCodec("UTF-8");
     QDomDocument::save(stream, kIndentation, QDomNode::EncodingFromTextStream);
     stream.flush();
+    return text;
+}
+
+bool Ovryn_ConfigFile::writeFile() const
+{
+    const QByteArray text = serialised();
+    QByteArray former;
+    if (QFile::exists(fileName)) {
+        if (unreadable || !hasRoomFor(text, fileName))
+            return false;
+        former = contentOf(fileName);
+        if (!QFile::remove(fileName))
+            return false;
+    }
+    QFile file(fileName);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Text))
+        return false;
+    if (writeWhole(file, text))
+        return true;
+    // The figure of the free space is no promise: quotas and other programs take from it. The old text was on the
+    // disk a moment ago, so that there is room for it.
+    if (former.isEmpty())
+        file.remove();
+    else if (file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        writeWhole(file, former);
+    return false;
+}
+
+/// Closes the file, too.
+bool Ovryn_ConfigFile::writeWhole(QFile &file, const QByteArray &text) const
+{
+    const bool onDisk = file.write(text) == text.size() && file.flush() && (!syncToDisk || syncToDisk(file));
     file.close();
-    return true;
+    return onDisk && file.error() == QFileDevice::NoError;
 }

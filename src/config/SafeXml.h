@@ -3,7 +3,10 @@
 #include <QByteArray>
 #include <QString>
 
+#include <functional>
+
 class QDomDocument;
+class QXmlStreamReader;
 
 /// Why and where a text was refused.
 struct XmlError
@@ -17,16 +20,27 @@ struct XmlError
 /// of some ten thousand levels would run it out of stack.
 constexpr int kXmlDepthMax = 200;
 
-/// Size up to which a text may declare entities of its own. The DOM library bounds what one reference expands to,
-/// not how many there are.
-constexpr int kXmlBytesMaxWithEntities = 16 * 1024;
+/// Characters up to which a text may declare entities of its own. The XML library bounds what one reference expands
+/// to, not how many there are.
+constexpr int kXmlCharactersMaxWithEntities = 16 * 1024;
 
 /// Elements up to which a text is accepted. The DOM library takes some 3 KB for each with its attributes, and a
 /// settings file of this size would hold fifty thousand cards: a text beyond it is no settings file but damage, and
 /// building its document would run the machine out of memory.
 constexpr int kXmlElementsMax = 250000;
 
-/// Parses the text into the document, whose old content goes. False where the text is not well-formed, is nested
-/// deeper than `kXmlDepthMax` levels, has more than `kXmlElementsMax` elements, or declares entities and is larger
-/// than `kXmlBytesMaxWithEntities`; the document then holds an arbitrary part of it and the error says why.
-[[nodiscard]] bool parseXml(const QByteArray &text, QDomDocument &document, XmlError &error);
+/// The characters of a text in any encoding: that of its byte order mark, else the one that its XML declaration
+/// names, else UTF-8. False where bytes are found that don't belong to that encoding.
+[[nodiscard]] bool decodeXml(const QByteArray &bytes, QString &text, XmlError &error);
+
+/// Called at the start of an element. The root's depth is 1; the reader gives its name and attributes.
+using XmlVisitor = std::function<void(int depth, const QXmlStreamReader &reader)>;
+
+/// Walks through the whole text, element by element, and keeps none of it. False where the text is not well-formed,
+/// is nested deeper than `kXmlDepthMax` levels, has more than `kXmlElementsMax` elements, or declares entities and
+/// has more than `kXmlCharactersMaxWithEntities` characters; some elements were visited then and the error says why.
+[[nodiscard]] bool walkXml(const QString &text, const XmlVisitor &visit, XmlError &error);
+
+/// Parses the text, in any encoding, into the document, whose old content goes. False where the text can't be decoded
+/// or walked through; the document then is empty and the error says why.
+[[nodiscard]] bool parseXml(const QByteArray &bytes, QDomDocument &document, XmlError &error);

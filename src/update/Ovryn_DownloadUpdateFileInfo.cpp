@@ -68,17 +68,20 @@ void Ovryn_DownloadUpdateFileInfo::httpReadyRead()
     if (!reply || !file)
         return;
     const QByteArray data = reply->readAll();
-    // An endless answer must not fill the disk. One byte beyond the bound stays, by which the reader refuses it.
-    file->write(data.left(int(qBound<qint64>(0, kManifestBytesMax + 1 - file->pos(), data.size()))));
+    // What the reader would refuse, an answer without an end for one, need not be fetched; nor what has no room.
+    if (file->pos() + data.size() > kManifestBytesMax || file->write(data) != data.size())
+        reply->abort(); // finishes it, with an error
 }
 
 void Ovryn_DownloadUpdateFileInfo::httpFinished()
 {
     if (!reply || !file)
         return;
-    const bool complete = reply->error() == QNetworkReply::NoError;
+    bool complete = reply->error() == QNetworkReply::NoError && file->flush();
+    file->close();
+    complete = complete && file->error() == QFileDevice::NoError;
     if (!complete)
-        file->remove(); // closes it first
+        file->remove();
     dropRemains();
     if (!complete) {
         fail();

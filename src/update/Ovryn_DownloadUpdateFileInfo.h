@@ -41,7 +41,8 @@ public slots:
 
 signals:
     /// True: an answer without an error is on the disk, be it a manifest or not; a redirect counts as such an answer
-    /// and is not followed.
+    /// and is not followed. False also where the disk did not take all of it, and where it is larger than
+    /// `kManifestBytesMax`: such an answer is broken off.
     void downloadFinished(bool complete);
 
 private:

@@ -8,25 +8,18 @@
 namespace
 {
 
-bool isUtf8(const QByteArray &text)
-{
-    if (text.contains('\0')) // as every text in UTF-16 or UTF-32
-        return false;
-    QXmlStreamReader start(text.left(kManifestBytesMaxUnlessPlain));
-    start.readNext(); // the XML declaration, also where there is none
-    const QStringRef encoding = start.documentEncoding();
-    return !start.hasError() &&
-           (encoding.isEmpty() || encoding.compare(QLatin1String("UTF-8"), Qt::CaseInsensitive) == 0);
-}
+constexpr int kRootDepth = 1;
+constexpr int kSectionDepth = 2; // children of the root
+constexpr int kFileDepth = 3;
 
-bool hasFewAttributes(const QByteArray &text)
+bool hasFewAttributes(const QString &text)
 {
     int inAll = 0;
     int sinceBracket = 0;
-    for (const char byte : text) {
-        if (byte == '<') { // stands in no attribute's value
+    for (const QChar character : text) {
+        if (character == QLatin1Char('<')) { // stands in no attribute's value
             sinceBracket = 0;
-        } else if (byte == '=') {
+        } else if (character == QLatin1Char('=')) {
             if (++sinceBracket > kManifestEqualsSignsMaxPerTag || ++inAll > kManifestEqualsSignsMax)
                 return false;
         }
@@ -34,66 +27,70 @@ bool hasFewAttributes(const QByteArray &text)
     return true;
 }
 
-XmlError boundOvershot(const QByteArray &text)
+QString attribute(const QXmlStreamReader &element, const char *name)
 {
-    if (text.size() > kManifestBytesMax)
-        return {QStringLiteral("too large for a manifest"), 0, 0};
-    if (text.size() > kManifestBytesMaxUnlessPlain && !isUtf8(text))
-        return {QStringLiteral("too large for a text that is not in UTF-8"), 0, 0};
-    if (text.size() > kManifestBytesMaxUnlessPlain && !hasFewAttributes(text))
-        return {QStringLiteral("too many attributes"), 0, 0};
-    return {};
+    return element.attributes().value(QLatin1String(name)).toString();
 }
 
 } // namespace
 
 bool Ovryn_UpdateInfoReader::read(QString path)
 {
-    valid = false;
+    clear();
+    QFile file(path);
+    valid = file.exists() && file.open(QIODevice::ReadOnly) && parse(file.read(kManifestBytesMax + 1));
+    if (!valid)
+        clear();
+    return valid;
+}
+
+/// False for what is no XML, which leaves its error, and for XML that is no manifest.
+bool Ovryn_UpdateInfoReader::parse(const QByteArray &bytes)
+{
+    XmlError error;
+    QString text;
+    bool isManifest = false;
+    if (bytes.size() > kManifestBytesMax)
+        error.message = QStringLiteral("too large for a manifest");
+    else if (decodeXml(bytes, text, error) && text.size() > kManifestCharactersMaxUnlessPlain &&
+             !hasFewAttributes(text))
+        error.message = QStringLiteral("too many attributes");
+    else if (error.message.isEmpty())
+        isManifest = takeFields(text, error);
+    errorMessage = error.message;
+    errorLine = error.line;
+    errorColumn = error.column;
+    return isManifest;
+}
+
+bool Ovryn_UpdateInfoReader::takeFields(const QString &text, XmlError &error)
+{
+    bool isManifest = false;
+    bool inFileInfos = false;
+    const auto take = [&](int depth, const QXmlStreamReader &element) {
+        const QStringRef name = element.qualifiedName();
+        if (depth == kRootDepth)
+            isManifest = name == QLatin1String("Update");
+        if (depth == kSectionDepth) {
+            inFileInfos = name == QLatin1String("FileInfos");
+            if (name == QLatin1String("ServerAdress")) // spelled so in the format
+                serverAddress = attribute(element, "Value");
+            else if (name == QLatin1String("CurrentVersion"))
+                currentVersion = attribute(element, "Value");
+            else if (name == QLatin1String("ManualDownloadVersion"))
+                manualDownloadVersion = attribute(element, "Value");
+        } else if (depth == kFileDepth && inFileInfos && name == QLatin1String("FileInfo")) {
+            fileInfos.append(
+                {attribute(element, "FileName"), attribute(element, "FileDir"), attribute(element, "FileVersion")});
+        }
+    };
+    return walkXml(text, take, error) && isManifest;
+}
+
+void Ovryn_UpdateInfoReader::clear()
+{
     fileInfos.clear();
     serverAddress.clear();
     currentVersion.clear();
     manualDownloadVersion.clear();
-    document = QDomDocument();
-
-    QFile file(path);
-    if (!file.exists() || !file.open(QIODevice::ReadOnly) || !parse(file.read(kManifestBytesMax + 1)))
-        return false;
-    const QDomElement root = document.documentElement();
-    if (root.tagName() != QLatin1String("Update"))
-        return false;
-
-    const QString value = QStringLiteral("Value");
-    for (QDomElement child = root.firstChildElement(); !child.isNull(); child = child.nextSiblingElement()) {
-        const QString name = child.tagName();
-        if (name == QLatin1String("ServerAdress")) // spelled so in the format
-            serverAddress = child.attribute(value);
-        else if (name == QLatin1String("FileInfos"))
-            readFileInfos(child);
-        else if (name == QLatin1String("CurrentVersion"))
-            currentVersion = child.attribute(value);
-        else if (name == QLatin1String("ManualDownloadVersion"))
-            manualDownloadVersion = child.attribute(value);
-    }
-    valid = true;
-    return true;
-}
-
-bool Ovryn_UpdateInfoReader::parse(const QByteArray &text)
-{
-    XmlError error = boundOvershot(text);
-    const bool parsed = error.message.isEmpty() && parseXml(text, document, error);
-    errorMessage = error.message;
-    errorLine = error.line;
-    errorColumn = error.column;
-    return parsed;
-}
-
-void Ovryn_UpdateInfoReader::readFileInfos(const QDomElement &list)
-{
-    const QString name = QStringLiteral("FileInfo");
-    for (QDomElement child = list.firstChildElement(name); !child.isNull(); child = child.nextSiblingElement(name)) {
-        fileInfos.append({child.attribute(QStringLiteral("FileName")), child.attribute(QStringLiteral("FileDir")),
-                          child.attribute(QStringLiteral("FileVersion"))});
-    }
 }

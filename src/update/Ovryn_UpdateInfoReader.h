@@ -2,25 +2,27 @@
 
 #include "update/UpdateFileInfo.h"
 
-#include <QDomDocument>
 #include <QList>
+#include <QString>
 
-/// Largest manifest that is read, in bytes. A real one has a few kilobytes.
-constexpr qint64 kManifestBytesMax = 64 * 1024 * 1024;
+struct XmlError;
 
-/// Size in bytes from which a manifest has to be plain: UTF-8 and with few attributes. The XML library compares each
-/// attribute of an element with all before it, so that an element of some hundred thousand would take it hours.
-constexpr int kManifestBytesMaxUnlessPlain = 16 * 1024;
+/// Largest manifest that is read, in bytes. A real one has a few kilobytes; one of this size takes half a second.
+constexpr qint64 kManifestBytesMax = 16 * 1024 * 1024;
 
-/// Equals signs between two angle brackets, and in all, that a manifest may have once it has to be plain. No element
-/// has more attributes than equals signs stand before the next element.
+/// Size in characters from which a manifest has to have few attributes. The XML library compares each attribute of an
+/// element with all before it, so that an element of some hundred thousand would take it hours.
+constexpr int kManifestCharactersMaxUnlessPlain = 16 * 1024;
+
+/// Equals signs between two angle brackets, and in all, that such a manifest may have. No element has more
+/// attributes than equals signs stand before the next element.
 constexpr int kManifestEqualsSignsMaxPerTag = 256;
 constexpr int kManifestEqualsSignsMax = 1000000;
 
 /// The update manifest as plain fields. A local object of the function that needs it; GUI thread.
 ///
 /// The manifest comes from the network, so that any bytes may stand in it. What is larger than the bounds above, or
-/// than those of `parseXml` (a million files listed, for one: it has more elements than are accepted), counts as
+/// than those of `walkXml` (a million files listed, for one: it has more elements than are accepted), counts as
 /// failing to parse. After a failure every text and the list are empty, which offers no new version; that is why
 /// callers need not look at the result.
 class Ovryn_UpdateInfoReader
@@ -42,8 +44,9 @@ public:
     [[nodiscard]] int getErrorColumn() const { return errorColumn; }
 
 private:
-    bool parse(const QByteArray &text);
-    void readFileInfos(const QDomElement &list);
+    bool parse(const QByteArray &bytes);
+    bool takeFields(const QString &text, XmlError &error);
+    void clear();
 
     QList<UpdateFileInfo> fileInfos; ///< in the manifest's order
     QString serverAddress;           ///< of use to the updater alone
@@ -52,7 +55,6 @@ private:
     QString errorMessage;
     int errorLine = 0;
     int errorColumn = 0;
-    QDomDocument document;
     QString fileName = QStringLiteral("update_info.xml");
     bool valid = false;
 };

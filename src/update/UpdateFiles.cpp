@@ -1,6 +1,8 @@
 #include "update/UpdateFiles.h"
 
 #include <JlCompress.h>
+#include <quazip.h>
+#include <quazipfileinfo.h>
 
 #include <QDir>
 #include <QFile>
@@ -36,6 +38,20 @@ bool wouldLieInside(const QString &path, const QString &canonicalFolder)
            (!canonicalParent.isEmpty() && canonicalParent == canonicalFolder);
 }
 
+bool isLink(const QFileInfo &info)
+{
+    return info.isSymLink() || info.isJunction();
+}
+
+/// True where the archive holds that file as a link, which would be made as such and lead anywhere.
+bool isLinkInArchive(const QString &zipPath, const QString &fileName)
+{
+    QuaZip archive(zipPath);
+    QuaZipFileInfo64 info;
+    return archive.open(QuaZip::mdUnzip) && archive.setCurrentFile(fileName) && archive.getCurrentFileInfo(&info) &&
+           info.isSymbolicLink();
+}
+
 } // namespace
 
 bool isReturnFromUpdater(const QStringList &arguments)
@@ -52,11 +68,13 @@ QString updaterProgram(const QString &programFolder)
 
 void clearFolder(const QString &path)
 {
+    if (isLink(QFileInfo(QDir::cleanPath(path)))) // with a slash behind it, the link would count as its target
+        return;
     const QFileInfoList entries =
         QDir(path).entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
     for (const QFileInfo &entry : entries) {
         const QString entryPath = entry.absoluteFilePath();
-        if (entry.isDir() && !entry.isSymLink())
+        if (entry.isDir() && !isLink(entry))
             clearFolder(entryPath);
         else
             QFile::remove(entryPath);
@@ -88,7 +106,8 @@ void takeOutUpdater(const QList<UpdateFileInfo> &fileInfos)
         return;
 
     QFile::remove(target);
-    if (!QFileInfo(target).isSymLink()) // one that stays would lead the new file anywhere
+    // A link that stays would lead the new file anywhere.
+    if (!isLink(QFileInfo(target)) && !isLinkInArchive(zipPath, updater))
         JlCompress::extractFile(zipPath, updater, target);
     QFile::remove(zipPath);
 }

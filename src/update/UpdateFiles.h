@@ -25,7 +25,8 @@ constexpr const char *kCalledByUpdater = "_OvrynUpdate";
 [[nodiscard]] QString updaterProgram(const QString &programFolder);
 
 /// Removes everything in the folder, hidden files too, and leaves the folder itself. A link in it is a file: it
-/// is removed and never gone into. What can't be removed is skipped.
+/// is removed and never gone into. A folder that is a link itself stays as it is: what it leads to may be anybody's.
+/// What can't be removed is skipped.
 void clearFolder(const QString &path);
 
 /// Puts a new updater in place: a program can't replace its own running file, so the updater leaves its successor as
@@ -35,5 +36,5 @@ void clearFolder(const QString &path);
 /// `fileInfos` come from the network. Inside the installation they are followed to the letter, but nothing outside is
 /// ever read, removed or written by them: an entry whose archive is not in temp, or whose target is not in the
 /// installation folder, is passed over, both as the path reads and with links resolved. Of the archive only the entry
-/// of exactly the updater's name is taken out, to the target and nowhere else.
+/// of exactly the updater's name is taken out, to the target and nowhere else, and not where it is a link.
 void takeOutUpdater(const QList<UpdateFileInfo> &fileInfos);

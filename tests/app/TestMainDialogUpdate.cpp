@@ -1,4 +1,6 @@
+#include "app/BoxLook.h"
 #include "app/MainDialogTest.h"
+#include "app/StandInUpdater.h"
 #include "support/ConnectWarnings.h"
 #include "support/LoopbackHttpServer.h"
 #include "support/ModalAnswer.h"
@@ -7,6 +9,7 @@
 #include "update/Ovryn_DownloadUpdateFileInfo.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QDate>
 #include <QDomDocument>
 #include <QElapsedTimer>
@@ -37,7 +40,11 @@ private slots:
     void manualCheckTakesOverARunningOne_data();
     void manualCheckTakesOverARunningOne();
     void oneAnswerForEachCheck();
+    void looksOfABox_data();
     void looksOfABox();
+    void updaterBesideTheProgram();
+    void unreadableSettingsAreNotReplaced();
+    void settingsAreSynced();
     void returnFromTheUpdater_data();
     void returnFromTheUpdater();
     void closedWhileTheLogStands();
@@ -77,33 +84,6 @@ public:
         answerWith(manifest);
         qputenv("OVRYN_TEST_UPDATE_SERVER", address().toLatin1());
     }
-};
-
-/// An executable in the search path that keeps the arguments that it is called with.
-class StandInUpdater
-{
-public:
-    StandInUpdater() : formerPath(qgetenv("PATH"))
-    {
-        QFile script(folder.filePath(QStringLiteral("OvrynUpdate")));
-        if (!script.open(QIODevice::WriteOnly))
-            qFatal("no stand-in for the updater");
-        script.write("#!/bin/sh\nprintf '%s\\n' \"$@\" > \"$0.part\"\nmv \"$0.part\" \"$0.arguments\"\n");
-        script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        qputenv("PATH", folder.path().toLocal8Bit() + ':' + formerPath);
-    }
-    ~StandInUpdater() { qputenv("PATH", formerPath); }
-    Q_DISABLE_COPY(StandInUpdater)
-
-    [[nodiscard]] QString arguments() const ///< empty when it was not called yet
-    {
-        QFile file(folder.filePath(QStringLiteral("OvrynUpdate.arguments")));
-        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-    }
-
-private:
-    QTemporaryDir folder;
-    QByteArray formerPath;
 };
 
 QString dateText(const QDate &date)
@@ -163,7 +143,18 @@ bool runUntilQuit()
 const QString kYes = QStringLiteral("msgBoxYesBtn");
 const QString kNo = QStringLiteral("msgBoxNoBtn");
 
+QStringList syncedFiles; ///< by their names, in order
+
 } // namespace
+
+#ifdef Q_OS_LINUX
+// In place of the system's call.
+extern "C" int fsync(int file)
+{
+    syncedFiles.append(QFile::symLinkTarget(QStringLiteral("/proc/self/fd/%1").arg(file)));
+    return 0;
+}
+#endif
 
 void TestMainDialogUpdate::dateDecidesAtTheStart_data()
 {
@@ -302,14 +293,22 @@ void TestMainDialogUpdate::handsOver_data()
 {
     QTest::addColumn<bool>("manual");
     QTest::addColumn<int>("mode");
-    QTest::addColumn<QByteArray>("language");
+    QTest::addColumn<QByteArray>("language"); ///< in the file
+    QTest::addColumn<QByteArray>("chosen");   ///< on the settings page afterwards, empty for none
     QTest::addColumn<QStringList>("answers");
-    QTest::newRow("automatic, mode 0 asks nothing") << false << 0 << QByteArray("lang_en") << QStringList();
-    QTest::newRow("automatic, any other mode asks nothing") << false << 7 << QByteArray("lang_ch") << QStringList();
-    QTest::newRow("automatic, yes in mode 1") << false << 1 << QByteArray("lang_en") << QStringList{kYes};
-    QTest::newRow("automatic, yes in mode 2") << false << 2 << QByteArray("lang_ch") << QStringList{kYes};
-    QTest::newRow("manual, yes") << true << 2 << QByteArray("lang_en") << QStringList{kYes};
-    QTest::newRow("manual, yes in mode 0") << true << 0 << QByteArray("lang_ch") << QStringList{kYes};
+    const QByteArray english = "lang_en";
+    const QByteArray chinese = "lang_ch";
+    const QByteArray none;
+    QTest::newRow("automatic, mode 0 asks nothing") << false << 0 << english << none << QStringList();
+    QTest::newRow("automatic, any other mode asks nothing") << false << 7 << chinese << none << QStringList();
+    QTest::newRow("automatic, yes in mode 1") << false << 1 << english << none << QStringList{kYes};
+    QTest::newRow("automatic, yes in mode 2") << false << 2 << chinese << none << QStringList{kYes};
+    QTest::newRow("manual, yes") << true << 2 << english << none << QStringList{kYes};
+    QTest::newRow("manual, yes in mode 0") << true << 0 << chinese << none << QStringList{kYes};
+    QTest::newRow("Chinese since a moment ago") << true << 2 << english << chinese << QStringList{kYes};
+    QTest::newRow("English since a moment ago") << false << 0 << chinese << english << QStringList();
+    QTest::newRow("a language that only the updater may know")
+        << false << 0 << QByteArray("lang_fr") << none << QStringList();
 }
 
 void TestMainDialogUpdate::handsOver()
@@ -317,6 +316,7 @@ void TestMainDialogUpdate::handsOver()
     QFETCH(bool, manual);
     QFETCH(int, mode);
     QFETCH(QByteArray, language);
+    QFETCH(QByteArray, chosen);
     QFETCH(QStringList, answers);
     const StandInUpdater updater;
     withoutCards();
@@ -325,6 +325,10 @@ void TestMainDialogUpdate::handsOver()
     ModalAnswer answer(answers);
     OvrynDeck2 dialog;
     dialog.show();
+    if (!chosen.isEmpty()) {
+        auto *languages = dialog.findChild<QComboBox *>(QStringLiteral("cmb_language"));
+        languages->setCurrentIndex(languages->findData(QString::fromLatin1(chosen)));
+    }
     if (manual)
         emit dialog.findChild<Ovryn_SettingParentWidget *>()->detectUpdate();
     QVERIFY(runUntilQuit());
@@ -333,8 +337,11 @@ void TestMainDialogUpdate::handsOver()
     QVERIFY(!dialog.isVisible());
     QCOMPARE(savedDate("LastCloseDate"), today()); // closed like any other time
     QCOMPARE(savedDate("LastCheckDate"), today());
-    QTRY_COMPARE_WITH_TIMEOUT(updater.arguments(),
-                              QStringLiteral("_OvrynDeck2\n%1\n").arg(QString::fromLatin1(language)), kPatienceMs);
+    QTRY_COMPARE_WITH_TIMEOUT(
+        updater.arguments(),
+        QStringLiteral("_OvrynDeck2\n%1\n").arg(QString::fromLatin1(chosen.isEmpty() ? language : chosen)),
+        kPatienceMs);
+    QCOMPARE(updater.folderOfCall(), QDir::current().canonicalPath());
     QVERIFY(manifestStands()); // the updater reads it
 }
 
@@ -360,14 +367,13 @@ void TestMainDialogUpdate::handsOverWhileABoxIsOpen()
 
 void TestMainDialogUpdate::updaterThatIsMissing()
 {
-    const QByteArray path = qgetenv("PATH");
+    const SearchPath nothing("");
     withoutCards();
     UpdateServer server(updateManifest("1.1"));
     writeConfig(config(0, 7));
     ModalAnswer answer({kYes, kYes, kYes});
     OvrynDeck2 dialog;
     dialog.show();
-    qputenv("PATH", "");
     QTRY_COMPARE_WITH_TIMEOUT(answer.captions().size(), 1, kPatienceMs);
     QCOMPARE(answer.texts(), QStringList{QStringLiteral("Failed to initialize auto update.")});
     QCOMPARE(answer.captions(), QStringList{QStringLiteral("Confirm")});
@@ -376,7 +382,6 @@ void TestMainDialogUpdate::updaterThatIsMissing()
 
     dialog.manualDetectUpdate(); // it can be tried again
     QTRY_COMPARE_WITH_TIMEOUT(answer.captions().size(), 3, kPatienceMs);
-    qputenv("PATH", path);
     QCOMPARE(answer.texts().last(), QStringLiteral("Failed to initialize auto update."));
     QVERIFY(dialog.isVisible());
 }
@@ -467,33 +472,104 @@ void TestMainDialogUpdate::oneAnswerForEachCheck()
     QCOMPARE(server.requests().size(), 3);
 }
 
+void TestMainDialogUpdate::looksOfABox_data()
+{
+    QTest::addColumn<bool>("manual");
+    QTest::addColumn<int>("mode");
+    QTest::addColumn<QByteArray>("manifest");
+    QTest::addColumn<QStringList>("buttons");
+    QTest::addColumn<bool>("manifestThere"); ///< while the box stands
+    const QByteArray newVersion = updateManifest("1.1");
+    const QByteArray tooOld = updateManifest("1.1", "1.1");
+    const QByteArray nothingNew = updateManifest("1.0.2.4");
+    const QStringList two = {"Yes", "No"};
+    const QStringList one = {"Confirm"};
+    QTest::newRow("automatic question") << false << 2 << newVersion << two << true;
+    QTest::newRow("manual question") << true << 0 << newVersion << two << true;
+    QTest::newRow("automatic, too old") << false << 2 << tooOld << one << true;
+    QTest::newRow("manual, too old") << true << 2 << tooOld << one << true;
+    QTest::newRow("latest version, temp is cleared before") << true << 2 << nothingNew << one << false;
+    QTest::newRow("no updater") << false << 0 << newVersion << one << true;
+}
+
 void TestMainDialogUpdate::looksOfABox()
 {
+    QFETCH(bool, manual);
+    QFETCH(int, mode);
+    QFETCH(QByteArray, manifest);
+    QFETCH(QStringList, buttons);
+    QFETCH(bool, manifestThere);
+    const SearchPath nothing("");
     withoutCards();
-    UpdateServer server(updateManifest("1.1"));
-    writeConfig(config(2, 7));
+    UpdateServer server(manifest);
+    writeConfig(config(mode, manual ? 1 : 7));
     OvrynDeck2 dialog;
     dialog.show();
-    QWidget *box = nullptr;
-    QString title;
-    QWidget *parent = nullptr;
-    Qt::WindowFlags flags;
-    QTimer look;
-    connect(&look, &QTimer::timeout, [&] {
-        if (box || !(box = QApplication::activeModalWidget()))
-            return;
-        title = box->windowTitle();
-        parent = box->parentWidget();
-        flags = box->windowFlags();
-        box->close();
-    });
-    look.start(5);
-    QTRY_VERIFY_WITH_TIMEOUT(box, kPatienceMs);
-    QCOMPARE(title, QString());
-    QCOMPARE(parent, &dialog);
-    QVERIFY(flags.testFlag(Qt::CustomizeWindowHint));
-    QVERIFY(flags.testFlag(Qt::WindowTitleHint));
+    if (manual)
+        dialog.manualDetectUpdate();
+    BoxLook look;
+    QTRY_VERIFY_WITH_TIMEOUT(look.seen(), kPatienceMs);
+    QCOMPARE(look.title, QString());
+    QCOMPARE(look.parent, &dialog);
+    QCOMPARE(int(look.flags),
+             int(Qt::Dialog | Qt::FramelessWindowHint | Qt::CustomizeWindowHint | Qt::WindowTitleHint));
+    QCOMPARE(look.buttons, buttons);
+    QCOMPARE(look.manifestThere, manifestThere);
     QVERIFY(dialog.isVisible()); // a box that is closed is no yes
+}
+
+void TestMainDialogUpdate::updaterBesideTheProgram()
+{
+    const StandInUpdater inTheSearchPath;
+    const StandInUpdater beside(QCoreApplication::applicationDirPath());
+    const StandInUpdater inTheCurrentFolder(QDir::currentPath());
+    withoutCards();
+    UpdateServer server(updateManifest("1.1"));
+    writeConfig(config(0, 7));
+    OvrynDeck2 dialog;
+    QVERIFY(runUntilQuit());
+    QTRY_COMPARE_WITH_TIMEOUT(beside.arguments(), QStringLiteral("_OvrynDeck2\nlang_en\n"), kPatienceMs);
+    QCOMPARE(beside.folderOfCall(), QDir::current().canonicalPath());
+    QCOMPARE(inTheSearchPath.arguments() + inTheCurrentFolder.arguments(), QString());
+}
+
+void TestMainDialogUpdate::unreadableSettingsAreNotReplaced()
+{
+    const QString unreadable = QStringLiteral("/proc/self/mem"); // opens, and fails at the first byte
+    if (!QFile::exists(unreadable))
+        QSKIP("no file here that opens and cannot be read");
+    withoutCards();
+    UpdateServer server(updateManifest("1.0.2.4"));
+    QVERIFY(QFile::link(unreadable, QStringLiteral("config.xml")));
+    ModalAnswer answer({kYes});
+    {
+        OvrynDeck2 dialog;
+        dialog.manualDetectUpdate(); // keeps its date
+        QTRY_COMPARE_WITH_TIMEOUT(answer.captions().size(), 1, kPatienceMs);
+        QCOMPARE(QFile::symLinkTarget(QStringLiteral("config.xml")), unreadable);
+        dialog.show();
+        dialog.close(); // keeps everything
+    }
+    QCOMPARE(QFile::symLinkTarget(QStringLiteral("config.xml")), unreadable);
+}
+
+void TestMainDialogUpdate::settingsAreSynced()
+{
+#ifdef Q_OS_LINUX
+    withoutCards();
+    UpdateServer server(updateManifest("1.0.2.4"));
+    writeConfig(config(0, 7));
+    OvrynDeck2 dialog;
+    syncedFiles.clear();
+    QTRY_COMPARE_WITH_TIMEOUT(savedDate("LastCheckDate"), today(), kPatienceMs);
+    const QString settings = QDir::current().canonicalPath() + QStringLiteral("/config.xml");
+    QCOMPARE(syncedFiles, QStringList{settings});
+    dialog.show();
+    dialog.close();
+    QCOMPARE(syncedFiles, (QStringList{settings, settings}));
+#else
+    QSKIP("needs a stand-in for the system's call");
+#endif
 }
 
 void TestMainDialogUpdate::returnFromTheUpdater_data()
@@ -532,8 +608,17 @@ void TestMainDialogUpdate::returnFromTheUpdater()
     QVERIFY(QFile::copy(QStringLiteral(OVRYN_TEST_ARCHIVES "/updater.zip"), QStringLiteral("temp/2.zip")));
 
     const Started started("_OvrynUpdate");
+    bool clearedBefore = false;
+    QTimer look;
+    connect(&look, &QTimer::timeout, [&] {
+        if (QApplication::activeModalWidget())
+            clearedBefore = QDir(QStringLiteral("temp")).isEmpty();
+    });
+    look.start(0);
     ModalAnswer answer({QStringLiteral("pushButton")});
     OvrynDeck2 dialog;
+    look.stop();
+    QVERIFY(clearedBefore);
     QCOMPARE(answer.problems(), QStringList());
     QCOMPARE(answer.captions(), QStringList{caption});
     QCOMPARE(savedDate("LastUpdateDate"), today());
@@ -591,6 +676,7 @@ int main(int argc, char **argv)
 {
     QApplication application(programArgumentCount, programArguments);
     QApplication::setQuitOnLastWindowClosed(false);
+    QFile::remove(QCoreApplication::applicationDirPath() + QStringLiteral("/OvrynUpdate")); // of a run that died
     TestMainDialogUpdate test;
     return QTest::qExec(&test, argc, argv);
 }

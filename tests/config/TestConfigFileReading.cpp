@@ -145,6 +145,8 @@ private slots:
     void nodesOfACard_data();
     void nodesOfACard();
     void manyCards();
+    void remarksAboutEntities_data();
+    void remarksAboutEntities();
 
 private:
     /// A configuration that has read the text.
@@ -543,6 +545,25 @@ void TestConfigFileReading::manyCards()
     QVERIFY(cardOf(*config, "card", 1).found);
     QVERIFY(cardOf(*config, "card", kCards - 1).found);
     QCOMPARE(cardOf(*config).SelectOption, 3U);
+}
+
+void TestConfigFileReading::remarksAboutEntities_data()
+{
+    QTest::addColumn<QByteArray>("remark");
+    QTest::newRow("comment") << QByteArray("<!-- <!ENTITY e 'x'> -->");
+    QTest::newRow("character data") << QByteArray("<Note><![CDATA[<!ENTITY e 'x'>]]></Note>");
+    QTest::newRow("comment with a document type") << QByteArray("<!-- <!DOCTYPE a [<!ENTITY e 'x'>]> -->");
+}
+
+/// What only speaks of entities declares none, also in a file so large that it may not.
+void TestConfigFileReading::remarksAboutEntities()
+{
+    QFETCH(QByteArray, remark);
+    const QByteArray text =
+        QByteArray(kSampleConfig).replace("<OtherSetting", remark + QByteArray(20000, '\n') + "<OtherSetting");
+    const Ovryn_ConfigFile *file = load(text);
+    QCOMPARE(folder->text(), text); // not replaced by a fresh one
+    QVERIFY(cardOf(*file, "GeForce GTX 1070 Ti", 286094199).found);
 }
 
 QTEST_APPLESS_MAIN(TestConfigFileReading)

@@ -36,9 +36,14 @@ QByteArray parameterBomb(int references)
            "]><a/>";
 }
 
+QByteArray inEncoding(const char *name, const QString &text)
+{
+    return QTextCodec::codecForName(name)->fromUnicode(text);
+}
+
 QByteArray utf16(const QByteArray &text)
 {
-    return QTextCodec::codecForName("UTF-16")->fromUnicode(QString::fromLatin1(text));
+    return inEncoding("UTF-16", QString::fromLatin1(text));
 }
 
 constexpr int kMany = 2000000;
@@ -94,6 +99,47 @@ void TestSafeXml::parses_data()
     QTest::newRow("many parameter entities") << parameterBomb(kMany) << false;
     QTest::newRow("large without entities of its own")
         << "<a>" + QByteArray("&amp;").repeated(100000) + "</a>" << true;
+
+    const QByteArray words = "<!ENTITY e 'x'>"; // no declaration where they stand in what follows
+    const QByteArray filler(20000, ' ');
+    QTest::newRow("large, the words in a comment") << "<a><!-- " + words + " -->" + filler + "</a>" << true;
+    QTest::newRow("large, the words in a comment before the root")
+        << "<?xml version='1.0'?><!-- " + words + " --><a>" + filler + "</a>" << true;
+    QTest::newRow("large, the words in a comment behind the root")
+        << "<a>" + filler + "</a><!-- " + words + " -->" << true;
+    QTest::newRow("large, the words in an instruction") << "<?x " + words + "?><a>" + filler + "</a>" << true;
+    QTest::newRow("large, the words as character data")
+        << "<a><![CDATA[<!DOCTYPE a [" + words + "]>]]>" + filler + "</a>" << true;
+    QTest::newRow("large, the words in a comment behind a bare document type")
+        << "<!DOCTYPE a><!-- " + words + " --><a>" + filler + "</a>" << true;
+    QTest::newRow("large, the words in a comment of the document type")
+        << "<!DOCTYPE a [<!-- ]> " + words + " --><?x " + words + "?><!ELEMENT a ANY>]><a>" + filler + "</a>" << true;
+
+    QTest::newRow("large, entity declared") << "<!DOCTYPE a [" + words + "]><a>" + filler + "</a>" << false;
+    QTest::newRow("large, entity declared late")
+        << "<?xml version='1.0'?>\n<!-- c -->\n<!DOCTYPE a [<!ELEMENT a ANY> <!-- c -->" + filler + words +
+               "]><a></a>"
+        << false;
+    QTest::newRow("large, entity behind a comment with a quote")
+        << "<!DOCTYPE a [<!-- it's --><?x it's ?>" + words + "]><a>" + filler + "</a>" << false;
+    QTest::newRow("large, entity behind a value that looks like the end")
+        << "<!DOCTYPE a [<!ATTLIST a b CDATA \"'-->]>\" c CDATA ']>'>" + words + "]><a>" + filler + "</a>" << false;
+    QTest::newRow("large, entity behind a name that looks like the end")
+        << "<!DOCTYPE a SYSTEM \"]>'\" [" + words + "]><a>" + filler + "</a>" << false;
+
+    QTest::newRow("large, in GB 18030")
+        << inEncoding("GB18030", QStringLiteral("<?xml version='1.0' encoding='GB18030'?><a b='核心频率'>") +
+                                     QString(30000, QChar(0x9891)) + QStringLiteral("</a>"))
+        << true;
+    QTest::newRow("entities disguised by their encoding")
+        << QByteArray("<?xml version='1.0' encoding='UTF-7'?>+ADwAIQ-DOCTYPE a [+ADwAIQ-ENTITY e 'x'+AD4]>"
+                      "<a>" +
+                      filler + "</a>")
+        << false;
+    QTest::newRow("encoding that nobody knows") << QByteArray("<?xml version='1.0' encoding='nobody'?><a/>") << false;
+    QTest::newRow("byte order mark of UTF-8") << QByteArray("\xEF\xBB\xBF<a/>") << true;
+    QTest::newRow("UTF-16 that calls itself UTF-8")
+        << utf16("<?xml version='1.0' encoding='UTF-8'?><a/>") << true; // some editors leave the declaration
 }
 
 void TestSafeXml::parses()

@@ -5,6 +5,7 @@
 #include <QDate>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTest>
 
 /// The update with the real executable, a web server on the loopback address and a stand-in for the updater.
@@ -37,6 +38,7 @@ namespace
 // lies ready, and comes back.
 const char *const kStandInUpdater = R"sh(#!/bin/sh
 here=$(cd "$(dirname "$0")" && pwd -P)
+pwd -P > "$here/folder"
 printf '%s\n' "$@" > "$here/arguments.part"
 mv "$here/arguments.part" "$here/arguments"
 running() {
@@ -100,6 +102,11 @@ public:
             QFile::copy(QStringLiteral(OVRYN_TEST_ARCHIVES "/updater.zip"), path(QStringLiteral("ready.zip")));
     }
     [[nodiscard]] QByteArray updaterArguments() const { return contentOf(path(QStringLiteral("arguments"))); }
+    [[nodiscard]] bool updaterRunsInTheInstallation() const ///< as it has to, for its relative paths
+    {
+        return contentOf(path(QStringLiteral("folder"))).trimmed() ==
+               QFile::encodeName(QFileInfo(path(QString())).canonicalFilePath());
+    }
     [[nodiscard]] bool tempIsEmpty() const { return QDir(path(QStringLiteral("temp"))).isEmpty(); }
     [[nodiscard]] bool manifestStands() const { return QFile::exists(path(kManifest)); }
 
@@ -161,6 +168,7 @@ void TestUpdate::newVersionIsTaken()
 
     // the updater has its arguments, works, and starts the program again, which shows what is new
     QTRY_COMPARE_WITH_TIMEOUT(program.updaterArguments(), "_OvrynDeck2\n" + language + "\n", kPatienceMs);
+    QVERIFY(program.updaterRunsInTheInstallation());
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(program.path(QStringLiteral("pid"))), kPatienceMs);
     program.follow(contentOf(program.path(QStringLiteral("pid"))).trimmed().toLongLong());
     const qint64 log = program.waitForBox();
@@ -265,6 +273,7 @@ void TestUpdate::automaticWithoutAQuestion()
     QVERIFY(program.endedNormally());
     QCOMPARE(program.exitCode(), 0);
     QTRY_COMPARE_WITH_TIMEOUT(program.updaterArguments(), QByteArray("_OvrynDeck2\nlang_en\n"), kPatienceMs);
+    QVERIFY(program.updaterRunsInTheInstallation());
     QCOMPARE(program.configText(QStringLiteral("LastCloseDate")), today());
     QCOMPARE(program.configText(QStringLiteral("LastCheckDate")), today());
     QVERIFY(program.manifestStands());

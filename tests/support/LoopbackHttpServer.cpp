@@ -22,6 +22,13 @@ void LoopbackHttpServer::answerWith(const QByteArray &body, const QByteArray &st
     answerHead = "HTTP/1.1 " + status + "\r\nContent-Length: " + QByteArray::number(length) +
                  "\r\nConnection: close\r\n" + headers + "\r\n";
     answerBody = body;
+    endless = false;
+}
+
+void LoopbackHttpServer::answerWithoutEnd()
+{
+    answerHead = "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n";
+    endless = true;
 }
 
 void LoopbackHttpServer::hold()
@@ -32,11 +39,19 @@ void LoopbackHttpServer::hold()
 void LoopbackHttpServer::release()
 {
     holding = false;
+    const int sent = pause;
+    pause = -1;
     const auto sockets = waiting;
     waiting.clear();
     for (const auto &socket : sockets) {
         if (socket)
             answer(socket);
+    }
+    const auto stopped = paused;
+    paused.clear();
+    for (const auto &socket : stopped) {
+        if (socket)
+            sendBody(socket, sent);
     }
 }
 
@@ -49,7 +64,8 @@ void LoopbackHttpServer::onNewConnection()
 {
     while (QTcpSocket *socket = server.nextPendingConnection()) {
         connect(socket, SIGNAL(readyRead()), this, SLOT(onReadyRead()));
-        connect(socket, SIGNAL(disconnected()), socket, SLOT(deleteLater()));
+        connect(socket, SIGNAL(disconnected()), this, SLOT(onDisconnected()));
+        ++open;
     }
 }
 
@@ -65,9 +81,36 @@ void LoopbackHttpServer::onReadyRead()
         answer(socket);
 }
 
+void LoopbackHttpServer::onDisconnected()
+{
+    --open;
+    sender()->deleteLater();
+}
+
+void LoopbackHttpServer::onBytesWritten()
+{
+    auto *socket = qobject_cast<QTcpSocket *>(sender());
+    if (socket && socket->bytesToWrite() == 0)
+        socket->write(QByteArray(64 * 1024, ' '));
+}
+
 void LoopbackHttpServer::answer(QTcpSocket *socket)
 {
+    if (endless)
+        connect(socket, SIGNAL(bytesWritten(qint64)), this, SLOT(onBytesWritten()));
     socket->write(answerHead);
-    socket->write(answerBody);
+    if (endless)
+        return;
+    if (pause >= 0) {
+        socket->write(answerBody.left(pause));
+        paused.append(socket);
+    } else {
+        sendBody(socket, 0);
+    }
+}
+
+void LoopbackHttpServer::sendBody(QTcpSocket *socket, int from)
+{
+    socket->write(answerBody.mid(from));
     socket->disconnectFromHost(); // once everything is sent
 }

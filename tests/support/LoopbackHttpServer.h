@@ -22,24 +22,35 @@ public:
     /// `headers` are whole lines. A length of -1 is the body's own; a larger one is promised and not kept.
     void answerWith(const QByteArray &body, const QByteArray &status = "200 OK", const QByteArray &headers = {},
                     qint64 promisedLength = -1);
-    void hold();    ///< requests wait from now on
-    void release(); ///< those that wait are answered, and later ones at once
-    void stop();    ///< connections are refused from now on
+    /// Each answer stops after that many bytes of the body, until `release`.
+    void pauseAfter(int bytes) { pause = bytes; }
+    void answerWithoutEnd(); ///< from now on, "200 OK" and blanks for as long as the connection stands
+    void hold();             ///< requests wait from now on
+    void release();          ///< those that wait are answered, to their end, and later ones at once
+    void stop();             ///< connections are refused from now on
 
     [[nodiscard]] QStringList requests() const { return received; } ///< as "GET /path"
+    [[nodiscard]] int connections() const { return open; }          ///< that stand now
 
 private slots:
     void onNewConnection();
     void onReadyRead();
+    void onDisconnected();
+    void onBytesWritten();
 
 private:
     void answer(QTcpSocket *socket);
+    void sendBody(QTcpSocket *socket, int from);
 
     QTcpServer server;
     quint16 port = 0; ///< stays the same after `stop`
     QByteArray answerHead;
     QByteArray answerBody;
     bool holding = false;
+    bool endless = false;
+    int pause = -1; ///< none
+    int open = 0;
     QList<QPointer<QTcpSocket>> waiting;
+    QList<QPointer<QTcpSocket>> paused;
     QStringList received;
 };

@@ -1,3 +1,4 @@
+#include "config/FileSizeLimit.h"
 #include "config/NoMoreFiles.h"
 #include "support/LoopbackHttpServer.h"
 #include "support/UpdateManifest.h"
@@ -25,7 +26,10 @@ private slots:
     void newDownloader();
     void endings_data();
     void endings();
-    void endlessAnswerDoesNotFillTheDisk();
+    void answerLargerThanAllowed_data();
+    void answerLargerThanAllowed();
+    void fullDisk_data();
+    void fullDisk();
     void noServer();
     void noHost();
     void dataGoToTheDiskAsTheyArrive();
@@ -114,7 +118,7 @@ void TestDownloadUpdateFileInfo::endings_data()
     QTest::newRow("too old") << ok << none << updateManifest("1.1", "1.1") << 0 << true;
     QTest::newRow("no manifest at all") << ok << none << QByteArray("<html/>") << 0 << true;
     QTest::newRow("empty body") << ok << none << none << 0 << true;
-    QTest::newRow("fifty megabytes") << ok << none << QByteArray(50 * 1024 * 1024, 'x') << 0 << true;
+    QTest::newRow("as large as allowed") << ok << none << QByteArray(int(kManifestBytesMax), 'x') << 0 << true;
     QTest::newRow("redirect is an answer like any other")
         << QByteArray("302 Found") << QByteArray("Location: /elsewhere.xml\r\n") << QByteArray("moved") << 0 << true;
     QTest::newRow("not found") << QByteArray("404 Not Found") << none << QByteArray("no such page") << 0 << false;
@@ -147,15 +151,64 @@ void TestDownloadUpdateFileInfo::endings()
         QVERIFY(saved() == body);
 }
 
-void TestDownloadUpdateFileInfo::endlessAnswerDoesNotFillTheDisk()
+void TestDownloadUpdateFileInfo::answerLargerThanAllowed_data()
 {
-    server->answerWith(QByteArray(int(kManifestBytesMax) + 5000000, ' '));
+    QTest::addColumn<bool>("endless");
+    QTest::newRow("one byte too many") << false;
+    QTest::newRow("without an end") << true;
+}
+
+void TestDownloadUpdateFileInfo::answerLargerThanAllowed()
+{
+    QFETCH(bool, endless);
+    if (endless)
+        server->answerWithoutEnd();
+    else
+        server->answerWith(QByteArray(int(kManifestBytesMax) + 1, ' '));
     Ovryn_DownloadUpdateFileInfo downloader(nullptr);
     QSignalSpy spy(&downloader, SIGNAL(downloadFinished(bool)));
     downloader.startDownload();
-    QTRY_COMPARE_WITH_TIMEOUT(told(spy), QList<bool>{true}, kPatienceMs);
-    QCOMPARE(QFileInfo(QStringLiteral("temp/update_info.xml")).size(), kManifestBytesMax + 1);
-    QVERIFY(!Ovryn_UpdateInfoReader().read(QStringLiteral("temp/update_info.xml")));
+    QTRY_COMPARE_WITH_TIMEOUT(told(spy), QList<bool>{false}, kPatienceMs);
+    QCOMPARE(downloader.currentState(), 2);
+    QVERIFY(!QFileInfo::exists(QStringLiteral("temp/update_info.xml")));
+    QTRY_COMPARE_WITH_TIMEOUT(server->connections(), 0, kPatienceMs); // broken off
+
+    server->answerWith(updateManifest("1.1"));
+    downloader.startDownload(); // no failure for good
+    QTRY_COMPARE_WITH_TIMEOUT(told(spy), (QList<bool>{false, true}), kPatienceMs);
+    QCOMPARE(saved(), updateManifest("1.1"));
+}
+
+void TestDownloadUpdateFileInfo::fullDisk_data()
+{
+    QTest::addColumn<int>("bodySize");
+    QTest::addColumn<int>("room"); ///< bytes
+    QTest::newRow("nothing of a small answer fits") << 300 << 0;
+    QTest::newRow("a part of a small answer fits") << 300 << 299;
+    QTest::newRow("a part of a large answer fits") << 3000000 << 1000000;
+    QTest::newRow("all but the last byte fits") << 3000000 << 2999999;
+}
+
+void TestDownloadUpdateFileInfo::fullDisk()
+{
+#ifdef Q_OS_UNIX
+    QFETCH(int, bodySize);
+    QFETCH(int, room);
+    server->answerWith(QByteArray(bodySize, ' '));
+    Ovryn_DownloadUpdateFileInfo downloader(nullptr);
+    QSignalSpy spy(&downloader, SIGNAL(downloadFinished(bool)));
+    {
+        const FileSizeLimit limit(room);
+        downloader.startDownload();
+        QTRY_VERIFY_WITH_TIMEOUT(!spy.isEmpty(), kPatienceMs);
+    }
+    QCOMPARE(told(spy), QList<bool>{false});
+    QCOMPARE(downloader.currentState(), 2);
+    QVERIFY(!QFileInfo::exists(QStringLiteral("temp/update_info.xml")));
+    QTRY_COMPARE_WITH_TIMEOUT(server->connections(), 0, kPatienceMs);
+#else
+    QSKIP("needs a limit of file sizes");
+#endif
 }
 
 void TestDownloadUpdateFileInfo::noServer()
@@ -183,18 +236,20 @@ void TestDownloadUpdateFileInfo::noHost()
 
 void TestDownloadUpdateFileInfo::dataGoToTheDiskAsTheyArrive()
 {
-    const QByteArray body(20 * 1024 * 1024, 'x');
+    constexpr int kFirstPart = 500000;
+    constexpr int kHeldBack = 64 * 1024; // at most, by the file's own buffer
+    const QByteArray body(1000000, 'x');
     server->answerWith(body);
+    server->pauseAfter(kFirstPart);
     Ovryn_DownloadUpdateFileInfo downloader(nullptr);
     QSignalSpy spy(&downloader, SIGNAL(downloadFinished(bool)));
     downloader.startDownload();
-    const QString path = QStringLiteral("temp/update_info.xml");
-    bool partSeen = false;
-    QTRY_VERIFY_WITH_TIMEOUT((partSeen = partSeen || (spy.isEmpty() && QFileInfo(path).size() > 0)) || !spy.isEmpty(),
+    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(QStringLiteral("temp/update_info.xml")).size() >= kFirstPart - kHeldBack,
                              kPatienceMs);
-    QVERIFY(partSeen);
-    QTRY_COMPARE_WITH_TIMEOUT(spy.size(), 1, kPatienceMs);
-    QCOMPARE(QFileInfo(path).size(), qint64(body.size()));
+    QVERIFY(spy.isEmpty());
+    server->release();
+    QTRY_COMPARE_WITH_TIMEOUT(told(spy), QList<bool>{true}, kPatienceMs);
+    QVERIFY(saved() == body);
 }
 
 void TestDownloadUpdateFileInfo::secondStartWhileRunning()

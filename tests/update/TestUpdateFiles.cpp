@@ -25,6 +25,8 @@ private slots:
     void updaterElsewhere();
     void clearingEmptiesTheFolder();
     void clearingDoesNotFollowLinks();
+    void clearingALink_data();
+    void clearingALink();
     void clearingAMissingFolder();
     void clearingAFile();
     void takesTheUpdaterOut_data();
@@ -204,6 +206,34 @@ void TestUpdateFiles::clearingDoesNotFollowLinks()
     QCOMPARE(outside(), before);
 }
 
+void TestUpdateFiles::clearingALink_data()
+{
+    QTest::addColumn<QString>("target"); ///< in the world
+    QTest::addColumn<QString>("path");
+    QTest::newRow("to a folder outside") << "other"
+                                         << "temp";
+    QTest::newRow("with a slash behind it") << "other"
+                                            << "temp/";
+    QTest::newRow("to a folder of the installation") << "installation/kept"
+                                                     << "temp";
+    QTest::newRow("to nothing") << "nothing"
+                                << "temp";
+}
+
+void TestUpdateFiles::clearingALink()
+{
+    QFETCH(QString, target);
+    QFETCH(QString, path);
+    const QStringList before = outside();
+    write(QStringLiteral("kept/file"), "stays");
+    QVERIFY(QDir().rmdir(QStringLiteral("temp")));
+    QVERIFY(QFile::link(world->filePath(target), QStringLiteral("temp")));
+    clearFolder(path);
+    QCOMPARE(outside(), before);
+    QCOMPARE(content(QStringLiteral("kept/file")), QByteArray("stays"));
+    QVERIFY(QFileInfo(QStringLiteral("temp")).isSymLink());
+}
+
 void TestUpdateFiles::clearingAMissingFolder()
 {
     QVERIFY(QDir().rmdir(QStringLiteral("temp")));
@@ -337,10 +367,12 @@ void TestUpdateFiles::linkInTheArchive()
 {
     write(world->filePath(QStringLiteral("evil")), "untouched");
     const QStringList before = outside();
-    for (int i = 0; i < 2; ++i) { // the second time over what came out the first time
+    for (int i = 0; i < 2; ++i) { // the second time over what the first one left
         copyArchive(QStringLiteral("updater-is-a-link.zip"), QStringLiteral("temp/2.zip"));
         takeOutUpdater({updaterEntry(QString(), QStringLiteral("2"))});
         QCOMPARE(outside(), before);
+        QVERIFY(!QFileInfo::exists(kUpdater) && !QFileInfo(kUpdater).isSymLink()); // refused
+        QVERIFY(!QFileInfo::exists(QStringLiteral("temp/2.zip")));
     }
     copyArchive(QStringLiteral("updater.zip"), QStringLiteral("temp/2.zip"));
     takeOutUpdater({updaterEntry(QString(), QStringLiteral("2"))});
