@@ -112,4 +112,5 @@ private:
     /// information.
     std::atomic<qint32> memoryRateFactor{2};
     bool nvApiReady = false;
+    bool startStands = false; ///< a start that has not been ended: the destructor ends it
 };
