@@ -2,7 +2,7 @@
 #include "device/nvapi/NvApi.h"
 #include "overclock/Ovryn_OverClockingWidget.h"
 #include "overclock/Ovryn_SliderWidget.h"
-#include "simulated/SimulatedDriver.h"
+#include "support/CheckedDriver.h"
 #include "support/ModalAnswer.h"
 
 #include <QPushButton>
@@ -38,14 +38,14 @@ private:
         QTest::mouseClick(page->findChild<QPushButton *>(QLatin1String(name)), Qt::LeftButton);
     }
 
-    std::unique_ptr<simulated::SimulatedDriver> driver; ///< the built-in scene: card 0 is one of the maker's own
+    std::unique_ptr<CheckedDriver> driver; ///< the built-in scene: card 0 is one of the maker's own
     std::unique_ptr<NvGpuControl> control;
     std::unique_ptr<Ovryn_OverClockingWidget> page;
 };
 
 void TestAdjustOnSimulatedCards::init()
 {
-    driver = std::make_unique<simulated::SimulatedDriver>();
+    driver = std::make_unique<CheckedDriver>();
     NvApiLibrarySource source;
     source.load = [this] {
         return driver->queryInterface();
