@@ -201,7 +201,7 @@ std::string CallRule<Operation::NvAPI_GPU_SetCoolerLevels>::broken(NvPhysicalGpu
     const NvApiCoolerLevels::Level &wanted = record->levels[0];
     if (!isCoolerPolicy(wanted.policy))
         return text("cooler policy", wanted.policy);
-    if (context.card) {
+    if (context.card && context.countsAreTrue) {
         const FanParameters &fan = context.card->parameters.fan;
         // who hands the fan back names no level
         const bool handsBack = wanted.policy == kCoolerPolicyDefault && wanted.level == 0;
@@ -282,7 +282,7 @@ CallRule<Operation::NvAPI_GPU_ClientPowerPoliciesSetStatus>::broken(NvPhysicalGp
         return {};
     const PowerParameters &power = context.card->parameters.power;
     if (!power.present || entry.policyId != power.policyId)
-        return text("unknown power policy", entry.policyId);
+        return unless(!context.countsAreTrue, text("unknown power policy", entry.policyId));
     return unless(entry.power >= power.minimum && entry.power <= power.maximum,
                   text("power limit out of range:", entry.power));
 }
@@ -311,7 +311,7 @@ CallRule<Operation::NvAPI_GPU_ClientThermalPoliciesSetStatus>::broken(NvPhysical
         return {};
     const ThermalParameters &thermal = context.card->parameters.thermal;
     if (!thermal.policyPresent || entry.policyId != thermal.policyId)
-        return text("unknown temperature policy", entry.policyId);
+        return unless(!context.countsAreTrue, text("unknown temperature policy", entry.policyId));
     return unless(entry.temperature >= thermal.minimumC * 256 && entry.temperature <= thermal.maximumC * 256,
                   text("temperature limit out of range:", entry.temperature));
 }

@@ -11,7 +11,8 @@
 #include <QTemporaryDir>
 
 /// One installation of the real executable in a folder of its own (config.xml lies beside it), started on
-/// a virtual screen with the simulated driver in front. The process ends with the object.
+/// a virtual screen with the simulated driver in front. The process ends with the object. A call in its journal that
+/// no card would be asked fails the test then.
 class InstalledProgram
 {
 public:
@@ -29,7 +30,7 @@ public:
     /// Another process, by its identifier, is the program from now on: its windows are looked for, and it ends with
     /// the object, too.
     void follow(qint64 processId);
-    bool kill();      ///< at once, as a crash or a power cut would; false when it has ended before
+    bool kill(); ///< at once, as a crash or a power cut would; false when it has ended before
     [[nodiscard]] bool isRunning() const;
     bool waitForEnd(int timeoutMs = 60000); ///< each worker of a card may sleep for a second before it ends
     [[nodiscard]] int exitCode() const { return process.exitCode(); }
@@ -54,7 +55,9 @@ public:
     [[nodiscard]] QString path() const;              ///< of the executable
     [[nodiscard]] QByteArray autoStartEntry() const; ///< what stands in this user's autostart folder, empty for none
 
-    [[nodiscard]] QList<QJsonObject> journal() const;     ///< what the driver was asked, in order
+    [[nodiscard]] QList<QJsonObject> journal() const; ///< what the driver was asked, in order
+    [[nodiscard]] QStringList violations() const;     ///< lines of the journal that no card would be asked
+    void expectsWrongCalls() { wrongCallsAreMeant = true; }
     [[nodiscard]] QString statePath() const;              ///< of the file that the driver keeps its state in
     [[nodiscard]] QJsonObject cardState(int index) const; ///< what a simulated card did and held last
 
@@ -66,6 +69,7 @@ private:
     QString scene;
     QMap<QString, QString> variables;
     QProcess process;
+    bool wrongCallsAreMeant = false;
     qint64 followed = 0; ///< 0 while it is `process` that counts
     mutable QDomDocument document;
 };

@@ -504,6 +504,10 @@ void TestSimulatedViolations::hostileCountsLeadAstray()
     const DriverCalls calls = started(driver);
     topologyFigures(4, 5)(calls, driver.handle(0)); // the channels that the driver's own count told of
     QCOMPARE(driver.takeViolations(), QStringList());
+    cooling(0, 1)(calls, driver.handle(0)); // the range of a cooler that there is not
+    power(1, {0, 0, 0, 0})(calls, driver.handle(0));
+    temperature(1, {0, 0, 0})(calls, driver.handle(0));
+    QCOMPARE(driver.takeViolations(), QStringList());
     topologyFigures(5, 5)(calls, driver.handle(0)); // no count leads out of the record
     QCOMPARE(driver.takeViolations(), QStringList{"GPU_ClientPowerTopologyGetStatus: count 5"});
 }
