@@ -1,9 +1,9 @@
 #include "simulated/CallArguments.h"
 
 #include "simulated/Hex.h"
+#include "simulated/ThermalStatusEntries.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace simulated
 {
@@ -147,12 +147,9 @@ CallArguments<Operation::NvAPI_GPU_ClientThermalPoliciesSetStatus>::of(NvPhysica
                                                                        const NvApiThermalPoliciesStatus *record)
 {
     const bool oldest = record->version == kThermalPoliciesStatusVersion1;
-    const std::size_t stride = oldest ? kThermalStatusEntrySize1 : sizeof(NvApiThermalPoliciesStatus::Entry);
-    const char *bytes = reinterpret_cast<const char *>(record) + offsetof(NvApiThermalPoliciesStatus, entries);
     ordered_json entries = ordered_json::array();
     for (std::size_t i = 0; i < std::min<std::size_t>(record->count, kPolicyEntries); ++i) {
-        NvApiThermalPoliciesStatus::Entry entry{};
-        std::memcpy(&entry, bytes + i * stride, stride);
+        const NvApiThermalPoliciesStatus::Entry entry = thermalStatusEntry(*record, record->version, i);
         ordered_json described = {{"policyId", entry.policyId}, {"temperature", entry.temperature}};
         if (!oldest)
             described["flags"] = entry.flags;

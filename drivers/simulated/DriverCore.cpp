@@ -40,6 +40,7 @@ DriverCore::~DriverCore()
 }
 
 NvAPI_Status DriverCore::perform(Operation operation, const CallSubject &subject,
+                                 const std::function<std::string(const CallContext &)> &violation,
                                  const std::function<NvAPI_Status(Operations &)> &run,
                                  const std::function<nlohmann::ordered_json()> &describe)
 {
@@ -50,10 +51,16 @@ NvAPI_Status DriverCore::perform(Operation operation, const CallSubject &subject
         const std::lock_guard<std::mutex> guard(mutex);
         call.timeMs = clock.elapsedMs();
         call.thread = threadNumber();
-        if (subject.hasHandle)
+        if (subject.hasHandle && operation != Operation::NvAPI_GetAssociatedDisplayOutputId) {
             call.card = cardOf(subject.handle);
+            call.handle = call.card        ? Call::Handle::Known
+                          : subject.handle ? Call::Handle::Unknown
+                                           : Call::Handle::Null;
+        }
         if (subject.version)
             call.version = *subject.version;
+        // Judged before a fault makes the call wait: it may end after the driver has been left.
+        call.violation = violationOf(call, subject, violation);
         effect = faults.count(operation, call.card);
     }
     if (effect.delayMs > 0)
@@ -68,17 +75,17 @@ NvAPI_Status DriverCore::perform(Operation operation, const CallSubject &subject
         Operations operations(*this, call);
         call.status = run(operations);
     }
+    followSession(call);
     if (settings.keepCalls || journal.isOpen()) {
-        // a record is looked into only when its version word says how much of it there is
-        const std::vector<quint32> &versions = recordVersions(operation);
-        const bool readable = !subject.nullPointer && (!call.version || std::find(versions.begin(), versions.end(),
-                                                                                  *call.version) != versions.end());
-        if (readable)
+        if (isReadable(call, subject))
             call.arguments = describe();
         if (journal.isOpen())
             journal.write(journalLine(call));
-        if (settings.keepCalls)
+        if (settings.keepCalls) {
             calls.push_back(call);
+            if (!call.violation.empty())
+                violations.push_back(call);
+        }
     }
     writeState(operation == Operation::NvAPI_Unload || changesLights(call));
     return call.status;
@@ -88,18 +95,65 @@ NvAPI_Status DriverCore::refusal(const Call &call, const CallSubject &subject) c
 {
     if (subject.nullPointer)
         return NVAPI_INVALID_ARGUMENT;
-    if (subject.hasHandle && call.operation != Operation::NvAPI_GetAssociatedDisplayOutputId) {
-        if (!subject.handle)
-            return NVAPI_INVALID_HANDLE;
-        if (!call.card || cards[*call.card].lost)
-            return NVAPI_EXPECTED_PHYSICAL_GPU_HANDLE;
-    }
+    if (call.handle == Call::Handle::Null)
+        return NVAPI_INVALID_HANDLE;
+    if (call.handle == Call::Handle::Unknown || (call.card && cards[*call.card].lost))
+        return NVAPI_EXPECTED_PHYSICAL_GPU_HANDLE;
     if (call.version) {
         const std::vector<quint32> &known = driver.of(call.operation).versions;
         if (std::find(known.begin(), known.end(), *call.version) == known.end())
             return NVAPI_INCOMPATIBLE_STRUCT_VERSION;
     }
     return NVAPI_OK;
+}
+
+/// A record is looked into only when its version word says how much of it there is.
+bool DriverCore::isReadable(const Call &call, const CallSubject &subject)
+{
+    const std::vector<quint32> &versions = recordVersions(call.operation);
+    return !subject.nullPointer &&
+           (!call.version || std::find(versions.begin(), versions.end(), *call.version) != versions.end());
+}
+
+std::string DriverCore::violationOf(const Call &call, const CallSubject &subject,
+                                    const std::function<std::string(const CallContext &)> &violation) const
+{
+    if (session == Session::Closed && call.operation != Operation::NvAPI_Initialize)
+        return "the driver is not started";
+    const bool afterRefusal = call.operation == Operation::NvAPI_Initialize ||
+                              call.operation == Operation::NvAPI_GetErrorMessage ||
+                              call.operation == Operation::NvAPI_Unload;
+    if (session == Session::Refused && !afterRefusal)
+        return "the driver has refused to start";
+    if (subject.nullPointer)
+        return "null pointer";
+    if (call.handle == Call::Handle::Unknown)
+        return "unknown card handle";
+    // These two go out without a look at the handle: the memory type, whose answer is for nobody, and the
+    // over-voltage of a restore.
+    if (call.handle == Call::Handle::Null && call.operation != Operation::NvAPI_GPU_GetRamType &&
+        call.operation != Operation::NvAPI_GPU_SetPstates20)
+        return "null card handle";
+    if (!isReadable(call, subject))
+        return "unknown version word";
+    CallContext context;
+    context.card = call.card ? &cards[*call.card] : nullptr;
+    context.version = call.version.value_or(0);
+    context.countsAreTrue = driver.hostility.count == 0;
+    return violation(context);
+}
+
+void DriverCore::followSession(const Call &call)
+{
+    if (call.operation == Operation::NvAPI_Unload) {
+        session = Session::Closed;
+    } else if (call.operation == Operation::NvAPI_Initialize) {
+        const bool refused = call.status == NVAPI_ERROR || call.status == NVAPI_LIBRARY_NOT_FOUND;
+        if (!refused)
+            session = Session::Open;
+        else if (session == Session::Closed)
+            session = Session::Refused;
+    }
 }
 
 void DriverCore::edit(const std::function<void(DriverCore &)> &change)

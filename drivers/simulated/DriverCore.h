@@ -1,6 +1,7 @@
 #pragma once
 
 #include "simulated/Call.h"
+#include "simulated/CallRules.h"
 #include "simulated/Card.h"
 #include "simulated/FaultPlan.h"
 #include "simulated/JournalFile.h"
@@ -50,8 +51,10 @@ public:
     DriverCore &operator=(const DriverCore &) = delete;
 
     /// One call of the driver: faults, the checks that every operation shares, the operation, the journal.
-    /// `describe` tells the journal of the arguments once the call has run.
+    /// `violation` names what no card would be asked, from the arguments as they came in; `describe` tells the
+    /// journal of them once the call has run.
     NvAPI_Status perform(Operation operation, const CallSubject &subject,
+                         const std::function<std::string(const CallContext &)> &violation,
                          const std::function<NvAPI_Status(Operations &)> &run,
                          const std::function<nlohmann::ordered_json()> &describe);
 
@@ -70,10 +73,23 @@ public:
     DriverParameters driver;
     std::vector<Card> cards;
     FaultPlan faults;
-    std::vector<Call> calls; ///< only grows when calls are kept
+    std::vector<Call> calls;      ///< only grows when calls are kept
+    std::vector<Call> violations; ///< the calls that no card would be asked; only grows when calls are kept
 
 private:
+    /// How far the driver has been started.
+    enum class Session
+    {
+        Closed,
+        Refused, ///< the start failed in a way that ends everything but the question why
+        Open
+    };
+
     [[nodiscard]] int threadNumber();
+    [[nodiscard]] std::string violationOf(const Call &call, const CallSubject &subject,
+                                          const std::function<std::string(const CallContext &)> &violation) const;
+    [[nodiscard]] static bool isReadable(const Call &call, const CallSubject &subject);
+    void followSession(const Call &call);
     [[nodiscard]] NvAPI_Status refusal(const Call &call, const CallSubject &subject) const;
     void catchUp(); ///< lets the cards run up to now
 
@@ -83,6 +99,7 @@ private:
     JournalFile journal;
     StateFile stateFile;
     std::map<std::thread::id, int> threads;
+    Session session = Session::Closed;
     std::array<char, kNvApiMaxGpus> handlePlaces{}; ///< the address of each is a card's handle
 };
 

@@ -1,6 +1,7 @@
 #include "simulated/EntryPoints.h"
 
 #include "simulated/CallArguments.h"
+#include "simulated/CallRules.h"
 #include "simulated/DriverCore.h"
 #include "simulated/Operations.h"
 
@@ -61,7 +62,9 @@ CallSubject inspect(Arguments... arguments)
         if (!core) \
             return NVAPI_LIBRARY_NOT_FOUND; \
         return core->perform( \
-            Operation::name, inspect arguments, [&](Operations &operations) { return operations.name arguments; }, \
+            Operation::name, inspect arguments, \
+            [&](const CallContext &context) { return CallRule<Operation::name>(context).broken arguments; }, \
+            [&](Operations &operations) { return operations.name arguments; }, \
             [&] { return CallArguments<Operation::name>::of arguments; }); \
     }
 OVRYN_NVAPI_OPERATIONS(OVRYN_SIMULATED_ENTRY)

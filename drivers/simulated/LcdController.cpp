@@ -21,7 +21,9 @@ quint32 longAt(const std::vector<quint8> &bytes, std::size_t offset)
     return wordAt(bytes, offset) | quint32(wordAt(bytes, offset + 2)) << 16;
 }
 
-std::string faultOf(const std::vector<quint8> &bytes)
+} // namespace
+
+std::string LcdController::faultOf(const std::vector<quint8> &bytes)
 {
     if (bytes.size() != kFrameSize)
         return "LCD frame of " + std::to_string(bytes.size()) + " bytes";
@@ -32,8 +34,6 @@ std::string faultOf(const std::vector<quint8> &bytes)
         return "LCD frame checksum does not match";
     return {};
 }
-
-} // namespace
 
 std::string LcdController::write(const std::vector<quint8> &bytes)
 {

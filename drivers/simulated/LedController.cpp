@@ -26,7 +26,9 @@ quint8 sumOf(std::vector<quint8>::const_iterator begin, std::vector<quint8>::con
     return static_cast<quint8>(std::accumulate(begin, end, 0u) & 0xFFu);
 }
 
-std::string faultOf(const std::vector<quint8> &bytes)
+} // namespace
+
+std::string LedController::faultOf(const std::vector<quint8> &bytes)
 {
     if (bytes.size() < kSmallestFrame || bytes.size() > kLargestFrame)
         return "LED frame of " + std::to_string(bytes.size()) + " bytes";
@@ -40,8 +42,6 @@ std::string faultOf(const std::vector<quint8> &bytes)
         return "LED effect " + std::to_string(bytes[1]) + " is unknown";
     return {};
 }
-
-} // namespace
 
 std::string LedController::write(const std::vector<quint8> &bytes)
 {

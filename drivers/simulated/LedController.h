@@ -26,6 +26,9 @@ public:
 
     explicit LedController(quint8 controllerType) : type(controllerType) {}
 
+    /// What a controller refuses in a frame; an empty text when it is good.
+    [[nodiscard]] static std::string faultOf(const std::vector<quint8> &bytes);
+
     /// Takes a frame. An empty text when it is good, else what is wrong with it.
     std::string write(const std::vector<quint8> &bytes);
 

@@ -21,9 +21,6 @@ enum class Operation
 
 constexpr std::size_t kOperationCount = static_cast<std::size_t>(Operation::Count);
 
-/// Entry size of the oldest thermal policies status: the beginning of the newest entry, without its flags.
-constexpr std::size_t kThermalStatusEntrySize1 = 8;
-
 /// The published name, "NvAPI_Initialize" and so on.
 const char *operationName(Operation operation);
 

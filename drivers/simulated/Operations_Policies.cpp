@@ -1,6 +1,7 @@
 // Power and temperature limits.
 
 #include "simulated/Operations.h"
+#include "simulated/ThermalStatusEntries.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,7 +17,6 @@ constexpr double kChipShare = 0.6; ///< of the card's draw that the second power
 // older entries of the thermal policies are beginnings of the newest ones
 constexpr std::size_t kThermalInfoEntrySize1 = 20;
 constexpr std::size_t kThermalInfoOffset = offsetof(NvApiThermalPoliciesInfo, entries);
-constexpr std::size_t kThermalStatusOffset = offsetof(NvApiThermalPoliciesStatus, entries);
 
 constexpr quint32 kPriorityFlag = 1;
 
@@ -25,20 +25,6 @@ quint32 drawOf(const Card &card, std::size_t channel)
     const double share = channel == 0 ? 1.0 : kChipShare;
     const double nominalW = std::max(card.parameters.power.nominalW, 1.0);
     return static_cast<quint32>(std::lround(card.readings.powerW * share / nominalW * kThousandthsOfPercent));
-}
-
-std::size_t thermalStatusStride(quint32 version)
-{
-    return version == kThermalPoliciesStatusVersion1 ? kThermalStatusEntrySize1
-                                                     : sizeof(NvApiThermalPoliciesStatus::Entry);
-}
-
-NvApiThermalPoliciesStatus::Entry readThermalEntry(const NvApiThermalPoliciesStatus *record, std::size_t index,
-                                                   std::size_t stride)
-{
-    NvApiThermalPoliciesStatus::Entry entry{};
-    std::memcpy(&entry, reinterpret_cast<const char *>(record) + kThermalStatusOffset + index * stride, stride);
-    return entry;
 }
 
 } // namespace
@@ -148,7 +134,7 @@ NvAPI_Status Operations::NvAPI_GPU_ClientThermalPoliciesGetStatus(NvPhysicalGpuH
     const std::size_t stride = thermalStatusStride(version());
     const std::size_t count = record->count;
     for (std::size_t i = 0; i < count; ++i) {
-        if (readThermalEntry(record, i, stride).policyId != card().parameters.thermal.policyId)
+        if (thermalStatusEntry(*record, version(), i).policyId != card().parameters.thermal.policyId)
             return refuse(NVAPI_INVALID_ARGUMENT, "unknown temperature policy");
     }
     const CardSettings &settings = card().settings;
@@ -167,10 +153,9 @@ NvAPI_Status Operations::NvAPI_GPU_ClientThermalPoliciesSetStatus(NvPhysicalGpuH
     const ThermalParameters &thermal = card().parameters.thermal;
     if (record->count == 0 || record->count > kPolicyEntries)
         return refuse(NVAPI_INVALID_ARGUMENT, "count beyond the record");
-    const std::size_t stride = thermalStatusStride(version());
     CardSettings wanted = card().settings;
     for (std::size_t i = 0; i < record->count; ++i) {
-        const NvApiThermalPoliciesStatus::Entry entry = readThermalEntry(record, i, stride);
+        const NvApiThermalPoliciesStatus::Entry entry = thermalStatusEntry(*record, version(), i);
         if (!thermal.policyPresent || entry.policyId != thermal.policyId)
             return refuse(NVAPI_INVALID_ARGUMENT, "unknown temperature policy");
         if (entry.temperature < thermal.minimumC * 256 || entry.temperature > thermal.maximumC * 256)

@@ -131,4 +131,19 @@ void SimulatedDriver::clearCalls()
     core->edit([](DriverCore &machine) { machine.calls.clear(); });
 }
 
+std::vector<std::string> SimulatedDriver::violations() const
+{
+    std::vector<std::string> texts;
+    core->edit([&](DriverCore &machine) {
+        for (const Call &call : machine.violations)
+            texts.push_back(call.name() + ": " + call.violation);
+    });
+    return texts;
+}
+
+void SimulatedDriver::clearViolations()
+{
+    core->edit([](DriverCore &machine) { machine.violations.clear(); });
+}
+
 } // namespace simulated

@@ -18,6 +18,8 @@ namespace simulated
 /// the object constructed last is the one that they lead to; after its end they answer "library not
 /// found". Every operation may be called from any thread. Its clock stands still unless it is told to run
 /// with the wall clock: `advance` lets time pass, at once.
+///
+/// A derived class looks at `violations` at the end of a test, which is why this one cannot be used alone.
 class SimulatedDriver
 {
 public:
@@ -27,7 +29,6 @@ public:
     SimulatedDriver();
     explicit SimulatedDriver(const Scenario &scenario, SimulatedClock::Kind clock = SimulatedClock::Manual);
     SimulatedDriver(const Scenario &scenario, const DriverCore::Settings &settings);
-    ~SimulatedDriver();
     SimulatedDriver(const SimulatedDriver &) = delete;
     SimulatedDriver &operator=(const SimulatedDriver &) = delete;
 
@@ -58,6 +59,12 @@ public:
     [[nodiscard]] std::vector<Call> calls() const;
     [[nodiscard]] std::vector<Call> calls(Operation operation) const;
     void clearCalls();
+    /// The calls that no card would be asked, as "operation: what is wrong"; `clearCalls` leaves them.
+    [[nodiscard]] std::vector<std::string> violations() const;
+    void clearViolations();
+
+protected:
+    ~SimulatedDriver();
 
 private:
     std::shared_ptr<DriverCore> core;

@@ -23,7 +23,8 @@ NvGpuControl::NvGpuControl()
 
 NvGpuControl::~NvGpuControl()
 {
-    NvAPI_Unload();
+    if (startStands) // a second end would be another instance's
+        NvAPI_Unload();
 }
 
 bool NvGpuControl::initNvApi()
@@ -44,6 +45,7 @@ bool NvGpuControl::initNvApi()
         NvAPI_Unload();
         return false;
     }
+    startStands = true;
     // Other failures go on: a driver that still enumerates its cards is usable, and one that does not fails there.
     enumDisplays(); // a card without a display is a card all the same
     return enumGpus();

@@ -120,6 +120,7 @@ private:
     /// information.
     std::atomic<qint32> memoryRateFactor{2};
     bool nvApiReady = false;
+    bool startStands = false; ///< a start that has not been ended: the destructor ends it
 };
 
 /// A share in the life of a device object; empty for null and for an object that nobody shares.

@@ -6,7 +6,7 @@
 #include "monitor/Ovryn_BaseInfoRow.h"
 #include "monitor/Ovryn_BaseMonitorBox.h"
 #include "monitor/Ovryn_SendNvCardInfoThread.h"
-#include "simulated/SimulatedDriver.h"
+#include "support/CheckedDriver.h"
 
 #include <QCheckBox>
 #include <QDir>
@@ -47,7 +47,7 @@ private:
 
     QString formerFolder;
     std::unique_ptr<QTemporaryDir> folder;
-    std::unique_ptr<simulated::SimulatedDriver> driver; ///< the built-in scene
+    std::unique_ptr<CheckedDriver> driver; ///< the built-in scene
     std::unique_ptr<OvrynDeck2> dialog;
 };
 
@@ -57,7 +57,7 @@ void TestBoardTemperatures::init()
     folder = std::make_unique<QTemporaryDir>();
     QVERIFY(folder->isValid());
     QVERIFY(QDir::setCurrent(folder->path()));
-    driver = std::make_unique<simulated::SimulatedDriver>();
+    driver = std::make_unique<CheckedDriver>();
     driver->edit(0, [](simulated::Card &card) {
         const double degrees[] = {61.5, 52.25, -4.5, 83.0};
         for (std::size_t i = 0; i < 4; ++i)

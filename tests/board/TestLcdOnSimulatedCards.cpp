@@ -1,7 +1,7 @@
 #include "board/Ovryn_SendNvInfoToLCDThread.h"
 #include "device/NvGpuControl.h"
 #include "device/nvapi/NvApi.h"
-#include "simulated/SimulatedDriver.h"
+#include "support/CheckedDriver.h"
 
 #include <QtTest>
 
@@ -23,13 +23,13 @@ private slots:
 private:
     [[nodiscard]] simulated::LcdController lcd() const { return driver->card(0).lcd.value(); }
 
-    std::unique_ptr<simulated::SimulatedDriver> driver; ///< the built-in scene: card 0 has an LCD
+    std::unique_ptr<CheckedDriver> driver; ///< the built-in scene: card 0 has an LCD
     std::unique_ptr<NvGpuControl> control;
 };
 
 void TestLcdOnSimulatedCards::init()
 {
-    driver = std::make_unique<simulated::SimulatedDriver>();
+    driver = std::make_unique<CheckedDriver>();
     NvApiLibrarySource source;
     source.load = [this] {
         return driver->queryInterface();

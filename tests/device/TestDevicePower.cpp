@@ -425,6 +425,22 @@ void TestDevicePower::setThermalPriority_data()
         [](FakeDriver &driver) { driver.knows("NvAPI_GPU_ClientThermalPoliciesGetStatus", {0x10028}); });
     row("write is tried once", 3, 1, {kThermalInfoRead, read, write + " [16]=1 -> -9"},
         [](FakeDriver &driver) { driver.fails("NvAPI_GPU_ClientThermalPoliciesSetStatus", -9); });
+
+    // Both policies are read, one is written: the first entry, under the name of the policy that is meant.
+    const Arrange twoPolicies = [](FakeDriver &driver) {
+        driver.card().thermalPolicies.count = 2;
+        driver.card().thermalPolicies.entries[1] = {8, 0, 10 * 256, 20 * 256, 90 * 256, 0};
+        driver.card().thermalStatus.count = 2;
+        driver.card().thermalStatus.entries[0].flags = 2;
+        driver.card().thermalStatus.entries[1] = {8, 25 * 256, 4};
+    };
+    const QString readBoth = "GPU_ClientThermalPoliciesGetStatus gpu0 0x20038 [4]=2 [8]=3 [20]=8";
+    const QString writeOne = "GPU_ClientThermalPoliciesSetStatus gpu0 0x20038 [4]=1 [8]=%1 [12]=20480 [16]=%2 "
+                             "[20]=8 [24]=6400 [28]=4";
+    row("two policies, the first", 3, 1, {kThermalInfoRead, readBoth, writeOne.arg(3).arg(3)}, twoPolicies);
+    row("two policies, the second", 8, 1, {kThermalInfoRead, readBoth, writeOne.arg(8).arg(3)}, twoPolicies);
+    row("two policies, the second, off", 8, 0, {kThermalInfoRead, readBoth, writeOne.arg(8).arg(2)}, twoPolicies);
+    row("two policies, neither", 5, 1, {kThermalInfoRead}, twoPolicies);
 }
 
 void TestDevicePower::setThermalPriority()

@@ -1,7 +1,7 @@
 #include "device/NvGpuControl.h"
 #include "device/nvapi/NvApi.h"
 
-#include "simulated/SimulatedDriver.h"
+#include "support/CheckedDriver.h"
 
 #include <QtTest>
 
@@ -24,7 +24,7 @@ private slots:
 private:
     void connectCard(const Scenario &scenario);
 
-    std::unique_ptr<SimulatedDriver> driver;
+    std::unique_ptr<CheckedDriver> driver;
     std::unique_ptr<NvGpuControl> control;
 };
 
@@ -112,7 +112,7 @@ QString shown(const std::vector<Call> &calls)
     return attempts.join(QLatin1Char(' '));
 }
 
-void breakCalls(SimulatedDriver &driver, Operation operation, const Broken &broken)
+void breakCalls(CheckedDriver &driver, Operation operation, const Broken &broken)
 {
     if (broken.from == 0)
         return;
@@ -128,7 +128,7 @@ void breakCalls(SimulatedDriver &driver, Operation operation, const Broken &brok
 
 void TestI2cLadderJournal::connectCard(const Scenario &scenario)
 {
-    driver = std::make_unique<SimulatedDriver>(scenario);
+    driver = std::make_unique<CheckedDriver>(scenario);
     NvApiLibrarySource source;
     source.load = [this] {
         return driver->queryInterface();

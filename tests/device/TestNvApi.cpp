@@ -180,6 +180,8 @@ void TestNvApi::withoutLibrary()
     };
     QCOMPARE(allAreRefused(), QByteArray());
     QCOMPARE(NvAPI_Initialize(), NVAPI_LIBRARY_NOT_FOUND);
+    QCOMPARE(allAreRefused(), QByteArray());
+    QCOMPARE(NvAPI_Unload(), NVAPI_LIBRARY_NOT_FOUND);
     QCOMPARE(nvApiLoadCount(), 0);
     QCOMPARE(allAreRefused(), QByteArray());
 
@@ -256,8 +258,12 @@ void TestNvApi::failedLoadIsTriedAgain()
     QCOMPARE(NvAPI_Initialize(), NVAPI_LIBRARY_NOT_FOUND);
     driver.libraryExists = true;
     QCOMPARE(NvAPI_Initialize(), NVAPI_OK);
-    QCOMPARE(nvApiLoadCount(), 1);
+    QCOMPARE(fullName(driver), NVAPI_OK);
     NvAPI_Unload();
+    QCOMPARE(driver.releases(), 0); // each start has its end, the failed one too
+    NvAPI_Unload();
+    QCOMPARE(driver.releases(), 1);
+    QCOMPARE(nvApiLoadCount(), 0);
 }
 
 void TestNvApi::entriesAreAskedForOnce()

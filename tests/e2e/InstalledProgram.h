@@ -11,7 +11,8 @@
 #include <QTemporaryDir>
 
 /// One installation of the real executable in a folder of its own (config.xml lies beside it), started on
-/// a virtual screen with the simulated driver in front. The process ends with the object.
+/// a virtual screen with the simulated driver in front. The process ends with the object. A call in its journal that
+/// no card would be asked fails the test then.
 class InstalledProgram
 {
 public:
@@ -57,7 +58,9 @@ public:
     [[nodiscard]] QString path() const;              ///< of the executable
     [[nodiscard]] QByteArray autoStartEntry() const; ///< what stands in this user's autostart folder, empty for none
 
-    [[nodiscard]] QList<QJsonObject> journal() const;     ///< what the driver was asked, in order
+    [[nodiscard]] QList<QJsonObject> journal() const; ///< what the driver was asked, in order
+    [[nodiscard]] QStringList violations() const;     ///< lines of the journal that no card would be asked
+    void expectsWrongCalls() { wrongCallsAreMeant = true; }
     [[nodiscard]] QString statePath() const;              ///< of the file that the driver keeps its state in
     [[nodiscard]] QJsonObject cardState(int index) const; ///< what a simulated card did and held last
 
@@ -69,6 +72,7 @@ private:
     QString scene;
     QMap<QString, QString> variables;
     QProcess process;
+    bool wrongCallsAreMeant = false;
     qint64 followed = 0; ///< 0 while it is `process` that counts
     mutable QDomDocument document;
 };

@@ -5,7 +5,7 @@
 #include "device/nvapi/NvApi.h"
 #include "overclock/Ovryn_OverClockingWidget.h"
 #include "overclock/Ovryn_SliderWidget.h"
-#include "simulated/SimulatedDriver.h"
+#include "support/CheckedDriver.h"
 #include "support/ModalAnswer.h"
 #include "support/NamedChild.h"
 
@@ -23,7 +23,7 @@
 class SimulatedAdjustWorld
 {
 public:
-    simulated::SimulatedDriver driver;
+    CheckedDriver driver;
     std::unique_ptr<NvGpuControl> control;
     std::unique_ptr<Ovryn_OverClockingWidget> page;
 

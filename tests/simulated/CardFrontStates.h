@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simulated/SimulatedDriver.h"
+#include "support/CheckedDriver.h"
 
 #include "simulated/StateFile.h"
 #include "simulated/front/CardFront.h"

@@ -1,6 +1,16 @@
 #pragma once
 
-#include "simulated/SimulatedDriver.h"
+#include "DriverCalls.h"
+#include "support/CheckedDriver.h"
+
+/// The operations of a driver that has been started. The start is not in its list of calls.
+inline DriverCalls started(CheckedDriver &driver)
+{
+    const DriverCalls calls(driver.queryInterface());
+    calls.NvAPI_Initialize();
+    driver.clearCalls();
+    return calls;
+}
 
 /// One card at a steady load that starts when the clock does.
 inline simulated::Scenario oneCardAtLoad(double percent)

@@ -1,5 +1,5 @@
-#include "DriverCalls.h"
 #include "TestScenes.h"
+#include "Transfer.h"
 
 #include <QtTest>
 
@@ -32,31 +32,6 @@ std::vector<quint8> lcdFrame()
     frame.push_back(static_cast<quint8>(sum >> 8));
     return frame;
 }
-
-/// One transfer, in the form in which the program makes it; a test changes what it is about.
-struct Transfer
-{
-    quint8 reg = 0;
-    std::vector<quint8> data;
-    NV_I2C_INFO record{};
-
-    Transfer(quint8 address, quint32 regSize, std::vector<quint8> bytes, quint32 version = kI2cInfoVersion3)
-        : data(std::move(bytes))
-    {
-        record.version = version;
-        record.i2cDevAddress = address;
-        record.pbI2cRegAddress = &reg;
-        record.regAddrSize = regSize;
-        record.pbData = data.data();
-        record.cbSize = static_cast<quint32>(data.size());
-        record.i2cSpeed = kI2cSpeedDeprecated;
-        record.i2cSpeedKhz = NVAPI_I2C_SPEED_400KHZ;
-        record.portId = 1;
-        record.bIsPortIdSet = 1;
-    }
-    Transfer(const Transfer &) = delete;
-    Transfer &operator=(const Transfer &) = delete;
-};
 
 } // namespace
 
@@ -107,8 +82,8 @@ void TestBoardDevices::sensors()
         sensor.pinnedC = 1.0;
     for (std::size_t i = 0; i < 4; ++i) {
         scenario.cards.front().boardSensors[i].pinnedC = degrees;
-        SimulatedDriver driver(scenario);
-        const DriverCalls calls(driver.queryInterface());
+        CheckedDriver driver(scenario);
+        const DriverCalls calls = started(driver);
         Transfer transfer(scenario.cards.front().boardSensors[i].address, 1, {0xEE, 0xEE});
         QCOMPARE(calls.NvAPI_I2CRead(driver.handle(0), &transfer.record), NVAPI_OK);
         QCOMPARE(transfer.data, bytesOf(bytes));
@@ -140,8 +115,9 @@ void TestBoardDevices::sensorAccess()
     QFETCH(int, reg);
     QFETCH(int, size);
     QFETCH(int, status);
-    SimulatedDriver driver(oneBoardCard());
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(oneBoardCard());
+    driver.expectsWrongCalls();
+    const DriverCalls calls = started(driver);
     Transfer transfer(static_cast<quint8>(address), regSize,
                       std::vector<quint8>(static_cast<std::size_t>(size), 0xEE));
     transfer.reg = static_cast<quint8>(reg);
@@ -196,8 +172,9 @@ void TestBoardDevices::ledFrames()
     QFETCH(int, interval);
     QFETCH(bool, closing);
     QFETCH(QByteArray, colours);
-    SimulatedDriver driver(oneBoardCard());
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(oneBoardCard());
+    driver.expectsWrongCalls();
+    const DriverCalls calls = started(driver);
     Transfer transfer(0xA0, 0, bytesOf(frame));
     QCOMPARE(calls.NvAPI_I2CWrite(driver.handle(0), &transfer.record), taken ? NVAPI_OK : NVAPI_ERROR);
     const Card card = driver.card(0);
@@ -215,8 +192,8 @@ void TestBoardDevices::ledFrames()
 
 void TestBoardDevices::ledStatus()
 {
-    SimulatedDriver driver(oneBoardCard());
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(oneBoardCard());
+    const DriverCalls calls = started(driver);
     Transfer write(0xA0, 0, bytesOf("0b 01 32 05 112233 445566 57"));
     QCOMPARE(calls.NvAPI_I2CWrite(driver.handle(0), &write.record), NVAPI_OK);
     Transfer read(0xA1, 0, std::vector<quint8>(27, 0xEE));
@@ -244,16 +221,17 @@ void TestBoardDevices::ledStatusReadRules()
     QFETCH(int, address);
     QFETCH(int, size);
     QFETCH(int, status);
-    SimulatedDriver driver(oneBoardCard());
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(oneBoardCard());
+    driver.expectsWrongCalls();
+    const DriverCalls calls = started(driver);
     Transfer read(static_cast<quint8>(address), regSize, std::vector<quint8>(static_cast<std::size_t>(size)));
     QCOMPARE(calls.NvAPI_I2CRead(driver.handle(0), &read.record), status);
 }
 
 void TestBoardDevices::probeChangesNothingShown()
 {
-    SimulatedDriver driver(oneBoardCard());
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(oneBoardCard());
+    const DriverCalls calls = started(driver);
     Transfer red(0xA0, 0, bytesOf("08 00 32 02 FF 00 00 C4"));
     QCOMPARE(calls.NvAPI_I2CWrite(driver.handle(0), &red.record), NVAPI_OK);
     Transfer probe(0xA0, 0, bytesOf("05 0A 00 00 F0"));
@@ -297,8 +275,9 @@ void TestBoardDevices::lcdFrames()
     QFETCH(int, address);
     QFETCH(quint32, regSize);
     QFETCH(bool, taken);
-    SimulatedDriver driver(oneBoardCard());
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(oneBoardCard());
+    driver.expectsWrongCalls();
+    const DriverCalls calls = started(driver);
     Transfer transfer(static_cast<quint8>(address), regSize, frame);
     QCOMPARE(calls.NvAPI_I2CWrite(driver.handle(0), &transfer.record), taken ? NVAPI_OK : NVAPI_ERROR);
     const Card card = driver.card(0);
@@ -348,8 +327,9 @@ void TestBoardDevices::ports()
     QFETCH(quint32, portSet);
     QFETCH(int, ddc);
     QFETCH(bool, reached);
-    SimulatedDriver driver(oneBoardCard());
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(oneBoardCard());
+    driver.expectsWrongCalls();
+    const DriverCalls calls = started(driver);
     Transfer transfer(0xA0, 0, bytesOf("05 0A 00 00 F0"), version);
     transfer.record.portId = static_cast<quint8>(portId);
     transfer.record.bIsPortIdSet = portSet;
@@ -376,8 +356,9 @@ void TestBoardDevices::absentDevices()
     QFETCH(int, address);
     QFETCH(bool, read);
     QFETCH(QByteArray, data);
-    SimulatedDriver driver(oneCardAtLoad(0));
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(oneCardAtLoad(0));
+    driver.expectsWrongCalls();
+    const DriverCalls calls = started(driver);
     Transfer transfer(static_cast<quint8>(address), address == 0x90 ? 1 : 0, bytesOf(data));
     const auto call = read ? calls.NvAPI_I2CRead : calls.NvAPI_I2CWrite;
     QCOMPARE(call(driver.handle(0), &transfer.record), NVAPI_ERROR);
@@ -386,8 +367,8 @@ void TestBoardDevices::absentDevices()
 
 void TestBoardDevices::extendedCallsReachTheSameDevices()
 {
-    SimulatedDriver driver(oneBoardCard());
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(oneBoardCard());
+    const DriverCalls calls = started(driver);
     quint32 words[2] = {0, 0};
     Transfer write(0xA0, 0, bytesOf("08 00 32 02 FF 00 00 C4"));
     QCOMPARE(calls.NvAPI_I2CWriteEx(driver.handle(0), &write.record, words), NVAPI_OK);

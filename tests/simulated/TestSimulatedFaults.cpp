@@ -41,7 +41,7 @@ void TestFaults::faults()
     QFETCH(quint64, every);
     QFETCH(bool, everyOperation);
     QFETCH(QString, fates);
-    SimulatedDriver driver(oneCardAtLoad(50));
+    CheckedDriver driver(oneCardAtLoad(50));
     Fault fault;
     if (!everyOperation)
         fault.operation = Operation::NvAPI_GPU_GetRamType;
@@ -50,7 +50,7 @@ void TestFaults::faults()
     fault.count = count;
     fault.every = every;
     driver.addFault(fault);
-    const DriverCalls calls(driver.queryInterface());
+    const DriverCalls calls = started(driver);
     QString seen;
     for (int i = 0; i < fates.size(); ++i) {
         quint32 type = 99;
@@ -79,8 +79,8 @@ void TestFaults::faultOfOneCard()
     fault.card = 1;
     fault.status = NVAPI_ERROR;
     scenario.faults.push_back(fault);
-    SimulatedDriver driver(scenario);
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(scenario);
+    const DriverCalls calls = started(driver);
     quint32 type = 0;
     QCOMPARE(calls.NvAPI_GPU_GetRamType(driver.handle(0), &type), NVAPI_OK);
     QCOMPARE(calls.NvAPI_GPU_GetRamType(driver.handle(1), &type), NVAPI_ERROR);
@@ -88,12 +88,12 @@ void TestFaults::faultOfOneCard()
 
 void TestFaults::delay()
 {
-    SimulatedDriver driver(oneCardAtLoad(50));
+    CheckedDriver driver(oneCardAtLoad(50));
     Fault fault;
     fault.operation = Operation::NvAPI_GPU_GetRamType;
     fault.delayMs = 60;
     driver.addFault(fault);
-    const DriverCalls calls(driver.queryInterface());
+    const DriverCalls calls = started(driver);
     QElapsedTimer timer;
     timer.start();
     quint32 type = 0;
@@ -104,9 +104,9 @@ void TestFaults::delay()
 
 void TestFaults::hostileCounts()
 {
-    SimulatedDriver driver(twoCoolerScene());
+    CheckedDriver driver(twoCoolerScene());
     driver.setHostility({0xFFFFFFFF, false});
-    const DriverCalls calls(driver.queryInterface());
+    const DriverCalls calls = started(driver);
     void *const gpu = driver.handle(0);
     NvPhysicalGpuHandle gpus[kNvApiMaxGpus] = {};
     quint32 count = 0;
@@ -114,6 +114,7 @@ void TestFaults::hostileCounts()
     QCOMPARE(count, 0xFFFFFFFFu);
     NvApiThermalSettings thermal{};
     thermal.version = kThermalSettingsVersion2;
+    thermal.count = kThermalSensorCount;
     QCOMPARE(calls.NvAPI_GPU_GetThermalSettings(gpu, 0, &thermal), NVAPI_OK);
     QCOMPARE(thermal.count, 0xFFFFFFFFu);
     NvApiCoolerSettings coolers{};
@@ -139,9 +140,9 @@ void TestFaults::hostileCounts()
 
 void TestFaults::unterminatedTexts()
 {
-    SimulatedDriver driver(oneCardAtLoad(50));
+    CheckedDriver driver(oneCardAtLoad(50));
     driver.setHostility({0, true});
-    const DriverCalls calls(driver.queryInterface());
+    const DriverCalls calls = started(driver);
     char text[kNvApiShortTextSize + 1];
     text[kNvApiShortTextSize] = '#';
     QCOMPARE(calls.NvAPI_GPU_GetFullName(driver.handle(0), text), NVAPI_OK);

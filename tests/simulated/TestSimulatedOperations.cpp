@@ -43,7 +43,7 @@ private slots:
 
 void TestOperations::everyEntryPointIsThere()
 {
-    SimulatedDriver driver(oneBoardCard());
+    CheckedDriver driver(oneBoardCard());
 #define OVRYN_CHECK(identifier, name, parameters, arguments) QVERIFY2(driver.queryInterface()(identifier), #name);
     OVRYN_NVAPI_OPERATIONS(OVRYN_CHECK)
 #undef OVRYN_CHECK
@@ -51,16 +51,16 @@ void TestOperations::everyEntryPointIsThere()
 
 void TestOperations::missingEntryPoint()
 {
-    SimulatedDriver driver(oneBoardCard());
+    CheckedDriver driver(oneBoardCard());
     driver.lacks(Operation::NvAPI_EnumTCCPhysicalGPUs);
-    const DriverCalls calls(driver.queryInterface());
+    const DriverCalls calls = started(driver);
     QVERIFY(!calls.NvAPI_EnumTCCPhysicalGPUs);
     QVERIFY(calls.NvAPI_EnumPhysicalGPUs);
 }
 
 void TestOperations::unknownIdentifier()
 {
-    SimulatedDriver driver(oneBoardCard());
+    CheckedDriver driver(oneBoardCard());
     QVERIFY(!driver.queryInterface()(0));
     QVERIFY(!driver.queryInterface()(0xDEADBEEF));
 }
@@ -78,8 +78,9 @@ void TestOperations::unknownHandles()
 {
     QFETCH(quint64, handle);
     QFETCH(int, status);
-    SimulatedDriver driver(oneBoardCard());
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(oneBoardCard());
+    driver.expectsWrongCalls();
+    const DriverCalls calls = started(driver);
     void *const gpu = reinterpret_cast<void *>(static_cast<quintptr>(handle));
     char text[kNvApiShortTextSize] = "kept";
     QCOMPARE(calls.NvAPI_GPU_GetFullName(gpu, text), status);
@@ -94,8 +95,8 @@ void TestOperations::unknownHandles()
 
 void TestOperations::lostCard()
 {
-    SimulatedDriver driver(oneBoardCard());
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(oneBoardCard());
+    const DriverCalls calls = started(driver);
     quint32 type = 0;
     QCOMPARE(calls.NvAPI_GPU_GetRamType(driver.handle(0), &type), NVAPI_OK);
     driver.edit(0, [](Card &card) { card.lost = true; });
@@ -105,8 +106,9 @@ void TestOperations::lostCard()
 
 void TestOperations::nullPointers()
 {
-    SimulatedDriver driver(oneBoardCard());
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(oneBoardCard());
+    driver.expectsWrongCalls();
+    const DriverCalls calls = started(driver);
     void *const gpu = driver.handle(0);
     quint32 word = 0;
     QCOMPARE(calls.NvAPI_EnumPhysicalGPUs(nullptr, &word), NVAPI_INVALID_ARGUMENT);
@@ -126,8 +128,8 @@ void TestOperations::enumeration()
     scenario.cards.push_back(scenario.cards.front());
     scenario.cards.push_back(scenario.cards.front());
     scenario.cards[1].tcc = true;
-    SimulatedDriver driver(scenario);
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(scenario);
+    const DriverCalls calls = started(driver);
     NvPhysicalGpuHandle gpus[kNvApiMaxGpus] = {};
     quint32 count = 0;
     QCOMPARE(calls.NvAPI_EnumPhysicalGPUs(gpus, &count), NVAPI_OK);
@@ -141,8 +143,8 @@ void TestOperations::enumeration()
 
 void TestOperations::enumerationWithoutCards()
 {
-    SimulatedDriver driver{Scenario()};
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver{Scenario()};
+    const DriverCalls calls = started(driver);
     NvPhysicalGpuHandle gpus[kNvApiMaxGpus] = {};
     quint32 count = 7;
     QCOMPARE(calls.NvAPI_Initialize(), NVAPI_OK);
@@ -156,8 +158,8 @@ void TestOperations::displays()
 {
     Scenario scenario = oneCardAtLoad(0);
     scenario.cards.front().displays = 3;
-    SimulatedDriver driver(scenario);
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(scenario);
+    const DriverCalls calls = started(driver);
     NvDisplayHandle display = nullptr;
     quint32 output = 0;
     quint32 outputs = 0;
@@ -174,8 +176,8 @@ void TestOperations::displays()
 
 void TestOperations::fixedInformation()
 {
-    SimulatedDriver driver;
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver;
+    const DriverCalls calls = started(driver);
     char text[kNvApiShortTextSize];
     QCOMPARE(calls.NvAPI_GPU_GetFullName(driver.handle(0), text), NVAPI_OK);
     QCOMPARE(text, "GeForce GTX 1070 Ti");
@@ -214,8 +216,8 @@ void TestOperations::fixedInformation()
 
 void TestOperations::errorTexts()
 {
-    SimulatedDriver driver(oneBoardCard());
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(oneBoardCard());
+    const DriverCalls calls = started(driver);
     char text[kNvApiShortTextSize];
     QCOMPARE(calls.NvAPI_GetErrorMessage(NVAPI_INCOMPATIBLE_STRUCT_VERSION, text), NVAPI_OK);
     QCOMPARE(text, "NVAPI_INCOMPATIBLE_STRUCT_VERSION");
@@ -237,8 +239,8 @@ void TestOperations::memoryByVersion()
 {
     QFETCH(quint32, version);
     QFETCH(quint32, available);
-    SimulatedDriver driver(oneCardAtLoad(0));
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(oneCardAtLoad(0));
+    const DriverCalls calls = started(driver);
     NvApiMemoryInfo record{};
     record.version = version;
     QCOMPARE(calls.NvAPI_GPU_GetMemoryInfo(driver.handle(0), &record), NVAPI_OK);
@@ -251,8 +253,8 @@ void TestOperations::tccCardHasNoAvailability()
 {
     Scenario scenario = oneCardAtLoad(50);
     scenario.cards.front().tcc = true;
-    SimulatedDriver driver(scenario);
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(scenario);
+    const DriverCalls calls = started(driver);
     NvApiMemoryInfo record{};
     record.version = kMemoryInfoVersion3;
     QCOMPARE(calls.NvAPI_GPU_GetMemoryInfo(driver.handle(0), &record), NVAPI_OK);
@@ -285,13 +287,14 @@ void TestOperations::clockTypes()
     QFETCH(quint32, memoryKHz);
     Scenario scenario = oneCardAtLoad(20);
     scenario.cards.front().clocks.memoryIsRange = memoryIsRange;
-    SimulatedDriver driver(scenario);
+    CheckedDriver driver(scenario);
+    driver.expectsWrongCalls();
     driver.edit(0, [](Card &card) {
         card.settings.graphicsOffsetKHz = 100000;
         card.settings.memoryOffsetKHz = 100000;
     });
     driver.advance(1000);
-    const DriverCalls calls(driver.queryInterface());
+    const DriverCalls calls = started(driver);
     NvApiClockFrequencies record{};
     record.version = kClockFrequenciesVersion2;
     record.clockType = clockType;
@@ -306,8 +309,8 @@ void TestOperations::utilization()
 {
     Scenario scenario = oneCardAtLoad(60);
     scenario.cards.front().utilizationDomains = {0, 2};
-    SimulatedDriver driver(scenario);
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(scenario);
+    const DriverCalls calls = started(driver);
     NvApiDynamicPstates record{};
     record.version = kDynamicPstatesVersion1;
     QCOMPARE(calls.NvAPI_GPU_GetDynamicPstatesInfoEx(driver.handle(0), &record), NVAPI_OK);
@@ -345,8 +348,9 @@ void TestOperations::thermalSensors()
     Scenario scenario = oneCardAtLoad(0);
     scenario.cards.front().thermal.pinnedC = 71;
     scenario.cards.front().thermal.sensorTargets = targets;
-    SimulatedDriver driver(scenario);
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(scenario);
+    driver.expectsWrongCalls();
+    const DriverCalls calls = started(driver);
     NvApiThermalSettings record{};
     record.version = kThermalSettingsVersion2;
     record.count = kThermalSensorCount;
@@ -357,9 +361,9 @@ void TestOperations::thermalSensors()
 
 void TestOperations::withoutADriver()
 {
-    SimulatedDriver::QueryInterface query = nullptr;
+    CheckedDriver::QueryInterface query = nullptr;
     {
-        const SimulatedDriver driver(oneBoardCard());
+        const CheckedDriver driver(oneBoardCard());
         query = driver.queryInterface();
     }
     const DriverCalls calls(query);
@@ -368,8 +372,8 @@ void TestOperations::withoutADriver()
 
 void TestOperations::manyThreads()
 {
-    SimulatedDriver driver(oneBoardCard(), SimulatedClock::Wall);
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(oneBoardCard(), SimulatedClock::Wall);
+    const DriverCalls calls = started(driver); // by the first thread that calls
     constexpr int kThreads = 4;
     constexpr int kRounds = 200;
     std::vector<std::thread> threads;
@@ -389,12 +393,12 @@ void TestOperations::manyThreads()
     for (std::thread &thread : threads)
         thread.join();
     QCOMPARE(failures.load(), 0);
-    std::array<int, kThreads + 1> callsOfThread{};
+    std::array<int, kThreads + 2> callsOfThread{};
     for (const Call &call : driver.calls()) {
-        QVERIFY(call.thread >= 1 && call.thread <= kThreads);
+        QVERIFY(call.thread >= 2 && call.thread <= kThreads + 1);
         ++callsOfThread[static_cast<std::size_t>(call.thread)];
     }
-    for (int i = 1; i <= kThreads; ++i)
+    for (int i = 2; i <= kThreads + 1; ++i)
         QCOMPARE(callsOfThread[static_cast<std::size_t>(i)], kRounds * 2);
 }
 

@@ -1,5 +1,5 @@
-#include "DriverCalls.h"
 #include "TestScenes.h"
+#include "Transfer.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -92,10 +92,11 @@ void TestOutputFiles::journalLines_data()
                             << QByteArray(R"({"t":250,"thread":1,"op":"NvAPI_GPU_GetAllClockFrequencies","gpu":0,)"
                                           R"("version":"0x30108","args":{"clockType":1},"status":0})");
     QTest::newRow("refused") << 3
-                             << QByteArray(R"({"t":250,"thread":1,"op":"NvAPI_GPU_SetCoolerLevels","gpu":0,)"
-                                           R"("version":"0x1001C","args":{"cooler":7,"levels":)"
-                                           R"([{"index":0,"level":50,"policy":3}]},)"
-                                           R"("note":"unknown cooler policy","status":-5})");
+                             << QByteArray(
+                                    R"({"t":250,"thread":1,"op":"NvAPI_GPU_SetCoolerLevels","gpu":0,)"
+                                    R"("version":"0x1001C","args":{"cooler":7,"levels":)"
+                                    R"([{"index":0,"level":50,"policy":3}]},)"
+                                    R"("note":"unknown cooler policy","violation":"cooler policy 3","status":-5})");
     QTest::newRow("clock write") << 4
                                  << QByteArray(R"({"t":250,"thread":1,"op":"NvAPI_GPU_SetPstates20","gpu":0,)"
                                                R"("version":"0x11C94","args":{"numPstates":1,"numClocks":1,)"
@@ -129,8 +130,13 @@ void TestOutputFiles::journalLines_data()
     QTest::newRow("restore entry") << 10
                                    << QByteArray(R"({"t":250,"thread":1,"op":"NvAPI_DriverEntry_B23B70EE","gpu":0,)"
                                                  R"("args":{"value":1},"status":0})");
-    QTest::newRow("unknown handle")
-        << 11 << QByteArray(R"({"t":250,"thread":1,"op":"NvAPI_GPU_GetRamType","gpu":null,"status":-10})");
+    QTest::newRow("null handle") << 11
+                                 << QByteArray(R"({"t":250,"thread":1,"op":"NvAPI_GPU_GetRamType","gpu":null,)"
+                                               R"("handle":"null","status":-10})");
+    QTest::newRow("unknown handle") << 12
+                                    << QByteArray(R"({"t":250,"thread":1,"op":"NvAPI_GPU_GetRamType","gpu":null,)"
+                                                  R"("handle":"unknown","violation":"unknown card handle",)"
+                                                  R"("status":-101})");
 }
 
 void TestOutputFiles::journalLines()
@@ -139,21 +145,14 @@ void TestOutputFiles::journalLines()
     QFETCH(QByteArray, line);
     Scenario scenario = oneBoardCard();
     scenario.cards.front().boardSensors[0].pinnedC = 45.5;
-    SimulatedDriver driver(scenario, settings());
+    CheckedDriver driver(scenario, settings());
     driver.advance(250);
-    const DriverCalls calls(driver.queryInterface());
+    const DriverCalls calls = started(driver);
     void *const gpu = driver.handle(0);
     quint32 word = 0;
-    quint8 reg = 0;
-    quint8 data[5] = {0x05, 0x0A, 0x00, 0x00, 0xF0};
     NV_GPU_PERF_PSTATES20_INFO pstates{};
-    NV_I2C_INFO transfer{};
-    transfer.pbI2cRegAddress = &reg;
-    transfer.pbData = data;
-    transfer.i2cSpeed = kI2cSpeedDeprecated;
-    transfer.i2cSpeedKhz = NVAPI_I2C_SPEED_400KHZ;
-    transfer.portId = 1;
-    transfer.bIsPortIdSet = 1;
+    Transfer probe(0xA0, 0, {0x05, 0x0A, 0x00, 0x00, 0xF0});
+    Transfer sensor(0x9E, 1, {0, 0}, kI2cInfoVersion1);
     switch (which) {
     case 0:
         calls.NvAPI_Initialize();
@@ -206,80 +205,79 @@ void TestOutputFiles::journalLines()
         break;
     }
     case 8:
-        transfer.version = kI2cInfoVersion3;
-        transfer.i2cDevAddress = 0xA0;
-        transfer.cbSize = sizeof(data);
-        calls.NvAPI_I2CWrite(gpu, &transfer);
+        calls.NvAPI_I2CWrite(gpu, &probe.record);
         break;
     case 9:
-        transfer.version = kI2cInfoVersion1;
-        transfer.i2cDevAddress = 0x9E;
-        transfer.regAddrSize = 1;
-        transfer.cbSize = 2;
-        calls.NvAPI_I2CRead(gpu, &transfer);
+        calls.NvAPI_I2CRead(gpu, &sensor.record);
         break;
     case 10:
         calls.NvAPI_DriverEntry_B23B70EE(gpu, 1);
         break;
-    default:
+    case 11:
         calls.NvAPI_GPU_GetRamType(nullptr, &word);
         break;
+    default:
+        calls.NvAPI_GPU_GetRamType(&word, &word);
+        break;
     }
-    QCOMPARE(linesOf(journal), QByteArrayList{line});
+    if (line.contains("violation"))
+        driver.expectsWrongCalls();
+    QCOMPARE(linesOf(journal).mid(1), QByteArrayList{line}); // the first is the start
     QCOMPARE(QByteArray::fromStdString(journalLine(driver.calls().back())), line);
 }
 
 void TestOutputFiles::journalIsOnTheDiskAtOnce()
 {
-    SimulatedDriver driver(oneBoardCard(), settings());
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(oneBoardCard(), settings());
+    const DriverCalls calls = started(driver);
     for (int i = 1; i <= 5; ++i) {
         calls.NvAPI_Initialize();
-        QCOMPARE(linesOf(journal).size(), i);
+        QCOMPARE(linesOf(journal).size(), 1 + i); // the first is the start
     }
 }
 
 void TestOutputFiles::journalIsAppendedTo()
 {
     for (int i = 1; i <= 2; ++i) {
-        SimulatedDriver driver(oneBoardCard(), settings());
-        DriverCalls(driver.queryInterface()).NvAPI_Unload();
-        QCOMPARE(linesOf(journal).size(), i);
+        CheckedDriver driver(oneBoardCard(), settings());
+        started(driver).NvAPI_Unload();
+        QCOMPARE(linesOf(journal).size(), 2 * i);
     }
 }
 
 void TestOutputFiles::journalKeepsFailedWrites()
 {
-    SimulatedDriver driver(oneBoardCard(), settings());
+    CheckedDriver driver(oneBoardCard(), settings());
     driver.fails(Operation::NvAPI_GPU_SetPstates20, NVAPI_ERROR);
-    const DriverCalls calls(driver.queryInterface());
+    const DriverCalls calls = started(driver);
     NV_GPU_PERF_PSTATES20_INFO record{};
     record.version = kPstates20Version3;
     record.numPstates = 1;
     record.numClocks = 1;
     record.pstates[0].clocks[0].freqDelta_kHz.value = 77000;
     QCOMPARE(calls.NvAPI_GPU_SetPstates20(driver.handle(0), &record), NVAPI_ERROR);
-    QVERIFY(linesOf(journal).front().contains(R"("delta_kHz":77000)"));
-    QVERIFY(linesOf(journal).front().endsWith(R"("status":-1})"));
+    QVERIFY(linesOf(journal).back().contains(R"("delta_kHz":77000)"));
+    QVERIFY(linesOf(journal).back().endsWith(R"("status":-1})"));
     QCOMPARE(driver.card(0).settings.graphicsOffsetKHz, 0);
 }
 
 void TestOutputFiles::journalOfUnknownVersionTellsNothing()
 {
-    SimulatedDriver driver(oneBoardCard(), settings());
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(oneBoardCard(), settings());
+    const DriverCalls calls = started(driver);
     quint32 versionAlone = 0x50005; // nothing says that there is more than this word
     QCOMPARE(
         calls.NvAPI_GPU_SetPstates20(driver.handle(0), reinterpret_cast<NV_GPU_PERF_PSTATES20_INFO *>(&versionAlone)),
         NVAPI_INCOMPATIBLE_STRUCT_VERSION);
-    QVERIFY(!linesOf(journal).front().contains("args"));
-    QVERIFY(linesOf(journal).front().contains(R"("version":"0x50005")"));
+    QVERIFY(!linesOf(journal).back().contains("args"));
+    QVERIFY(linesOf(journal).back().contains(R"("version":"0x50005")"));
+    QCOMPARE(driver.takeViolations(), QStringList{"GPU_SetPstates20: unknown version word"});
 }
 
 void TestOutputFiles::hostileRequestIsJournalledSafely()
 {
-    SimulatedDriver driver(oneBoardCard(), settings());
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(oneBoardCard(), settings());
+    const DriverCalls calls = started(driver);
     NV_GPU_PERF_PSTATES20_INFO pstates{};
     pstates.version = kPstates20Version3;
     pstates.numPstates = 0xFFFFFFFF;
@@ -295,14 +293,15 @@ void TestOutputFiles::hostileRequestIsJournalledSafely()
     transfer.regAddrSize = 0xFFFFFFFF;
     transfer.pbI2cRegAddress = &byte;
     QCOMPARE(calls.NvAPI_I2CWrite(driver.handle(0), &transfer), NVAPI_INVALID_ARGUMENT);
-    QCOMPARE(linesOf(journal).size(), 2);
+    QCOMPARE(linesOf(journal).size(), 3);
     QVERIFY(!linesOf(journal).back().contains(R"("data")"));
+    driver.expectsWrongCalls();
 }
 
 void TestOutputFiles::threadNumbers()
 {
-    SimulatedDriver driver(oneBoardCard(), settings());
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(oneBoardCard(), settings());
+    const DriverCalls calls = started(driver);
     calls.NvAPI_Initialize();
     std::thread([&] { calls.NvAPI_Initialize(); }).join();
     calls.NvAPI_Initialize();
@@ -318,16 +317,11 @@ void TestOutputFiles::stateOfACard()
     scenario.cards.push_back(oneCardAtLoad(50).cards.front());
     scenario.cards.front().thermal.pinnedC = 64;
     {
-        SimulatedDriver driver(scenario, settings());
+        CheckedDriver driver(scenario, settings());
         QCOMPARE(stateOf(state)["cards"].size(), std::size_t(2)); // there from the start
-        const DriverCalls calls(driver.queryInterface());
-        quint8 frame[] = {0x08, 0x00, 0x32, 0x02, 0xFF, 0x00, 0x00, 0xC4};
-        NV_I2C_INFO transfer{};
-        transfer.version = kI2cInfoVersion2;
-        transfer.i2cDevAddress = 0xA0;
-        transfer.pbData = frame;
-        transfer.cbSize = sizeof(frame);
-        QCOMPARE(calls.NvAPI_I2CWrite(driver.handle(0), &transfer), NVAPI_OK);
+        const DriverCalls calls = started(driver);
+        Transfer frame(0xA0, 0, {0x08, 0x00, 0x32, 0x02, 0xFF, 0x00, 0x00, 0xC4}, kI2cInfoVersion2);
+        QCOMPARE(calls.NvAPI_I2CWrite(driver.handle(0), &frame.record), NVAPI_OK);
         QCOMPARE(calls.NvAPI_Unload(), NVAPI_OK);
         QCOMPARE(stateOf(state)["cards"][0]["led"]["accepted"].get<int>(), 1); // an unload writes in any case
     }
@@ -346,20 +340,13 @@ void TestOutputFiles::stateOfACard()
 
 void TestOutputFiles::stateOfTheLightsIsWrittenAtOnce()
 {
-    SimulatedDriver driver(oneBoardCard(), settings());
-    const DriverCalls calls(driver.queryInterface());
-    NV_I2C_INFO transfer{};
-    transfer.version = kI2cInfoVersion2;
-    transfer.i2cDevAddress = 0xA0;
-    quint8 red[] = {0x08, 0x00, 0x32, 0x02, 0xFF, 0x00, 0x00, 0xC4};
-    quint8 off[] = {0x05, 0x00, 0x00, 0x0A, 0xF0};
-    transfer.pbData = red;
-    transfer.cbSize = sizeof(red);
-    QCOMPARE(calls.NvAPI_I2CWrite(driver.handle(0), &transfer), NVAPI_OK);
+    CheckedDriver driver(oneBoardCard(), settings());
+    const DriverCalls calls = started(driver);
+    Transfer red(0xA0, 0, {0x08, 0x00, 0x32, 0x02, 0xFF, 0x00, 0x00, 0xC4}, kI2cInfoVersion2);
+    Transfer off(0xA0, 0, {0x05, 0x00, 0x00, 0x0A, 0xF0}, kI2cInfoVersion2);
+    QCOMPARE(calls.NvAPI_I2CWrite(driver.handle(0), &red.record), NVAPI_OK);
     QCOMPARE(stateOf(state)["cards"][0]["led"]["level"].get<int>(), 0x32);
-    transfer.pbData = off;
-    transfer.cbSize = sizeof(off);
-    QCOMPARE(calls.NvAPI_I2CWrite(driver.handle(0), &transfer), NVAPI_OK);
+    QCOMPARE(calls.NvAPI_I2CWrite(driver.handle(0), &off.record), NVAPI_OK);
     QCOMPARE(stateOf(state)["cards"][0]["led"]["level"].get<int>(), 0);
     QCOMPARE(stateOf(state)["cards"][0]["led"]["accepted"].get<int>(), 2);
 }

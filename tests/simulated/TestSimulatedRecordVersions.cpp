@@ -46,6 +46,12 @@ void prepare(Operation operation, quint32 version, void *bytes, std::size_t size
 {
     std::memset(bytes, 0, size);
     switch (operation) {
+    case Operation::NvAPI_GPU_GetThermalSettings: {
+        NvApiThermalSettings record{};
+        record.count = kThermalSensorCount;
+        put(bytes, size, record);
+        break;
+    }
     case Operation::NvAPI_GPU_SetCoolerLevels: {
         NvApiCoolerLevels record{};
         record.levels[0] = {55, kCoolerPolicyManual};
@@ -186,8 +192,8 @@ void TestRecordVersions::everyVersion()
 {
     QFETCH(int, operation);
     QFETCH(quint32, version);
-    SimulatedDriver driver(twoCoolerScene());
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(twoCoolerScene());
+    const DriverCalls calls = started(driver);
     const auto what = static_cast<Operation>(operation);
     const std::size_t size = sizeInMemory(what, version);
     BusBuffers bus;
@@ -212,8 +218,9 @@ void TestRecordVersions::everyVersion()
 void TestRecordVersions::otherVersionsAreRefused()
 {
     QFETCH(int, operation);
-    SimulatedDriver driver(twoCoolerScene());
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(twoCoolerScene());
+    driver.expectsWrongCalls();
+    const DriverCalls calls = started(driver);
     const auto what = static_cast<Operation>(operation);
     const quint32 newest = recordVersions(what).front();
     // right size but wrong number, right number but wrong size, nothing at all
@@ -231,8 +238,8 @@ void TestRecordVersions::onlyKnownVersionsAnswer()
 {
     QFETCH(int, operation);
     QFETCH(quint32, version);
-    SimulatedDriver driver(twoCoolerScene());
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(twoCoolerScene());
+    const DriverCalls calls = started(driver);
     const auto what = static_cast<Operation>(operation);
     driver.knows(what, {version});
     for (const quint32 tried : recordVersions(what)) {

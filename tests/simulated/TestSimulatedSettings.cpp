@@ -64,12 +64,12 @@ void TestSettings::coolerEntriesByVersion()
     QFETCH(quint32, version);
     QFETCH(int, entrySize);
     const bool hasTachometer = entrySize > 48;
-    SimulatedDriver driver(twoCoolerScene());
+    CheckedDriver driver(twoCoolerScene());
     driver.edit(0, [](Card &card) {
         card.settings.coolers = {{kCoolerPolicyManual, 40}, {kCoolerPolicyManual, 70}};
     });
     driver.advance(20000);
-    const DriverCalls calls(driver.queryInterface());
+    const DriverCalls calls = started(driver);
     std::vector<quint8> record(sizeof(NvApiCoolerSettings));
     std::memcpy(record.data(), &version, sizeof(version));
     QCOMPARE(calls.NvAPI_GPU_GetCoolerSettings(driver.handle(0), kAllCoolers,
@@ -127,9 +127,10 @@ void TestSettings::coolerLevels()
     QFETCH(int, status);
     QFETCH(qint32, policyAfter);
     QFETCH(qint32, levelAfter);
-    SimulatedDriver driver(twoCoolerScene());
+    CheckedDriver driver(twoCoolerScene());
+    driver.expectsWrongCalls();
     driver.edit(0, [](Card &card) { card.settings.coolers = {{0x20, 30}, {0x20, 30}}; });
-    const DriverCalls calls(driver.queryInterface());
+    const DriverCalls calls = started(driver);
     NvApiCoolerLevels record{};
     record.version = version;
     record.levels[0] = {level, policy};
@@ -146,8 +147,8 @@ void TestSettings::coolerCallsWithoutTachometer()
 {
     Scenario scenario = oneCardAtLoad(50);
     scenario.cards.front().fan.tachometer = false;
-    SimulatedDriver driver(scenario);
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(scenario);
+    const DriverCalls calls = started(driver);
     quint32 rpm = 77;
     QCOMPARE(calls.NvAPI_GPU_GetTachReading(driver.handle(0), &rpm), NVAPI_ERROR);
     QCOMPARE(rpm, 77u);
@@ -175,14 +176,14 @@ void TestSettings::pstatesByVersion()
     Scenario scenario = oneCardAtLoad(50);
     scenario.cards.front().clocks.memoryIsRange = memoryIsRange;
     scenario.cards.front().clocks.pstateIds = {5, 0};
-    SimulatedDriver driver(scenario);
+    CheckedDriver driver(scenario);
     driver.edit(0, [](Card &card) {
         card.settings.graphicsOffsetKHz = -50000;
         card.settings.memoryOffsetKHz = 100000;
         card.settings.voltageOffset_uV = 12500;
         card.settings.overVoltage_uV = 25000;
     });
-    const DriverCalls calls(driver.queryInterface());
+    const DriverCalls calls = started(driver);
     NV_GPU_PERF_PSTATES20_INFO record{};
     record.version = version;
     QCOMPARE(calls.NvAPI_GPU_GetPstates20(driver.handle(0), &record), NVAPI_OK);
@@ -243,8 +244,9 @@ void TestSettings::pstateWrites()
     QFETCH(qint32, delta);
     QFETCH(bool, voltage);
     QFETCH(int, status);
-    SimulatedDriver driver(oneCardAtLoad(50));
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(oneCardAtLoad(50));
+    driver.expectsWrongCalls();
+    const DriverCalls calls = started(driver);
     NV_GPU_PERF_PSTATES20_INFO record{};
     record.version = kPstates20Version3;
     record.numPstates = 1;
@@ -269,8 +271,9 @@ void TestSettings::pstateWrites()
 
 void TestSettings::refusedPstateWriteChangesNothing()
 {
-    SimulatedDriver driver(oneCardAtLoad(50));
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(oneCardAtLoad(50));
+    driver.expectsWrongCalls();
+    const DriverCalls calls = started(driver);
     NV_GPU_PERF_PSTATES20_INFO record{};
     record.version = kPstates20Version3;
     record.numPstates = 1;
@@ -289,8 +292,8 @@ void TestSettings::refusedPstateWriteChangesNothing()
 
 void TestSettings::oldestPstateRecordHasNoOverVoltage()
 {
-    SimulatedDriver driver(oneCardAtLoad(50));
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(oneCardAtLoad(50));
+    const DriverCalls calls = started(driver);
     NV_GPU_PERF_PSTATES20_INFO record{};
     record.ov.numVoltages = 1;
     record.ov.voltages[0].voltDelta_uV.value = 30000;
@@ -325,8 +328,9 @@ void TestSettings::powerLimit()
     QFETCH(quint32, policyId);
     QFETCH(quint32, power);
     QFETCH(int, status);
-    SimulatedDriver driver(oneCardAtLoad(50));
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(oneCardAtLoad(50));
+    driver.expectsWrongCalls();
+    const DriverCalls calls = started(driver);
     NvApiPowerPoliciesStatus record{};
     record.version = kPowerPoliciesStatusVersion1;
     record.count = static_cast<quint8>(count);
@@ -343,8 +347,9 @@ void TestSettings::powerLimit()
 
 void TestSettings::powerDrawShowsInTopology()
 {
-    SimulatedDriver driver(oneCardAtLoad(100));
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(oneCardAtLoad(100));
+    driver.expectsWrongCalls();
+    const DriverCalls calls = started(driver);
     NvApiPowerTopologyInfo info{};
     info.version = kPowerTopologyInfoVersion1;
     QCOMPARE(calls.NvAPI_GPU_ClientPowerTopologyGetInfo(driver.handle(0), &info), NVAPI_OK);
@@ -379,8 +384,8 @@ void TestSettings::powerAbsent()
     Scenario scenario = oneCardAtLoad(0);
     scenario.cards.front().power.present = false;
     scenario.cards.front().thermal.policyPresent = false;
-    SimulatedDriver driver(scenario);
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(scenario);
+    const DriverCalls calls = started(driver);
     NvApiPowerTopologyInfo topology{};
     topology.version = kPowerTopologyInfoVersion1;
     QCOMPARE(calls.NvAPI_GPU_ClientPowerTopologyGetInfo(driver.handle(0), &topology), NVAPI_OK);
@@ -425,8 +430,9 @@ void TestSettings::thermalLimit()
     QFETCH(quint32, flags);
     QFETCH(int, status);
     QFETCH(bool, priorityAfter);
-    SimulatedDriver driver(oneCardAtLoad(50));
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(oneCardAtLoad(50));
+    driver.expectsWrongCalls();
+    const DriverCalls calls = started(driver);
     NvApiThermalPoliciesStatus record{};
     record.version = version;
     record.count = 1;
@@ -456,8 +462,8 @@ void TestSettings::thermalPoliciesByVersion()
     QFETCH(quint32, infoVersion);
     QFETCH(quint32, statusVersion);
     QFETCH(int, statusEntrySize);
-    SimulatedDriver driver(oneCardAtLoad(50));
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(oneCardAtLoad(50));
+    const DriverCalls calls = started(driver);
     NvApiThermalPoliciesInfo info{};
     info.version = infoVersion;
     QCOMPARE(calls.NvAPI_GPU_ClientThermalPoliciesGetInfo(driver.handle(0), &info), NVAPI_OK);
@@ -484,8 +490,9 @@ void TestSettings::thermalPoliciesByVersion()
 
 void TestSettings::restoreEntry()
 {
-    SimulatedDriver driver(oneCardAtLoad(50));
-    const DriverCalls calls(driver.queryInterface());
+    CheckedDriver driver(oneCardAtLoad(50));
+    driver.expectsWrongCalls();
+    const DriverCalls calls = started(driver);
     QCOMPARE(calls.NvAPI_DriverEntry_B23B70EE(driver.handle(0), 1), NVAPI_OK);
     QCOMPARE(driver.calls().back().arguments.at("value").get<int>(), 1);
     QCOMPARE(calls.NvAPI_DriverEntry_B23B70EE(driver.handle(0), 2), NVAPI_INVALID_ARGUMENT);

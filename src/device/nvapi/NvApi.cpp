@@ -42,14 +42,16 @@ constexpr std::array<quint32, OperationCount> kIdentifiers = {
 const char kUnknownOperation = 0;
 
 /// All that the boundary remembers. The library stays loaded after its NvAPI_Initialize has failed, so that
-/// the error text can be fetched and enumeration be tried; the next NvAPI_Unload lets it go.
+/// the error text can be fetched and enumeration be tried, until that start too has been ended by its NvAPI_Unload.
 struct Boundary
 {
     std::mutex lifecycle;      ///< serialises NvAPI_Initialize and NvAPI_Unload
     NvApiLibrarySource source; ///< guarded by lifecycle; where the next library comes from
     NvApiLibrary library;      ///< guarded by lifecycle; the one that is loaded
 
-    std::atomic<int> loadCount{0}; ///< changed under lifecycle only
+    bool initialised = false; ///< guarded by lifecycle; the library's NvAPI_Initialize has succeeded
+
+    std::atomic<int> startCount{0}; ///< starts that have not been ended, those that failed included
     std::atomic<NvApiQueryInterface> queryInterface{nullptr};
     std::atomic<bool> wantsNativeI2cSize{false};
     std::atomic<bool> unloading{false};
@@ -208,9 +210,9 @@ void openLibrary()
     state.queryInterface = state.library.queryInterface;
 }
 
-/// Under `lifecycle`, with a library loaded. `wasInitialised` says that the library's NvAPI_Initialize
-/// succeeded, which its NvAPI_Unload undoes; the result is that function's.
-NvAPI_Status closeLibrary(bool wasInitialised)
+/// Under `lifecycle`, with a library loaded. Where its NvAPI_Initialize has succeeded, its NvAPI_Unload undoes that
+/// and gives the result.
+NvAPI_Status closeLibrary()
 {
     Boundary &state = boundary();
     state.unloading = true;
@@ -218,9 +220,10 @@ NvAPI_Status closeLibrary(bool wasInitialised)
     while (state.callsInFlight > 0 && std::chrono::steady_clock::now() < deadline)
         std::this_thread::sleep_for(kDrainInterval);
 
-    NvAPI_Status status = NVAPI_OK;
-    if (wasInitialised)
+    NvAPI_Status status = NVAPI_ERROR;
+    if (state.initialised)
         status = callLibrary<PlainFunction>(Operation_NvAPI_Unload);
+    state.initialised = false;
     state.queryInterface = nullptr;
     for (std::atomic<const void *> &function : state.functions)
         function = nullptr;
@@ -236,32 +239,32 @@ NvAPI_Status closeLibrary(bool wasInitialised)
 /// the library serves the whole process, and a driver need not count.
 NvAPI_Status initialise()
 {
+    Boundary &state = boundary();
+    // A start that fails is ended by an NvAPI_Unload of its own. If it did not count, that end would take away the
+    // count of another start, and with the last count the driver.
+    ++state.startCount;
     if (!waitForUnload())
         return NVAPI_ERROR;
-    Boundary &state = boundary();
     const std::lock_guard<std::mutex> guard(state.lifecycle);
     openLibrary();
     const NvAPI_Status status = callLibrary<PlainFunction>(Operation_NvAPI_Initialize);
     if (status == NVAPI_OK)
-        ++state.loadCount;
+        state.initialised = true;
     return status;
 }
 
-/// A call too many is harmless: it fails, and lets go a library that could not be initialised.
+/// A call too many is harmless: it fails.
 NvAPI_Status unload()
 {
     if (!waitForUnload())
         return NVAPI_ERROR;
     Boundary &state = boundary();
     const std::lock_guard<std::mutex> guard(state.lifecycle);
+    if (state.startCount > 0)
+        --state.startCount;
     if (!state.library.queryInterface)
         return NVAPI_LIBRARY_NOT_FOUND;
-    if (state.loadCount == 0) {
-        closeLibrary(false);
-        return NVAPI_ERROR;
-    }
-    --state.loadCount;
-    return state.loadCount == 0 ? closeLibrary(true) : NVAPI_OK;
+    return state.startCount == 0 ? closeLibrary() : NVAPI_OK;
 }
 
 template <Operation operation, typename Function, typename... Arguments>
@@ -294,12 +297,10 @@ void setNvApiLibrarySource(NvApiLibrarySource source)
 {
     Boundary &state = boundary();
     const std::lock_guard<std::mutex> guard(state.lifecycle);
-    if (state.library.queryInterface && state.loadCount == 0)
-        closeLibrary(false);
     state.source = std::move(source);
 }
 
 int nvApiLoadCount()
 {
-    return boundary().loadCount;
+    return boundary().startCount;
 }

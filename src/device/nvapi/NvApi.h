@@ -11,7 +11,8 @@
 /// Every function may be called from any thread. It returns the driver's status; NVAPI_NO_IMPLEMENTATION
 /// when the library does not know the operation; NVAPI_LIBRARY_NOT_FOUND when no library is loaded.
 /// A call that comes while an unload is under way polls every 100 ms, up to ten times, and then gives
-/// NVAPI_ERROR. NvAPI_Initialize and NvAPI_Unload count: the library is unloaded with the last count.
+/// NVAPI_ERROR. NvAPI_Initialize and NvAPI_Unload count: each start, also one that failed, is ended by one
+/// NvAPI_Unload, and the library is unloaded with the last of them.
 
 // clang-format off
 #define OVRYN_NVAPI_DECLARE(identifier, name, parameters, arguments) NvAPI_Status name parameters;
@@ -37,5 +38,5 @@ struct NvApiLibrarySource
 /// `load` restores the system's library.
 void setNvApiLibrarySource(NvApiLibrarySource source);
 
-/// How often NvAPI_Initialize has succeeded less how often NvAPI_Unload was called; for tests.
+/// Starts that have not been ended, those that failed included; for tests.
 int nvApiLoadCount();

@@ -5,6 +5,8 @@
 // The program is a 32-bit process, so the library is nvapi.dll also on a 64-bit system: the loader
 // looks for it in the system folder of 32-bit processes. Its I2C record has the size that the version
 // words say.
+static_assert(sizeof(void *) == 4, "a 64-bit process needs another library and the larger I2C record");
+
 NvApiLibrary openSystemNvApiLibrary()
 {
     // From the system folder only: a file of that name beside the program is not the driver.

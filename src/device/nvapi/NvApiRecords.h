@@ -12,7 +12,8 @@
 /// high 16 bits. Bit fields start at the lowest bit of their word. Counts come from outside the
 /// process: bound them by the array before walking.
 ///
-/// Raw records never leave src/device; stand-ins for the driver share this file.
+/// The place of every field is pinned down in NvApiLayout.cpp. Raw records never leave src/device; stand-ins for the
+/// driver share this file.
 
 #if defined(_WIN32) && !defined(_WIN64)
 #define OVRYN_NVAPI_CALL __cdecl
@@ -261,22 +262,26 @@ constexpr quint32 kI2cInfoVersion1 = 0x10020; ///< up to `i2cSpeed`
 constexpr quint32 kI2cSpeedDeprecated = 0xFFFF; ///< hands the choice to `i2cSpeedKhz`
 constexpr quint32 NVAPI_I2C_SPEED_400KHZ = 6;   ///< an enumeration, not a number of kHz
 
-/// Holds pointers, so a 64-bit process has a larger record than the version words say.
-struct NV_I2C_INFO
+/// Holds pointers, so a 64-bit process has a larger record than the version words say. The pointer is a parameter so
+/// that the layouts of both kinds of process can be checked in every build.
+template <typename BytePointer>
+struct NvApiI2cInfo
 {
     quint32 version;
     quint32 displayMask;
     quint8 bIsDDCPort;
     quint8 i2cDevAddress; ///< 8-bit form, direction bit included
-    quint8 *pbI2cRegAddress;
+    BytePointer pbI2cRegAddress;
     quint32 regAddrSize;
-    quint8 *pbData;
+    BytePointer pbData;
     quint32 cbSize;
     quint32 i2cSpeed;
     quint32 i2cSpeedKhz;
     quint8 portId;
     quint32 bIsPortIdSet;
 };
+using NV_I2C_INFO = NvApiI2cInfo<quint8 *>;
+
 constexpr std::size_t kI2cInfoSize3 = sizeof(void *) == 4 ? nvApiRecordSize(kI2cInfoVersion3) : 64;
 constexpr std::size_t kI2cInfoSize2 = sizeof(void *) == 4 ? nvApiRecordSize(kI2cInfoVersion2) : 56;
 constexpr std::size_t kI2cInfoSize1 = sizeof(void *) == 4 ? nvApiRecordSize(kI2cInfoVersion1) : 48;
@@ -329,8 +334,6 @@ struct NvApiCoolerSettings ///< levels in percent
     Cooler cooler[20];
 };
 static_assert(sizeof(NvApiCoolerSettings::Cooler) == kCoolerEntrySize4, "entry size");
-static_assert(offsetof(NvApiCoolerSettings::Cooler, tachPresent) == 52, "entry layout");
-static_assert(offsetof(NvApiCoolerSettings::Cooler, tachMinRpm) == 56, "entry layout");
 static_assert(sizeof(NvApiCoolerSettings) == nvApiRecordSize(kCoolerSettingsVersion4), "record size");
 static_assert(8 + 20 * kCoolerEntrySize3 == nvApiRecordSize(kCoolerSettingsVersion3), "record size");
 static_assert(8 + 20 * kCoolerEntrySize2 == nvApiRecordSize(kCoolerSettingsVersion2), "record size");
