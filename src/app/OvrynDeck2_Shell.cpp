@@ -205,8 +205,8 @@ void OvrynDeck2::handWordsTo(const CardPageSet &pages)
     pages.monitorPage->setLanguage(languageTable.monitor, languageTable.language());
     pages.adjustPage->setLanguage(languageTable.overClock, languageTable.language());
     pages.ledPage->setLanguage(languageTable.led, languageTable.language());
-    pages.fixedInfoPage->setLanguage(languageTable.gpuFixedInfo, languageTable.language());
     pages.lcdPage->setLanguage(languageTable.lcd, languageTable.language());
+    pages.fixedInfoPage->setLanguage(languageTable.gpuFixedInfo, languageTable.language());
     pages.circleBox->setLanguage(languageTable.breathCircle, languageTable.language());
     pages.boardInfoPage->setLanguage(languageTable.boardInfo, languageTable.language());
 }

@@ -46,6 +46,8 @@ GeneralSettingInfo stampStart(Ovryn_ConfigFile &configFile)
 
     GeneralSettingInfo general;
     configFile.getGeneralSetting(general);
+    UpdateSettingInfo update;
+    configFile.getUpdateSetting(update); // part of each start; the dialog takes its own copy
     return general;
 }
 

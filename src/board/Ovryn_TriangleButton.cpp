@@ -14,8 +14,7 @@ namespace
 
 constexpr double kLengthOfRing = 0.66; // of the ring's thickness, from base to tip
 constexpr double kBaseOfLength = 0.8;
-constexpr double kEdgeWidth = 2;
-const QColor kEdgeColor(20, 0, 4, 220);
+constexpr double kMargin = 2; // pixels around the triangle, for its smoothed edge
 
 } // namespace
 
@@ -69,7 +68,7 @@ void Ovryn_TriangleButton::mouseMoveEvent(QMouseEvent *event)
 void Ovryn_TriangleButton::drawMarker()
 {
     const double length = (ring.outerRadius - ring.innerRadius) * kLengthOfRing;
-    const int side = int(std::ceil(length * std::sqrt(2.0) + 2 * kEdgeWidth)); // any turn of the triangle fits
+    const int side = int(std::ceil(length * std::sqrt(2.0) + 2 * kMargin)); // any turn of the triangle fits
     const QPointF middle = ring.pointAt(hue, (ring.outerRadius + ring.innerRadius) / 2);
     setGeometry(int(std::lround(middle.x())) - side / 2, int(std::lround(middle.y())) - side / 2, side, side);
 
@@ -84,7 +83,7 @@ void Ovryn_TriangleButton::drawMarker()
     painter.setRenderHint(QPainter::Antialiasing);
     painter.translate(side / 2.0, side / 2.0);
     painter.rotate(hue - 180); // the tip points outwards
-    painter.setPen(QPen(kEdgeColor, kEdgeWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setPen(Qt::NoPen);
     painter.setBrush(Qt::white);
     painter.drawPath(triangle);
     painter.end();

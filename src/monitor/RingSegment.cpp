@@ -149,6 +149,14 @@ QVector<double> characterAngles(const QVector<double> &widths, double textWidth,
     return angles;
 }
 
+void RingSegment::paint(QPainter &painter, const QColor &color) const
+{
+    const double width = usableThickness(thickness, side);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.fillPath(ringSegmentPath(side, width, type), color);
+    paintCaption(painter, *this, width);
+}
+
 QImage RingSegment::painted(const QColor &color) const
 {
     if (side <= 0)
@@ -157,10 +165,7 @@ QImage RingSegment::painted(const QColor &color) const
     if (image.isNull())
         return {};
     image.fill(Qt::transparent);
-    const double width = usableThickness(thickness, side);
     QPainter painter(&image);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillPath(ringSegmentPath(side, width, type), color);
-    paintCaption(painter, *this, width);
+    paint(painter, color);
     return image;
 }

@@ -8,6 +8,8 @@
 #include <QString>
 #include <QVector>
 
+class QPainter;
+
 /// \file
 /// One 120 degree segment of the gauge's ring: its outline and the caption that runs along it. Angles are
 /// degrees counted counter-clockwise from three o'clock, y upward, as QPainterPath::arcTo takes them.
@@ -52,6 +54,9 @@ struct RingSegment
     int type = RingSegmentClock;
     QString text;
     QString family; ///< of the caption's font
+
+    /// The segment in `color` and the caption in white, in the square of `side` at the painter's origin.
+    void paint(QPainter &painter, const QColor &color) const;
 
     /// Transparent square with the segment in `color` and the caption in white. Null for an empty square.
     [[nodiscard]] QImage painted(const QColor &color) const;

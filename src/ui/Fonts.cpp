@@ -34,9 +34,9 @@ constexpr Substitution kSubstitutions[] = {
 };
 
 constexpr const char *kFontFiles[] = {
-    ":/font/font/DS-Digital.TTF",
-    ":/font/font/SpaceAge.ttf",
     ":/font/font/kuhei.TTF",
+    ":/font/font/SpaceAge.ttf",
+    ":/font/font/DS-Digital.TTF",
     ":/font/font/OvrynSans.ttf",
     ":/font/font/OvrynSans-Bold.ttf",
 };

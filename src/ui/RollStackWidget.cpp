@@ -57,7 +57,7 @@ void RollStackWidget::setCurrentWidget(QWidget *widget)
 void RollStackWidget::onSettingTimerTimeout()
 {
     if (previousWidget) {
-        oldX -= kPixelsPerTick;
+        oldX = std::max(oldX - kPixelsPerTick, -width()); // held: the timer may run on for days
         if (oldX <= -width()) {
             previousWidget->hide();
             previousWidget->move(restX, oldY);
@@ -71,8 +71,9 @@ void RollStackWidget::onSettingTimerTimeout()
     }
 
     const bool oldIsOut = !previousWidget || oldX <= -width();
-    const bool newIsIn = !currentWidget || newX <= restX; // clearCurrent() may have taken it in mid-slide
-    if (oldIsOut && newIsIn) {
+    const bool nothingMoves = !previousWidget && !currentWidget;
+    // A new page that was cleared in mid-slide never arrives: the timer then runs until the next change of page.
+    if (nothingMoves || (oldIsOut && newX <= restX)) {
         previousWidget = nullptr;
         rollTimer.stop();
     }

@@ -35,6 +35,7 @@ private slots:
     void markerDrag_data();
     void markerDrag();
     void markerIsMaskedToItsImage();
+    void markerIsWhiteAlone();
     void markerTakesAColour();
     void pressOnTheRing();
     void pressBesideTheRing();
@@ -294,6 +295,20 @@ void TestColorPaletteBox::markerIsMaskedToItsImage()
         QVERIFY(painted > 150);
         for (int i = 0; i < image.width(); ++i) // the whole triangle is on it
             QVERIFY(image.pixelColor(i, 0).alpha() < 64 && image.pixelColor(0, i).alpha() < 64);
+    }
+}
+
+void TestColorPaletteBox::markerIsWhiteAlone()
+{
+    for (int hue = 0; hue < 360; hue += 45) {
+        marker->setButtonColor(QColor::fromHsv(hue, 255, 255));
+        const QImage image =
+            marker->pixmap(Qt::ReturnByValue).toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);
+        for (int y = 0; y < image.height(); ++y) {
+            const auto *row = reinterpret_cast<const QRgb *>(image.constScanLine(y));
+            for (int x = 0; x < image.width(); ++x) // also where its edge is smoothed
+                QCOMPARE(partsOf(row[x]), QList<int>({qAlpha(row[x]), qAlpha(row[x]), qAlpha(row[x])}));
+        }
     }
 }
 

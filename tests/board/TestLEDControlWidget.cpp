@@ -2,6 +2,8 @@
 #include "board/Ovryn_SendColorToLed.h"
 #include "ui/Fonts.h"
 
+#include <QTimer>
+
 /// What the user does on the LED page, and the frames that follow.
 class TestLEDControlWidget : public QObject
 {
@@ -34,6 +36,7 @@ private slots:
     void dragOfADisabledButton();
     void dragOfASteadyColour_data();
     void dragOfASteadyColour();
+    void dragOfASteadyColourNeedsNoDelay();
     void resetWithACustomColour();
     void resetAtTheSingleBreath();
     void resetWithoutACustomColour();
@@ -375,6 +378,20 @@ void TestLEDControlWidget::dragOfASteadyColour()
     world->page->setCurrentBindColorCircleButtonColor(QColor(4, 5, 6));
     QTEST(world->frames(), "atOnce");
     QCOMPARE(world->custom(0)->getColor(), QColor(4, 5, 6));
+}
+
+/// Also while the edited button is the selected one, whose frame would otherwise follow after the delay.
+void TestLEDControlWidget::dragOfASteadyColourNeedsNoDelay()
+{
+    world->setControllerType(3);
+    world->openInMode(LedMode::SingleBright);
+    bind(0);
+    QVERIFY(world->custom(0)->isChecked());
+    world->driver.forgetCalls();
+    world->page->setCurrentBindColorCircleButtonColor(QColor(1, 2, 3));
+    const QStringList frame{"08 00 32 02 01 02 03 BD"};
+    QCOMPARE(world->frames(), frame);
+    QVERIFY(!world->page->findChild<QTimer *>(QString(), Qt::FindDirectChildrenOnly)->isActive());
 }
 
 void TestLEDControlWidget::resetWithACustomColour()

@@ -2,6 +2,8 @@
 #include "support/ConnectWarnings.h"
 #include "ui/Fonts.h"
 
+#include <QPainter>
+
 /// The LCD page as it comes up, how it looks and how it goes.
 class TestLcdControllorWidgetStart : public QObject
 {
@@ -27,6 +29,8 @@ private slots:
     void geometry_data();
     void geometry();
     void painting();
+    void captionsHaveTheirFonts_data();
+    void captionsHaveTheirFonts();
     void fieldsShowWholeNames_data();
     void fieldsShowWholeNames();
     void longNamesShowTheirBeginning();
@@ -338,6 +342,56 @@ void TestLcdControllorWidgetStart::longNamesShowTheirBeginning()
     LcdPageWorld::press(world.normalKey(), 0x22);
     QCOMPARE(world.normalKey()->cursorPosition(), 0);
     QCOMPARE(world.normalKey()->toolTip(), QStringLiteral("PageDown"));
+}
+
+void TestLcdControllorWidgetStart::captionsHaveTheirFonts_data()
+{
+    QTest::addColumn<int>("language");
+    QTest::addColumn<QString>("family");
+    QTest::newRow("Chinese") << int(kLanguageChinese) << QStringLiteral("微软雅黑");
+    QTest::newRow("English") << int(kLanguageEnglish) << QStringLiteral("Arial");
+}
+
+void TestLcdControllorWidgetStart::captionsHaveTheirFonts()
+{
+    QFETCH(int, language);
+    QFETCH(QString, family);
+    LcdPageWorld world;
+    world.openClean();
+    Ovryn_LanguageTable table;
+    table.setLanguage(language);
+    world.page->setLanguage(table.lcd, language);
+    QImage page(LcdPageWorld::kPageSize, QImage::Format_ARGB32_Premultiplied);
+    page.fill(Qt::transparent);
+    world.page->render(&page, QPoint(), QRegion(), QWidget::RenderFlags()); // without the controls
+
+    QFont font(family);
+    font.setPixelSize(15);
+    font.setWeight(50);
+    const QFontMetrics metrics(font);
+    const LcdPageLayout layout =
+        lcdPageLayoutFor(LcdPageWorld::kPageSize, {0, 0, metrics.horizontalAdvance(table.lcd.time),
+                                                   metrics.horizontalAdvance(table.lcd.hotkey)});
+    const auto glassWith = [](const QRect &place, const QFont &captionFont, int flags, const QString &text) {
+        QImage image(LcdPageWorld::kPageSize, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        QPainter painter(&image);
+        painter.fillRect(image.rect(), QColor(252, 10, 53, 60));
+        painter.setFont(captionFont);
+        painter.setPen(Qt::white);
+        painter.drawText(place, flags, text);
+        return image.copy(place);
+    };
+    constexpr int kCaption = Qt::AlignLeft | Qt::AlignVCenter;
+    QFont heavier = font;
+    heavier.setWeight(63);
+    QFont plusFont = font;
+    plusFont.setFamily(QStringLiteral("Arial"));
+    QCOMPARE(page.copy(layout.timeCaption), glassWith(layout.timeCaption, font, kCaption, table.lcd.time));
+    if (language == kLanguageEnglish) // the Chinese font has one face for both
+        QVERIFY(page.copy(layout.timeCaption) != glassWith(layout.timeCaption, heavier, kCaption, table.lcd.time));
+    QCOMPARE(page.copy(layout.hotkeyCaption), glassWith(layout.hotkeyCaption, font, kCaption, table.lcd.hotkey));
+    QCOMPARE(page.copy(layout.plus), glassWith(layout.plus, plusFont, Qt::AlignCenter, QStringLiteral("+")));
 }
 
 QTEST_MAIN(TestLcdControllorWidgetStart)

@@ -1,4 +1,5 @@
 #include "e2e/InstalledProgram.h"
+#include "e2e/ShownWindows.h"
 #include "e2e/VirtualScreen.h"
 
 #include <QApplication>
@@ -61,11 +62,13 @@ void TestOddStarts::folderThatIsGone()
     QVERIFY(QFile::setPermissions(place.filePath(QStringLiteral("runtime")),
                                   QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
     const QString executable = folder + QStringLiteral("/OvrynDeck2");
-    QVERIFY(QFile::copy(QStringLiteral(OVRYN_PROGRAM), executable));
+    QVERIFY(QFile::copy(QStringLiteral(OVRYN_PROGRAM_NOTING_ITS_WINDOWS), executable));
 
     QProcess program;
     QProcessEnvironment environment = screen.environment();
     environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), place.filePath(QStringLiteral("runtime")));
+    const QString notes = place.filePath(QStringLiteral("windows.jsonl"));
+    environment.insert(QStringLiteral("OVRYN_WINDOW_NOTES"), notes);
     program.setProcessEnvironment(environment);
     program.setWorkingDirectory(place.path());
     program.start(QStringLiteral("bash"),
@@ -87,6 +90,10 @@ void TestOddStarts::folderThatIsGone()
         }(),
         kPatienceMs);
     QCOMPARE(program.state(), QProcess::Running); // it waits for its one button
+    const QList<QJsonObject> boxes = shownWindows(notes, "Ovryn_MessageBox");
+    QCOMPARE(boxes.size(), 1);
+    QCOMPARE(describedBox(boxes.first()),
+             QStringLiteral("未知错误发生\r\nAn unknown error has occurred | 微软雅黑 | 确定/Comfirm | 0x2041803"));
     size = screen.geometryOf(box).size();
     screen.click(screen.geometryOf(box).topLeft() + QPoint(size.width() / 2, size.height() - 10 - 15));
     QVERIFY(program.state() == QProcess::NotRunning || program.waitForFinished(kPatienceMs));

@@ -1,4 +1,5 @@
 #include "e2e/ProgramTest.h"
+#include "e2e/ShownWindows.h"
 
 #include <QTest>
 
@@ -11,6 +12,7 @@ class TestStart : public ProgramTest
 private slots:
     void firstStart();
     void windowHasNoFrame();
+    void windowHasItsFlags();
     void driverCallsOfDetection();
     void driverCallsOfTheAdjustPage();
     void driverCallsOfASample();
@@ -101,6 +103,21 @@ void TestStart::windowHasNoFrame()
     // Left, right, top and bottom of what the window manager draws around it: no title bar, so no button to close it.
     QTRY_COMPARE_WITH_TIMEOUT(propertyOf(window, "_NET_FRAME_EXTENTS").section(QLatin1Char('='), 1).trimmed(),
                               QStringLiteral("0, 0, 0, 0"), kPatienceMs);
+    closeByButton(program, window);
+}
+
+void TestStart::windowHasItsFlags()
+{
+    InstalledProgram program(screen, QStringLiteral(OVRYN_PROGRAM_NOTING_ITS_WINDOWS));
+    const QString notes = program.path(QStringLiteral("windows.jsonl"));
+    program.setVariable(QStringLiteral("OVRYN_WINDOW_NOTES"), notes);
+    program.writeConfig(kQuietConfig);
+    const qint64 window = startedWindow(program);
+    QVERIFY(window != 0);
+    const QList<QJsonObject> shown = shownWindows(notes, "OvrynDeck2");
+    QCOMPARE(shown.size(), 1);
+    constexpr int kWindow = 0x1; // what every window is
+    QCOMPARE(shown.first().value(QStringLiteral("flags")).toInt(), 0x4800 | kWindow);
     closeByButton(program, window);
 }
 
@@ -233,16 +250,23 @@ void TestStart::secondStartBringsTheWindowToTheFront()
 void TestStart::noCard_data()
 {
     QTest::addColumn<QByteArray>("config");
-    QTest::newRow("fresh installation") << QByteArray();
-    QTest::newRow("English") << QByteArray(kQuietConfig);
+    QTest::addColumn<QString>("box");
+    // Text, family, button and window flags: 0x2001000 as given, a dialog, without a frame, on top of everything.
+    const QString chinese = QStringLiteral("未发现英伟达显卡! | 微软雅黑 | 确定 | 0x2041803");
+    const QString english = QStringLiteral("No nvidia card found | Arial | Confirm | 0x2041803");
+    QTest::newRow("fresh installation") << QByteArray() << chinese;
+    QTest::newRow("English") << QByteArray(kQuietConfig) << english;
+    QTest::newRow("a language that there isn't") << QByteArray(kQuietConfig).replace("lang_en", "klingon") << english;
     QTest::newRow("to start minimized")
-        << QByteArray(kQuietConfig).replace("MinimizeOnStart=\"0\"", "MinimizeOnStart=\"1\"");
+        << QByteArray(kQuietConfig).replace("MinimizeOnStart=\"0\"", "MinimizeOnStart=\"1\"") << english;
 }
 
 void TestStart::noCard()
 {
     QFETCH(QByteArray, config);
-    InstalledProgram program(screen);
+    InstalledProgram program(screen, QStringLiteral(OVRYN_PROGRAM_NOTING_ITS_WINDOWS));
+    const QString notes = program.path(QStringLiteral("windows.jsonl"));
+    program.setVariable(QStringLiteral("OVRYN_WINDOW_NOTES"), notes);
     program.useScene(QStringLiteral("no-card.json"));
     if (!config.isEmpty())
         program.writeConfig(config);
@@ -250,6 +274,10 @@ void TestStart::noCard()
     const qint64 box = program.waitForBox();
     QVERIFY(box != 0);
     QCOMPARE(program.mainWindow(), qint64(0));
+    QCOMPARE(shownWindows(notes, "OvrynDeck2").size(), 0);
+    const QList<QJsonObject> boxes = shownWindows(notes, "Ovryn_MessageBox");
+    QCOMPARE(boxes.size(), 1);
+    QTEST(describedBox(boxes.first()), "box");
     QCOMPARE(program.configText(QStringLiteral("LastStartDate")), today());
     const QSize size = screen.geometryOf(box).size();
     program.clickIn(box, QPoint(size.width() / 2, size.height() - 10 - 15));

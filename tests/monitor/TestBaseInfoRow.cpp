@@ -1,6 +1,7 @@
 #include "monitor/Ovryn_BaseInfoRow.h"
 
 #include "monitor/WidgetPainting.h"
+#include "ui/PaintedTexts.h"
 
 #include <QCheckBox>
 #include <QSignalSpy>
@@ -21,6 +22,8 @@ private slots:
     void valuesStandInTheirSlots();
     void titleIsPaintedOnlyWithoutTheCheckBox();
     void loneTitleStandsAtTheLeftAtTwelvePixels();
+    void fontsOfItsTexts();
+    void paintsAtOnce();
     void tinyRowsPaintWithoutComplaint_data();
     void tinyRowsPaintWithoutComplaint();
 };
@@ -160,6 +163,39 @@ void TestBaseInfoRow::loneTitleStandsAtTheLeftAtTwelvePixels()
     QCOMPARE(shown, titleAt(12, 0));
     QVERIFY(shown != titleAt(14, 0)); // the check box's size
     QVERIFY(shown != titleAt(12, 1));
+}
+
+void TestBaseInfoRow::fontsOfItsTexts()
+{
+    Ovryn_BaseInfoRow row;
+    row.setFont(QFont(QStringLiteral("DS-Digital")));
+    row.resize(344, 52);
+    row.setText(QStringLiteral("GPU Clock"));
+    row.setValues(QStringLiteral("1607"), QStringLiteral("1800"), QStringLiteral("139"));
+    row.setCheckBoxVisible(false);
+    PaintedTexts device(row.size());
+    row.render(&device, QPoint(), QRegion(), QWidget::RenderFlags());
+    QList<PaintedText> expected;
+    for (const char *value : {"1607", "MAX:", "1800", "MIN:", "139"})
+        expected.append({value, "Arial", 14, 50, false});
+    expected.append({"GPU Clock", "DS-Digital", 12, 50, false}); // the row's own family
+    QVERIFY2(device.texts == expected, qPrintable(described(device.texts)));
+}
+
+void TestBaseInfoRow::paintsAtOnce()
+{
+    Ovryn_BaseInfoRow row;
+    row.resize(344, 52);
+    row.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&row));
+    QCoreApplication::processEvents();
+    PaintCounter counter(row);
+    row.setText(QStringLiteral("GPU Clock"));
+    QCOMPARE(counter.paints, 1);
+    row.setValues(QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3"));
+    QCOMPARE(counter.paints, 2);
+    row.setCheckBoxVisible(false);
+    QCOMPARE(counter.paints, 3);
 }
 
 void TestBaseInfoRow::tinyRowsPaintWithoutComplaint_data()

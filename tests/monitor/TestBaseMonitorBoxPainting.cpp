@@ -2,6 +2,7 @@
 
 #include "monitor/MonitorBoxFixture.h"
 #include "monitor/WidgetPainting.h"
+#include "ui/PaintedTexts.h"
 
 #include <QPainterPath>
 #include <QtTest>
@@ -43,6 +44,9 @@ private slots:
     void emptyHistoryHasNoCrosshair();
     void crosshairStandsUntilTheNextRepaint();
     void leavingHidesTheCrosshair();
+    void fontOfTheAxisLabels();
+    void titlePaintsAtOnce();
+    void samplesAndTheMousePaintLater();
     void crosshairSurvivesAShrink();
     void realMouseReachesTheBox();
 };
@@ -265,18 +269,8 @@ void TestBaseMonitorBoxPainting::crosshairStandsUntilTheNextRepaint()
     const auto box = shownBox();
     for (int i = 0; i < 50; ++i)
         box->addData(0);
-    class PaintCounter : public QObject
-    {
-    public:
-        int paints = 0;
-        bool eventFilter(QObject *, QEvent *event) override
-        {
-            paints += event->type() == QEvent::Paint ? 1 : 0;
-            return false;
-        }
-    } counter;
     QCoreApplication::processEvents();
-    box->installEventFilter(&counter);
+    PaintCounter counter(*box);
     moveMouse(*box, QPoint(200, 80));
     QTRY_COMPARE(counter.paints, 1);
     moveMouse(*box, QPoint(100, 80)); // out of the history: forgotten, not repainted
@@ -298,6 +292,45 @@ void TestBaseMonitorBoxPainting::leavingHidesTheCrosshair()
     QEvent leave(QEvent::Leave);
     QCoreApplication::sendEvent(box.get(), &leave);
     QVERIFY(!box->isHovering());
+}
+
+void TestBaseMonitorBoxPainting::fontOfTheAxisLabels()
+{
+    const auto box = shownBox();
+    box->setRange(-5, 120);
+    PaintedTexts device(box->size());
+    box->render(&device, QPoint(), QRegion(), QWidget::RenderFlags());
+    const QList<PaintedText> expected = {{"120", "Arial", 11, 50, false}, {"-5", "Arial", 11, 50, false}};
+    QVERIFY2(device.texts == expected, qPrintable(described(device.texts)));
+}
+
+void TestBaseMonitorBoxPainting::titlePaintsAtOnce()
+{
+    const auto box = shownBox();
+    QCoreApplication::processEvents();
+    const PaintCounter counter(*box);
+    box->setTitle(QStringLiteral("Temp"));
+    QCOMPARE(counter.painted, QRegion(box->rect())); // and not its caption row alone
+}
+
+void TestBaseMonitorBoxPainting::samplesAndTheMousePaintLater()
+{
+    const auto box = shownBox();
+    QCoreApplication::processEvents();
+    PaintCounter counter(*box);
+    const auto paintsLater = [&counter](const auto &act) {
+        counter.paints = 0;
+        act();
+        QCOMPARE(counter.paints, 0);
+        QTRY_COMPARE(counter.paints, 1);
+    };
+    for (int i = 0; i < 3; ++i)
+        paintsLater([&] { box->addData(50); });
+    paintsLater([&] { moveMouse(*box, QPoint(228, 80)); });
+    paintsLater([&] {
+        QEvent leave(QEvent::Leave);
+        QCoreApplication::sendEvent(box.get(), &leave);
+    });
 }
 
 void TestBaseMonitorBoxPainting::crosshairSurvivesAShrink()

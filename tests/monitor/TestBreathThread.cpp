@@ -36,6 +36,32 @@ public slots:
     void recvEnd() { ++ends; }
 };
 
+/// Notes its pauses, and takes none of them.
+class HurryingRenderer : public CreateBreathCircleAndWaveCircleThread
+{
+public:
+    HurryingRenderer() : CreateBreathCircleAndWaveCircleThread(nullptr) {}
+    ~HurryingRenderer() override { endThread(); }
+
+    [[nodiscard]] QList<unsigned int> pausesMs()
+    {
+        QMutexLocker held(&mutex);
+        return pauses;
+    }
+
+protected:
+    void pause(QMutexLocker &held, unsigned int ms) override
+    {
+        pauses << ms;
+        held.unlock();
+        QThread::yieldCurrentThread();
+        held.relock();
+    }
+
+private:
+    QList<unsigned int> pauses; ///< guarded by mutex
+};
+
 bool isEmptyPicture(const QImage &image)
 {
     for (int y = 0; y < image.height(); ++y) {
@@ -62,6 +88,8 @@ private slots:
     void glowKeepsOutsideTheRing();
     void radiiOverlapTheRingByAPixel();
     void aPictureThatIsUsedAgainShowsNothingOld();
+    void itPausesAfterEachFrame_data();
+    void itPausesAfterEachFrame();
     void startingARunningThreadDoesNothing();
     void itStartsAgainAfterItEndedByItself();
     void itGoesOnWhenStartedBeforeItSawTheStop();
@@ -236,6 +264,32 @@ void TestBreathThread::aPictureThatIsUsedAgainShowsNothingOld()
     breath = true;
     follow();
     showNothingOld();
+}
+
+void TestBreathThread::itPausesAfterEachFrame_data()
+{
+    QTest::addColumn<int>("setMs"); // -1 for what it is made with
+    QTest::addColumn<unsigned int>("pauseMs");
+    QTest::newRow("as made") << -1 << 20U;
+    QTest::newRow("set to another time") << 7 << 7U;
+}
+
+void TestBreathThread::itPausesAfterEachFrame()
+{
+    QFETCH(int, setMs);
+    QFETCH(unsigned int, pauseMs);
+    HurryingRenderer renderer;
+    Receiver receiver(renderer);
+    if (setMs >= 0)
+        renderer.setSleepMs(static_cast<unsigned long>(setMs));
+    renderer.startRender();
+    QTRY_VERIFY_WITH_TIMEOUT(receiver.frames >= 5, kPatienceMs);
+    renderer.stopRender();
+    QTRY_COMPARE_WITH_TIMEOUT(receiver.ends, 1, kPatienceMs);
+    const QList<unsigned int> pauses = renderer.pausesMs();
+    QCOMPARE(pauses.size(), receiver.frames - 1); // none after the last
+    for (const unsigned int pause : pauses)
+        QCOMPARE(pause, pauseMs);
 }
 
 void TestBreathThread::startingARunningThreadDoesNothing()

@@ -1,5 +1,6 @@
 #include "monitor/GaugeReadout.h"
 #include "ui/Fonts.h"
+#include "ui/PaintedTexts.h"
 
 #include <QImage>
 #include <QPainter>
@@ -20,6 +21,9 @@ private slots:
     void textsStayInTheirRectangles();
     void alphaGovernsTheWhite();
     void sizesWithoutRoomPaintNothing();
+    void fontsOfTheReadout();
+    void fontsOfTheOverlay_data();
+    void fontsOfTheOverlay();
 };
 
 namespace
@@ -170,6 +174,41 @@ void TestGaugeReadout::sizesWithoutRoomPaintNothing()
         }
     });
     QCOMPARE(strongestAlpha(image, image.rect()), 0);
+}
+
+void TestGaugeReadout::fontsOfTheReadout()
+{
+    PaintedTexts device(QSize(kSide, kSide));
+    QPainter painter(&device);
+    paintReadout(painter, readoutLayoutFor(kSide, kHoleRadius), readoutTextsFor(GaugeDisplayClock, sample()), 255);
+    painter.end();
+    const QList<PaintedText> expected = {{"1911 MHz", "DS-Digital", 42, 75, true},
+                                         {"MAX  ", "Arial", 21, 57, true},
+                                         {"1987", "Arial", 21, 57, true},
+                                         {"MIN   ", "Arial", 21, 57, true},
+                                         {"139", "Arial", 21, 57, true}};
+    QVERIFY2(device.texts == expected, qPrintable(described(device.texts)));
+}
+
+void TestGaugeReadout::fontsOfTheOverlay_data()
+{
+    QTest::addColumn<QString>("family");
+    QTest::newRow("English") << "Arial";
+    QTest::newRow("Chinese") << QStringLiteral("微软雅黑");
+}
+
+void TestGaugeReadout::fontsOfTheOverlay()
+{
+    QFETCH(QString, family);
+    PaintedTexts device(QSize(kSide, kSide));
+    QPainter painter(&device);
+    paintOverlay(painter, overlayLayoutFor(kSide, kHoleRadius, 0.2),
+                 overlayTextsFor(englishWords(), "1911", "1886", -25), family, 255);
+    painter.end();
+    QList<PaintedText> expected;
+    for (const char *text : {"Preset ", "1911", "Present ", "1886", "Dec ", "25"})
+        expected.append({text, family, 25, 50, true});
+    QVERIFY2(device.texts == expected, qPrintable(described(device.texts)));
 }
 
 QTEST_MAIN(TestGaugeReadout)

@@ -1,6 +1,7 @@
 #include "monitor/CreateBreathCircleAndWaveCircleThread.h"
 #include "monitor/Ovryn_CircleButton.h"
 #include "monitor/Ovryn_GpuInfoCircleBox.h"
+#include "monitor/WidgetPainting.h"
 #include "ui/Fonts.h"
 
 #include <QPaintEvent>
@@ -130,6 +131,8 @@ private slots:
     void painting();
     void readoutFollows_data();
     void readoutFollows();
+    void changesArePaintedLater_data();
+    void changesArePaintedLater();
     void aFrameRepaintsAllThatItChanges_data();
     void aFrameRepaintsAllThatItChanges();
     void waterShowsOnTheMemoryReadoutOnly();
@@ -318,22 +321,11 @@ void TestGpuInfoCircleBox::adjustmentDuringTheFadeShowsAtOnce()
 
 void TestGpuInfoCircleBox::closingWithTheOverlayGoneOnlyRepaints()
 {
-    class PaintCounter : public QObject
-    {
-    public:
-        int paints = 0;
-        bool eventFilter(QObject *, QEvent *event) override
-        {
-            paints += event->type() == QEvent::Paint ? 1 : 0;
-            return false;
-        }
-    };
     OpenGauge gauge;
     gauge.showReady();
     QTRY_VERIFY_WITH_TIMEOUT(gauge.renderer->isFinished() && !gauge.background.isNull(), kPatienceMs);
     QCoreApplication::processEvents();
-    PaintCounter counter;
-    gauge.installEventFilter(&counter);
+    PaintCounter counter(gauge);
     QCoreApplication::processEvents();
     QCOMPARE(counter.paints, 0);
     gauge.closeDisplayInfo();
@@ -433,6 +425,45 @@ void TestGpuInfoCircleBox::readoutFollows()
     make(fresh);
     QVERIFY(fresh.painted() != before);
     QCOMPARE(painted.painted(), fresh.painted());
+}
+
+void TestGpuInfoCircleBox::changesArePaintedLater_data()
+{
+    QTest::addColumn<QString>("change");
+    for (const char *change : {"sample", "clock", "temperature", "memory", "adjustment", "end of an adjustment",
+                               "step of the fade", "picture"})
+        QTest::newRow(change) << change;
+}
+
+void TestGpuInfoCircleBox::changesArePaintedLater()
+{
+    QFETCH(QString, change);
+    OpenGauge gauge;
+    gauge.setEnableWave(false); // so that the renderer rests
+    gauge.showReady();
+    QTRY_VERIFY_WITH_TIMEOUT(gauge.renderer->isFinished() && !gauge.background.isNull(), kPatienceMs);
+    if (change == QLatin1String("step of the fade"))
+        gauge.setAdjustInfo("1", "2", 3);
+    QCoreApplication::processEvents();
+    const PaintCounter counter(gauge);
+    if (change == QLatin1String("sample"))
+        gauge.recvNvCardInfo(sample());
+    else if (change == QLatin1String("clock"))
+        gauge.btnFreClock_MouseClick();
+    else if (change == QLatin1String("temperature"))
+        gauge.btnTemperature_MouseClick();
+    else if (change == QLatin1String("memory"))
+        gauge.btnMemory_MouseClick();
+    else if (change == QLatin1String("adjustment"))
+        gauge.setAdjustInfo("1", "2", 3);
+    else if (change == QLatin1String("end of an adjustment"))
+        gauge.closeDisplayInfo();
+    else if (change == QLatin1String("step of the fade"))
+        gauge.onTimer1Timerout();
+    else
+        gauge.recvBkImg(QPixmap(kSide, kSide));
+    QCOMPARE(counter.paints, 0);
+    QTRY_COMPARE_WITH_TIMEOUT(counter.paints, 1, kPatienceMs);
 }
 
 void TestGpuInfoCircleBox::aFrameRepaintsAllThatItChanges_data()

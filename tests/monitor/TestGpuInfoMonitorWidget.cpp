@@ -96,6 +96,7 @@ private slots:
     void rightDragDoesNotScroll();
     void otherEventsReachTheBox();
     void scrollMovesThePicture();
+    void maskIsPaintedAtOnce();
 };
 
 void TestGpuInfoMonitorWidget::boundedScroll_data()
@@ -354,6 +355,15 @@ void TestGpuInfoMonitorWidget::scrollMovesThePicture()
     const QRect caption = whiteBounds(image, QRect(19 + 29, 58, 100, 30));
     QVERIFY(!caption.isEmpty());
     QVERIFY(caption.top() > 60 && caption.bottom() < 86);
+}
+
+void TestGpuInfoMonitorWidget::maskIsPaintedAtOnce()
+{
+    const auto view = shownView(kAll);
+    QCoreApplication::processEvents();
+    const PaintCounter counter(*view);
+    view->setSelectMask(4);
+    QCOMPARE(counter.painted, QRegion(view->rect()));
 }
 
 QTEST_MAIN(TestGpuInfoMonitorWidget)

@@ -24,6 +24,7 @@ private slots:
     void rowsFillTheView_data();
     void rowsFillTheView();
     void redLinesPartTheRows();
+    void sampleIsPaintedAtOnce();
 };
 
 void TestGpuInfoWidget::titles_data()
@@ -144,6 +145,18 @@ void TestGpuInfoWidget::redLinesPartTheRows()
     }
     QCOMPARE(paintedPixels(image, QRect(0, 0, 19, 10)), 0);
     QCOMPARE(paintedPixels(image, QRect(0, 300, 19, 16)), 0); // five lines, none below the last row
+}
+
+void TestGpuInfoWidget::sampleIsPaintedAtOnce()
+{
+    Ovryn_GPUInfoWidget view;
+    view.resize(382, 316);
+    view.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    QCoreApplication::processEvents();
+    const PaintCounter counter(view);
+    view.receiveNvCardBaseInfo(NvCardBaseInfo());
+    QCOMPARE(counter.painted, QRegion(view.rect())); // and not its rows alone
 }
 
 QTEST_MAIN(TestGpuInfoWidget)

@@ -84,6 +84,7 @@ private slots:
     void driverVersionWithoutDevice();
     void bandIsPainted();
     void titleFollowsTheLanguage();
+    void languageIsPaintedLater();
     void everyConnectionHolds();
 };
 
@@ -276,6 +277,17 @@ void TestNvCardInfoWidget::titleFollowsTheLanguage()
     QCOMPARE(page.graphs->box(0)->captionRow()->titleText(), QStringLiteral("GPU Clock"));
     page.widget->setLanguage(Ovryn_LanguageTable().monitor, kLanguageChinese);
     QCOMPARE(paintingOf(*page.widget).copy(band), chinese);
+}
+
+void TestNvCardInfoWidget::languageIsPaintedLater()
+{
+    const Page page = pageWithMask(1);
+    QCoreApplication::processEvents();
+    PaintCounter counter(*page.widget);
+    page.widget->setLanguage(Ovryn_LanguageTable().monitor, kLanguageChinese);
+    const QRegion band(0, 0, 342, 39);          // left of the check box
+    QVERIFY(!counter.painted.intersects(band)); // what shows rows is painted at once
+    QTRY_VERIFY((band - counter.painted).isEmpty());
 }
 
 void TestNvCardInfoWidget::everyConnectionHolds()

@@ -1,6 +1,8 @@
 #include "monitor/RingSegment.h"
 #include "ui/Fonts.h"
+#include "ui/PaintedTexts.h"
 
+#include <QPainter>
 #include <QtMath>
 #include <QtTest>
 
@@ -23,6 +25,8 @@ private slots:
     void pictureHasTheColour();
     void captionReadsTheRightWay_data();
     void captionReadsTheRightWay();
+    void captionHasItsFont_data();
+    void captionHasItsFont();
     void extremeSizes_data();
     void extremeSizes();
 };
@@ -179,6 +183,25 @@ void TestRingSegment::captionReadsTheRightWay()
         }
     }
     QVERIFY2(2 * before > 3 * after && after > 0, qPrintable(QString("%1 before, %2 after").arg(before).arg(after)));
+}
+
+void TestRingSegment::captionHasItsFont_data()
+{
+    QTest::addColumn<QString>("family");
+    QTest::newRow("Arial") << "Arial";
+    QTest::newRow("another family") << "DS-Digital";
+}
+
+void TestRingSegment::captionHasItsFont()
+{
+    QFETCH(QString, family);
+    PaintedTexts device(QSize(kSide, kSide));
+    QPainter painter(&device);
+    RingSegment{kSide, kBand, RingSegmentMemory, "AB", family}.paint(painter, Qt::red);
+    painter.end();
+    // 40 / 2.5 pixels; each letter on its own, and at the bottom from the last one on.
+    const QList<PaintedText> expected = {{"B", family, 16, 57, true}, {"A", family, 16, 57, true}};
+    QVERIFY2(device.texts == expected, qPrintable(described(device.texts)));
 }
 
 void TestRingSegment::extremeSizes_data()

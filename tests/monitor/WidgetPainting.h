@@ -3,8 +3,10 @@
 #include "ui/Fonts.h"
 
 #include <QApplication>
+#include <QEvent>
 #include <QFont>
 #include <QImage>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QWidget>
 
@@ -24,6 +26,25 @@ inline QImage paintingOf(QWidget &widget)
     widget.render(&painter, QPoint(), QRegion(), QWidget::DrawChildren);
     return image;
 }
+
+/// Counts the paintings of a widget: repaint() paints before it comes back, update() when events are handled.
+class PaintCounter : public QObject
+{
+public:
+    explicit PaintCounter(QWidget &widget) { widget.installEventFilter(this); }
+
+    int paints = 0;
+    QRegion painted; ///< by all of them
+
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint) {
+            ++paints;
+            painted += static_cast<QPaintEvent *>(event)->region();
+        }
+        return false;
+    }
+};
 
 /// How many pixels of the rectangle carry paint of at least the given opacity.
 inline int paintedPixels(const QImage &image, const QRect &rect, int leastAlpha = 1)

@@ -14,6 +14,7 @@ private slots:
     void initTestCase();
     void registered_data();
     void registered();
+    void orderOfRegistering();
     void resolved_data();
     void resolved();
 };
@@ -37,6 +38,14 @@ void TestFonts::registered()
 {
     QFETCH(QString, family);
     QVERIFY(QFontDatabase().families().contains(family));
+}
+
+/// The toolkit numbers the fonts as they come.
+void TestFonts::orderOfRegistering()
+{
+    QCOMPARE(QFontDatabase::applicationFontFamilies(0), QStringList("Ovryn Hei"));
+    QCOMPARE(QFontDatabase::applicationFontFamilies(1), QStringList("Ovryn Wide"));
+    QCOMPARE(QFontDatabase::applicationFontFamilies(2), QStringList("Ovryn Segment"));
 }
 
 void TestFonts::resolved_data()

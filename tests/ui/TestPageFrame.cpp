@@ -1,8 +1,10 @@
 #include "ui/PageFrame.h"
 
 #include "ui/Fonts.h"
+#include "ui/PaintedTexts.h"
 
 #include <QImage>
+#include <QPainter>
 #include <QTest>
 
 class TestPageFrame : public QObject
@@ -20,6 +22,9 @@ private slots:
     void paintedAt_data();
     void paintedAt();
     void titleStaysInItsRectangle();
+    void titleHasItsFont_data();
+    void titleHasItsFont();
+    void fontOfTheVersion();
     void emptySizeGivesNoPicture();
 };
 
@@ -127,6 +132,55 @@ void TestPageFrame::titleStaysInItsRectangle()
             }
     QVERIFY(changed > 100);
     QVERIFY2(leftmost - titleRect.left() < 5, "the title stands at the left of its rectangle");
+}
+
+void TestPageFrame::titleHasItsFont_data()
+{
+    QTest::addColumn<int>("language");
+    QTest::addColumn<QString>("family");
+    QTest::addColumn<QString>("otherFamily");
+    QTest::addColumn<QString>("title");
+    QTest::newRow("Chinese") << 0 << QStringLiteral("微软雅黑") << "Arial" << QStringLiteral("灯效 LED");
+    QTest::newRow("English") << 1 << "Arial" << QStringLiteral("微软雅黑") << "Light";
+}
+
+void TestPageFrame::titleHasItsFont()
+{
+    QFETCH(int, language);
+    QFETCH(QString, family);
+    QFETCH(QString, otherFamily);
+    QFETCH(QString, title);
+    const QSize size(300, 200);
+    const QRect place(60, 0, 200, 40);
+    const auto titledIn = [&](const QString &fontFamily, int weight, int pixels) {
+        QImage image = PageFrame::background(size, 40, place, QString(), 20, language).toImage();
+        QFont font(fontFamily);
+        font.setPixelSize(pixels);
+        font.setWeight(weight);
+        QPainter painter(&image);
+        painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
+        painter.setFont(font);
+        painter.setPen(Qt::white);
+        painter.drawText(place, Qt::AlignLeft | Qt::AlignVCenter, title);
+        return image;
+    };
+    const QImage shown = PageFrame::background(size, 40, place, title, 20, language).toImage();
+    QCOMPARE(shown, titledIn(family, 63, 20));
+    if (language == 1) // the Chinese font has one face for both
+        QVERIFY(shown != titledIn(family, 50, 20));
+    QVERIFY(shown != titledIn(otherFamily, 63, 20));
+    QVERIFY(shown != titledIn(family, 63, 21));
+}
+
+void TestPageFrame::fontOfTheVersion()
+{
+    PaintedTexts device(QSize(300, 40));
+    QPainter painter(&device);
+    PageFrame::paintBandVersion(painter, QFont(QStringLiteral("DS-Digital")), 39, QRect(200, 0, 100, 39),
+                                QStringLiteral("388.13"));
+    painter.end();
+    QVERIFY2(device.texts == QList<PaintedText>({{"388.13", "DS-Digital", 19, 50, false}}),
+             qPrintable(described(device.texts)));
 }
 
 void TestPageFrame::emptySizeGivesNoPicture()

@@ -307,6 +307,12 @@ void TestRollStackWidget::clearedInMidSlide()
     tick(20);
     QVERIFY(a->isHidden());
     QCOMPARE(a->x(), 0);
+    QVERIFY(timer->isActive()); // the page that was cleared never arrives
+    stack->showStack();
+    stack->setCurrentWidget(c);
+    QCOMPARE(c->x(), kStartX);
+    tick(9);
+    QCOMPARE(c->x(), 0);
     QVERIFY(!timer->isActive());
 }
 
