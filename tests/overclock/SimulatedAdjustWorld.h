@@ -26,6 +26,7 @@ public:
     CheckedDriver driver;
     std::unique_ptr<NvGpuControl> control;
     std::unique_ptr<Ovryn_OverClockingWidget> page;
+    QStringList watch; ///< what the page said of its fan: "on" or "off", and how many orders the card had got by then
 
     SimulatedAdjustWorld()
     {
@@ -53,9 +54,9 @@ public:
         Ovryn_ConfigFile file(filePath());
         AdjustModuleInfo saved;
         if (file.load() && file.getAdjustModule(kName, kBoard, saved))
-            show(new Ovryn_OverClockingWidget(saved, control.get(), nullptr, kTimings));
+            show(new Ovryn_OverClockingWidget(saved, control.get(), nullptr, kTimings, noteWatch()));
         else
-            show(new Ovryn_OverClockingWidget(control.get(), nullptr, kTimings));
+            show(new Ovryn_OverClockingWidget(control.get(), nullptr, kTimings, noteWatch()));
     }
     void save(const AdjustModuleInfo &values) const
     {
@@ -118,6 +119,8 @@ public:
         return list;
     }
 
+    [[nodiscard]] QStringList fanOrders() const { return orders().filter(QStringLiteral("fan")); }
+
 private:
     static constexpr AdjustTimings kTimings{1, 5};
     const QString kName = QStringLiteral("GeForce GTX 1070 Ti");
@@ -146,6 +149,13 @@ private:
             list << "fan " + number(level["level"]) + " policy " + number(level["policy"]);
         }
         return list;
+    }
+
+    FanWatch noteWatch()
+    {
+        return [this](bool followsCurve) {
+            watch << QStringLiteral("%1 after %2").arg(followsCurve ? "on" : "off").arg(fanOrders().size());
+        };
     }
 
     [[nodiscard]] QString filePath() const { return folder.filePath(QStringLiteral("config.xml")); }

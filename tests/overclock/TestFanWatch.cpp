@@ -1,0 +1,159 @@
+#include "overclock/AdjustCalls.h"
+#include "overclock/SimulatedAdjustWorld.h"
+#include "support/FakeDriver.h"
+
+#include <QtTest>
+
+/// Whom the page tells that a fan follows a curve, so that somebody hands it back should the program die.
+class TestFanWatch : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void beginsBeforeTheFirstOrder();
+    void beginsWithASavedCurve();
+    void endsWithAnotherMode_data();
+    void endsWithAnotherMode();
+    void endsWithDefault();
+    void endsWithThePage();
+    void refusedModeGivesTheFanToTheDriver();
+    void goesOnWhileTheDriverRefuses();
+    void levelOfTheUserIsNobodysToWatch();
+
+private:
+    static void applyMode(SimulatedAdjustWorld &world, const char *button)
+    {
+        world.click(button);
+        world.apply();
+    }
+    /// Opens the page and puts the fan on the curve; waits for its first order.
+    static void followCurve(SimulatedAdjustWorld &world)
+    {
+        world.open();
+        applyMode(world, "btnFanUserDefined");
+        QTRY_VERIFY(!world.fanOrders().isEmpty());
+        QCOMPARE(world.watch, QStringList("on after 0"));
+        world.watch.clear();
+    }
+};
+
+namespace
+{
+
+const QString kToDriver = QStringLiteral("fan 0 policy 32");
+
+constexpr int kRecordVersions = 2; // in which a level is ordered before it counts as refused
+
+} // namespace
+
+void TestFanWatch::beginsBeforeTheFirstOrder()
+{
+    SimulatedAdjustWorld world;
+    followCurve(world);
+    applyMode(world, "btnFanUserDefined");
+    QCOMPARE(world.watch, QStringList()); // it follows the curve already
+}
+
+void TestFanWatch::beginsWithASavedCurve()
+{
+    SimulatedAdjustWorld world;
+    AdjustModuleInfo saved;
+    saved.FanMode = 7; // every mode but the first two is the curve
+    world.save(saved);
+    world.open();
+    QCOMPARE(world.watch, QStringList("on after 0"));
+}
+
+void TestFanWatch::endsWithAnotherMode_data()
+{
+    QTest::addColumn<QByteArray>("button");
+    QTest::newRow("automatic") << QByteArray("btnFanAuto");
+    QTest::newRow("by hand") << QByteArray("btnFanManual");
+}
+
+void TestFanWatch::endsWithAnotherMode()
+{
+    QFETCH(QByteArray, button);
+    SimulatedAdjustWorld world;
+    followCurve(world);
+    applyMode(world, button);
+    const int orders = world.fanOrders().size(); // the curve's thread has ended
+    QCOMPARE(world.watch, QStringList(QStringLiteral("off after %1").arg(orders)));
+}
+
+void TestFanWatch::endsWithDefault()
+{
+    SimulatedAdjustWorld world;
+    followCurve(world);
+    world.click("btnDefault");
+    QCOMPARE(world.watch.size(), 1);
+    QVERIFY(world.watch.first().startsWith(QLatin1String("off")));
+    QCOMPARE(world.fanOrders().last(), kToDriver);
+}
+
+void TestFanWatch::endsWithThePage()
+{
+    SimulatedAdjustWorld world;
+    followCurve(world);
+    world.page.reset();
+    QCOMPARE(world.watch.size(), 1);
+    QVERIFY(world.watch.first().startsWith(QLatin1String("off")));
+    QCOMPARE(world.fanOrders().last(), kToDriver);
+}
+
+void TestFanWatch::refusedModeGivesTheFanToTheDriver()
+{
+    FakeDriver driver;
+    NvGpuControl control;
+    QList<bool> watch;
+    Ovryn_OverClockingWidget page(&control, nullptr, AdjustTimings{1, 5},
+                                  [&watch](bool followsCurve) { watch << followsCurve; });
+    page.resize(382, 394);
+    page.show();
+    const auto apply = [&page](const char *button) {
+        ModalAnswer answers({"msgBoxYesBtn"});
+        for (const char *name : {button, "btnApply"})
+            QTest::mouseClick(namedChild<QPushButton>(page, name), Qt::LeftButton);
+        QCOMPARE(answers.problems(), QStringList());
+    };
+    apply("btnFanUserDefined");
+    QTRY_VERIFY(!driver.calls("NvAPI_GPU_SetCoolerLevels").isEmpty());
+
+    // From the first order of the GUI thread on, which comes after the end of the curve's thread: the level by hand
+    // is refused, and the order after it taken. Before each level the cooler's range is read.
+    QThread *const guiThread = QThread::currentThread();
+    bool refused = false;
+    driver.onCall("NvAPI_GPU_GetCoolerSettings", [&] {
+        if (QThread::currentThread() != guiThread || refused)
+            return;
+        refused = true;
+        driver.fails("NvAPI_GPU_SetCoolerLevels", NVAPI_ERROR, 1, kRecordVersions);
+    });
+    apply("btnFanManual");
+    QVERIFY(refused);
+    QCOMPARE(watch, QList<bool>({true, false}));
+    QCOMPARE(driver.calls("NvAPI_GPU_SetCoolerLevels").last(), kFanHandedBack);
+}
+
+void TestFanWatch::goesOnWhileTheDriverRefuses()
+{
+    SimulatedAdjustWorld world;
+    followCurve(world);
+    world.fails(simulated::Operation::NvAPI_GPU_SetCoolerLevels, 0);
+    applyMode(world, "btnFanAuto");
+    QCOMPARE(world.watch, QStringList());
+    world.page.reset();
+    QCOMPARE(world.watch, QStringList()); // somebody else has to try, after the end of the process
+}
+
+void TestFanWatch::levelOfTheUserIsNobodysToWatch()
+{
+    SimulatedAdjustWorld world;
+    world.open();
+    applyMode(world, "btnFanManual");
+    world.page.reset();
+    QCOMPARE(world.watch, QStringList());
+}
+
+QTEST_MAIN(TestFanWatch)
+#include "TestFanWatch.moc"
