@@ -50,12 +50,13 @@ public:
     }
 
 protected:
-    void pause(QMutexLocker &held, unsigned int ms) override
+    bool pause(QMutexLocker &held, unsigned int ms) override
     {
         pauses << ms;
         held.unlock();
         QThread::yieldCurrentThread();
         held.relock();
+        return true;
     }
 
 private:
