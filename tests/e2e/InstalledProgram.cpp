@@ -41,7 +41,7 @@ InstalledProgram::~InstalledProgram()
     if (followed)
         QProcess::execute(QStringLiteral("kill"), {QStringLiteral("-KILL"), QString::number(followed)});
     const QStringList left = violations();
-    if (!wrongCallsAreMeant && !left.isEmpty() && !QTest::currentTestFailed())
+    if (!left.isEmpty() && !QTest::currentTestFailed())
         QTest::qFail(qPrintable("no card would be asked this: " + left.first()), __FILE__, __LINE__);
 }
 
