@@ -207,13 +207,14 @@ void Ovryn_OverClockingWidget::restoreDefaults()
 {
     stopFanThread();
     gpuControl->restoreDefaults();
-    fanLeftCurve(false);                         // it says nothing of its order to the fan
     kept.fill(AdjustModuleInfo::kNeverAdjusted); // what was adjusted before must not come back with the next start
     QThread::msleep(timings.settleMs);
 
     current.fanMode = FanAuto;
     current.linkOfPowerWithTemperature = false;
     readDevice();
+    // The operation says nothing of its order to the fan, the card does.
+    fanLeftCurve(kAdjustRows[RowFan].wasRead(current) && current.cooler.currentPolicy != kCoolerPolicyManual);
     showParam(current);
     applied = current;
     hideApplyAndCancel();

@@ -105,7 +105,7 @@ private slots:
     void intervalChangesWithTheNextSleep();
     void changeOfIntervalWaitsForTheCycle();
     void destructionWaitsForTheCycle();
-    void destructionInALongSleepTerminates();
+    void destructionWakesALongSleep();
     void destructionWithoutAStart();
 
 private:
@@ -390,7 +390,7 @@ void TestSendNvCardInfoThread::changeOfIntervalWaitsForTheCycle()
 void TestSendNvCardInfoThread::destructionWaitsForTheCycle()
 {
     // One call slower than the 2000 ms that the destructor grants the thread: only the mutex can have kept the
-    // cycle from being cut off. The stop is seen at the end of the next cycle, after the sleep.
+    // cycle from being cut off. No other cycle follows it.
     QSemaphore inCycle;
     std::atomic<bool> slow{true};
     std::atomic<int> sensorsRead{0};
@@ -404,26 +404,19 @@ void TestSendNvCardInfoThread::destructionWaitsForTheCycle()
     worker->startSampling();
     QVERIFY(inCycle.tryAcquire(1, 5000));
     worker.reset();
-    QCOMPARE(sensorsRead.load(), 8);
+    QCOMPARE(sensorsRead.load(), 4);
 }
 
-void TestSendNvCardInfoThread::destructionInALongSleepTerminates()
+void TestSendNvCardInfoThread::destructionWakesALongSleep()
 {
-#ifdef __SANITIZE_THREAD__
-    QSKIP("the thread sanitizer ends the program when a thread is cancelled");
-#endif
     RecordReceiver receiver;
     auto worker = std::make_unique<Ovryn_SendNvCardInfoThread>(control.get());
-    worker->setRefreshTime(600000);
+    worker->setRefreshTime(3600 * 1000); // longer than this program may take
     receiver.listenTo(*worker, Qt::QueuedConnection);
     worker->startSampling();
     QTRY_COMPARE(receiver.boardInfos.size(), 1);
     QTRY_VERIFY(!worker->isStopped()); // the mutex is free again: the thread sleeps
-    QElapsedTimer clock;
-    clock.start();
     worker.reset();
-    QVERIFY2(clock.elapsed() >= 1990, "the thread was not given its 2000 ms");
-    QVERIFY2(clock.elapsed() < 60000, "the destructor waited for the sleep to end");
     QCoreApplication::processEvents();
     QCOMPARE(receiver.boardInfos.size(), 1);
 }
