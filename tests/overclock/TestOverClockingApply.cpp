@@ -271,12 +271,12 @@ void TestOverClockingApply::restoreDefaults()
     saved.Nodes = kSteepCurve;
     saved.LinkOfPowerWithTemperature = true;
     AdjustPageWorld world;
+    world.card().coolers.cooler[0].currentPolicy = 0x20; // as a card answers after Default's order to its fan
     world.open(saved);
     world.type(RowGpuClock, 1800);
     if (fanMode == 2)
         QTRY_VERIFY(!world.fanWrites().isEmpty());
     QSignalSpy modeSpy(world.page.get(), SIGNAL(highPerformanceModeChanged(bool)));
-    world.card().coolers.cooler[0].currentPolicy = 0x20; // as a card answers after the order to its fan
 
     world.driver.forgetCalls();
     world.click("btnDefault"); // asks nothing
