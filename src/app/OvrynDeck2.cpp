@@ -1,25 +1,17 @@
 #include "app/OvrynDeck2.h"
 
 #include "app/MainDialogStyle.h"
-#include "board/Ovryn_BoardInfoMainWidget.h"
-#include "board/Ovryn_ColorPaletteBox.h"
-#include "board/Ovryn_LCDControllorWidget.h"
-#include "board/Ovryn_LEDControlWidget.h"
+#include "app/Tray.h"
+#include "app/UpdateFlow.h"
 #include "device/NvGpuControl.h"
-#include "device/WorkerThread.h"
 #include "guard/FanGuard.h"
 #include "monitor/Ovryn_BackgroundEffects.h"
-#include "monitor/Ovryn_GpuFixedInfo.h"
-#include "monitor/Ovryn_GpuInfoCircleBox.h"
-#include "monitor/Ovryn_NvCardInfoWidget.h"
-#include "monitor/Ovryn_SendNvCardInfoThread.h"
 #include "overclock/Ovryn_OverClockingWidget.h"
 #include "platform/EndSignals.h"
 #include "platform/FileSync.h"
 #include "ui/Ovryn_ComboBox.h"
 #include "ui/Ovryn_SettingParentWidget.h"
 #include "ui/RollStackWidget.h"
-#include "update/Ovryn_DownloadUpdateFileInfo.h"
 
 #include <QCoreApplication>
 #include <QKeyEvent>
@@ -43,7 +35,6 @@ OvrynDeck2::OvrynDeck2(QWidget *parent, const PageTimings &pauses)
       pageTimings(pauses),
       fanGuard(new FanGuard(
           QCoreApplication::applicationDirPath() + QLatin1Char('/') + QLatin1String(kFanGuardProgram), this)),
-      updateDownloader(new Ovryn_DownloadUpdateFileInfo(this)),
       configFile(Ovryn_ConfigFile::usualPath(), syncToDisk)
 {
     // First, since the start shows a box and takes its time.
@@ -53,10 +44,11 @@ OvrynDeck2::OvrynDeck2(QWidget *parent, const PageTimings &pauses)
     registerDeviceMetaTypes();
     buildButtons();
 
+    QList<GpuCardInfo> cards;
     {
         NvGpuControl control;
         detectedCards = int(control.gpuCount());
-        cardInfos = detectCards(control);
+        cards = detectCards(control);
     }
 
     configFile.load(); // a file that can't be used leaves the defaults
@@ -64,51 +56,26 @@ OvrynDeck2::OvrynDeck2(QWidget *parent, const PageTimings &pauses)
     configFile.getUpdateSetting(updateSetting);
     languageTable.setLanguage(languageNumberOf(generalSetting.Language));
 
-    for (const GpuCardInfo &card : qAsConst(cardInfos))
-        buildCardPages(card);
+    buildCardPages(cards);
     settingPanel = new Ovryn_SettingParentWidget(generalSetting, updateSetting, this);
     settingPanel->hide();
 
-    buildTray();
+    tray = new Tray(this);
+    updateFlow = new UpdateFlow(configFile, generalSetting, updateSetting, languageTable, this);
     applyLanguage();
-    if (!cardInfos.isEmpty())
+    if (!cardPageSets.empty())
         showCard(0);
     connectWidgets();
 
     resize(background.isNull() ? kSizeWithoutPicture : background.size());
-    checkUpdateOnStart();
+    updateFlow->checkOnStart(SLOT(onDownloadUpdateFileFinished(bool)));
 }
 
 OvrynDeck2::~OvrynDeck2()
 {
     endWorkers();
-    for (CardPageSet &pages : cardPageSets) {
-        WorkerThread::endAndDelete(pages.infoWorker); // one that hangs in the driver stays
-        delete pages.lcdPage;
-        delete pages.ledPage;
-        delete pages.adjustPage;
-        pages.gpuControl.reset();
-    }
-}
-
-void OvrynDeck2::endWork()
-{
-    if (!closedOnce)
-        keepEverything();
-    closedOnce = true;
-    endWorkers();
-}
-
-void OvrynDeck2::endWorkers()
-{
-    for (const CardPageSet &pages : qAsConst(cardPageSets)) {
-        pages.infoWorker->requestEnd();
-        pages.lcdPage->requestEnd();
-        pages.ledPage->requestEnd();
-        pages.adjustPage->requestEnd();
-    }
-    for (const CardPageSet &pages : qAsConst(cardPageSets))
-        pages.adjustPage->handFanBack();
+    for (std::unique_ptr<CardPageSet> &pages : cardPageSets) // card by card, in their order
+        pages.reset();
 }
 
 void OvrynDeck2::buildWidgets()
@@ -142,26 +109,21 @@ void OvrynDeck2::buildButtons()
     btnSetting = newButton("btnSetting", MainDialogStyle::pictureButton(QStringLiteral("setting")), false);
     btnMinimize = newButton("btnMinimize", MainDialogStyle::pictureButton(QStringLiteral("minimize")), false);
     btnClose = newButton("btnClose", MainDialogStyle::pictureButton(QStringLiteral("close")), false);
-    btnGpuFixedInfo = newButton("btnGpuFixedInfo", MainDialogStyle::pictureButton(QStringLiteral("info")), true);
-    btnMonitor = newButton("btnMonitor", MainDialogStyle::textButton(), true);
-    btnAdjust = newButton("btnAdjust", MainDialogStyle::textButton(), true);
-    btnBoardTempInfo = newButton("btnBoardTempInfo", MainDialogStyle::textButton(), true);
     btnHighPerformance = newButton("btnHighPerformance", MainDialogStyle::highPerformanceSwitch(), true);
-    btnFirstSlot = newButton("btnFirstSlot", MainDialogStyle::slotButton(QStringLiteral("first")), true);
-    btnSecondSlot = newButton("btnSecondSlot", MainDialogStyle::slotButton(QStringLiteral("second")), true);
+    for (std::size_t index = 0; index < kPageButtons.size(); ++index)
+        pageButtons[index] = newButton(kPageButtons[index].objectName, kPageButtons[index].styleSheet(), true);
 
-    btnHighPerformance->hide();
-    btnBoardTempInfo->hide();
-    btnFirstSlot->hide();
-    btnSecondSlot->hide();
-    pageButtons = {btnMonitor, btnAdjust, btnBoardTempInfo, btnGpuFixedInfo, btnFirstSlot, btnSecondSlot};
+    for (QPushButton *button : {btnHighPerformance, pageButtons[BoardTempButton], pageButtons[FirstSlotButton],
+                                pageButtons[SecondSlotButton]})
+        button->hide();
 }
 
 void OvrynDeck2::connectWidgets()
 {
-    connect(btnMonitor, SIGNAL(clicked(bool)), this, SLOT(onBtnMonitorClicked(bool)));
-    connect(btnAdjust, SIGNAL(clicked(bool)), this, SLOT(onBtnAdjustClicked(bool)));
-    connect(btnGpuFixedInfo, SIGNAL(clicked(bool)), this, SLOT(onBtnGpuFixedClicked(bool)));
+    for (std::size_t index = 0; index < kPageButtons.size(); ++index) {
+        if (kPageButtons[index].slot)
+            connect(pageButtons[index], SIGNAL(clicked(bool)), this, kPageButtons[index].slot);
+    }
     connect(btnHighPerformance, SIGNAL(clicked(bool)), this, SLOT(onBtnHighPerformanceClicked(bool)));
     connect(btnSetting, SIGNAL(released()), this, SLOT(onBtnSettingClick()));
     connect(btnClose, SIGNAL(released()), this, SLOT(onBtnCloseClick()));
@@ -172,136 +134,68 @@ void OvrynDeck2::connectWidgets()
     connect(settingPanel, SIGNAL(refreshTimeChanged()), this, SLOT(onSettingWidgetRefreshTimeChanged()));
     connect(settingPanel, SIGNAL(detectUpdate()), this, SLOT(manualDetectUpdate()));
     connect(&moveCircleWidgetTimer, SIGNAL(timeout()), this, SLOT(onMoveCircleWidgetTimerTimeout()));
-    // btnBoardTempInfo stays unconnected: no button leads to the board temperatures.
+    connect(tray, SIGNAL(activated(QSystemTrayIcon::ActivationReason)), this,
+            SLOT(onActivatedSysTrayIcon(QSystemTrayIcon::ActivationReason)));
+    connect(tray, SIGNAL(displayChosen()), this, SLOT(onShowMainAction()));
+    connect(tray, SIGNAL(exitChosen()), this, SLOT(onExitAppAction()));
 }
 
-void OvrynDeck2::buildCardPages(const GpuCardInfo &card)
+void OvrynDeck2::buildCardPages(const QList<GpuCardInfo> &cards)
 {
-    CardPageSet pages;
-    pages.gpuControl = std::make_shared<NvGpuControl>();
-    pages.gpuControl->setCurrentGpu(card.gpuIndex);
-
-    NvGpuControl *const control = pages.gpuControl.get();
-    pages.ledPage = newLedPage(card, control);
-    pages.lcdPage = newLcdPage(card, control);
-    pages.monitorPage = newMonitorPage(card, control);
-    pages.adjustPage = newAdjustPage(card, control);
-    pages.boardInfoPage = new Ovryn_BoardInfoMainWidget(this);
-    pages.circleBox = new Ovryn_GpuInfoCircleBox(this);
-    applyPageEffects(card, pages.circleBox);
-    pages.colorPalette = new Ovryn_ColorPaletteBox(this);
-    pages.fixedInfoPage = new Ovryn_GpuFixedInfo(this);
-    pages.infoWorker = new Ovryn_SendNvCardInfoThread(control, this, pageTimings.sampleIntervalMs);
-
-    connectCardPages(pages);
-    pages.infoWorker->startSampling();
-
-    const QList<QWidget *> rollingPages = {pages.monitorPage, pages.adjustPage,    pages.ledPage,
-                                           pages.lcdPage,     pages.fixedInfoPage, pages.boardInfoPage};
-    for (QWidget *page : rollingPages)
-        pageStack->addWidget(page);
-    circleStack->addWidget(pages.circleBox);
-    circleStack->addWidget(pages.colorPalette);
-
-    cardPageSets.append(pages);
-    cmbGpu->addItem(card.displayName, card.gpuIndex);
+    const Ovryn_ConfigFile *const saved = generalSetting.ApplyLastParamOnStart ? &configFile : nullptr;
+    for (const GpuCardInfo &card : cards) {
+        auto pages = std::make_unique<CardPageSet>(card, saved, pageTimings, *fanGuard, this);
+        connect(pages->adjust(), SIGNAL(highPerformanceModeChanged(bool)), this,
+                SLOT(onHighPerformanceModeChanged(bool)));
+        for (QWidget *page : pages->rollingPages())
+            pageStack->addWidget(page);
+        for (QWidget *widget : pages->gaugeWidgets())
+            circleStack->addWidget(widget);
+        cmbGpu->addItem(card.displayName, card.gpuIndex);
+        cardPageSets.push_back(std::move(pages));
+    }
+    applyPageEffects();
 }
 
-void OvrynDeck2::connectCardPages(const CardPageSet &pages)
+QList<GpuCardInfo> OvrynDeck2::cards() const
 {
-    connect(pages.ledPage, SIGNAL(colorButtonHasDoubleClick(QColor)), pages.colorPalette, SLOT(adjustColor(QColor)));
-    connect(pages.colorPalette, SIGNAL(colorChanged(QColor)), pages.ledPage,
-            SLOT(setCurrentBindColorCircleButtonColor(QColor)));
-    connect(pages.adjustPage, SIGNAL(adjustChanged(QString, QString, int)), pages.circleBox,
-            SLOT(setAdjustInfo(QString, QString, int)));
-    connect(pages.adjustPage, SIGNAL(closeDisplayAdjustInfo()), pages.circleBox, SLOT(closeDisplayInfo()));
-    connect(pages.adjustPage, SIGNAL(highPerformanceModeChanged(bool)), this,
-            SLOT(onHighPerformanceModeChanged(bool)));
-    connect(pages.infoWorker, SIGNAL(sendNvCardInfo(NvCardBaseInfo)), pages.monitorPage,
-            SLOT(recvNvCardInfo(NvCardBaseInfo)));
-    connect(pages.infoWorker, SIGNAL(sendNvCardInfo(NvCardBaseInfo)), pages.circleBox,
-            SLOT(recvNvCardInfo(NvCardBaseInfo)));
-    connect(pages.infoWorker, SIGNAL(sendNVCardFixedInfo(NvInfo)), pages.fixedInfoPage,
-            SLOT(recvGpuFixedInfo(NvInfo)));
-    connect(pages.circleBox, SIGNAL(setLcdDisplayMode(LCDDisplayMode)), pages.lcdPage,
-            SLOT(setLCDCurrentDisplayMode(LCDDisplayMode)));
-    // sendBoardTempCompleteInfo stays unconnected, as btnBoardTempInfo does.
+    QList<GpuCardInfo> list;
+    for (const std::unique_ptr<CardPageSet> &pages : cardPageSets)
+        list << pages->card();
+    return list;
 }
 
-Ovryn_LEDControlWidget *OvrynDeck2::newLedPage(const GpuCardInfo &card, NvGpuControl *control)
+CardPageSet *OvrynDeck2::shownPages() const
 {
-    LedModuleInfo saved;
-    if (generalSetting.ApplyLastParamOnStart && configFile.getLedModule(card.gpuName, card.subSystemId, saved))
-        return new Ovryn_LEDControlWidget(saved, control, this, pageTimings.led);
-    return new Ovryn_LEDControlWidget(control, this, pageTimings.led);
-}
-
-Ovryn_LCDControllorWidget *OvrynDeck2::newLcdPage(const GpuCardInfo &card, NvGpuControl *control)
-{
-    LcdModuleInfo saved;
-    if (generalSetting.ApplyLastParamOnStart && configFile.getLcdModule(card.gpuName, card.subSystemId, saved))
-        return new Ovryn_LCDControllorWidget(saved, control, this, pageTimings.lcdFrameIntervalMs);
-    return new Ovryn_LCDControllorWidget(control, this, pageTimings.lcdFrameIntervalMs);
-}
-
-Ovryn_NvCardInfoWidget *OvrynDeck2::newMonitorPage(const GpuCardInfo &card, NvGpuControl *control)
-{
-    unsigned int selectOption = 0;
-    if (generalSetting.ApplyLastParamOnStart &&
-        configFile.getMonitorModule(card.gpuName, card.subSystemId, selectOption))
-        return new Ovryn_NvCardInfoWidget(selectOption, control, this);
-    return new Ovryn_NvCardInfoWidget(control, this);
-}
-
-Ovryn_OverClockingWidget *OvrynDeck2::newAdjustPage(const GpuCardInfo &card, NvGpuControl *control)
-{
-    const FanWatch fanWatch = [this, gpuIndex = card.gpuIndex](bool followsCurve) {
-        if (followsCurve)
-            fanGuard->watch(gpuIndex);
-        else
-            fanGuard->release(gpuIndex);
-    };
-    AdjustModuleInfo saved;
-    if (generalSetting.ApplyLastParamOnStart && configFile.getAdjustModule(card.gpuName, card.subSystemId, saved))
-        return new Ovryn_OverClockingWidget(saved, control, this, pageTimings.adjust, fanWatch);
-    return new Ovryn_OverClockingWidget(control, this, pageTimings.adjust, fanWatch);
-}
-
-const GpuCardInfo *OvrynDeck2::shownCardInfo() const
-{
-    return currentCard >= 0 && currentCard < cardInfos.size() ? &cardInfos.at(currentCard) : nullptr;
-}
-
-const CardPageSet *OvrynDeck2::shownPages() const
-{
-    return currentCard >= 0 && currentCard < cardPageSets.size() ? &cardPageSets.at(currentCard) : nullptr;
+    const auto index = std::size_t(currentCard);
+    return currentCard >= 0 && index < cardPageSets.size() ? cardPageSets[index].get() : nullptr;
 }
 
 void OvrynDeck2::showCard(int index)
 {
     currentCard = index;
-    const GpuCardInfo *card = shownCardInfo();
-    if (!card)
+    const CardPageSet *const pages = shownPages();
+    if (!pages)
         return;
-    assignSlotButtons(*card);
-    backgroundEffects->setVisible(card->family == kFamilyOvryn);
-    btnHighPerformance->setVisible(offersHighPerformance(*card));
-    btnHighPerformance->setChecked(shownPages()->adjustPage->isHighPerformance());
+    assignSlotButtons(pages->card());
+    backgroundEffects->setVisible(pages->card().family == kFamilyOvryn);
+    btnHighPerformance->setVisible(offersHighPerformance(pages->card()));
+    btnHighPerformance->setChecked(pages->adjust()->isHighPerformance());
 }
 
 void OvrynDeck2::assignSlotButtons(const GpuCardInfo &card)
 {
-    for (QPushButton *button : {btnFirstSlot, btnSecondSlot}) {
+    for (QPushButton *button : {pageButtons[FirstSlotButton], pageButtons[SecondSlotButton]}) {
         disconnect(button, SIGNAL(clicked(bool)), this, SLOT(onBtnLEDClicked(bool)));
         disconnect(button, SIGNAL(clicked(bool)), this, SLOT(onBtnLCDClicked(bool)));
         button->hide();
     }
-    QPushButton *next = btnFirstSlot;
+    QPushButton *next = pageButtons[FirstSlotButton];
     if (card.hasLed) {
         next->setText(QStringLiteral("LED"));
         connect(next, SIGNAL(clicked(bool)), this, SLOT(onBtnLEDClicked(bool)));
         next->show();
-        next = btnSecondSlot;
+        next = pageButtons[SecondSlotButton];
     }
     if (card.hasLcd) {
         next->setText(QStringLiteral("LCD"));
@@ -355,24 +249,23 @@ void OvrynDeck2::paintEvent(QPaintEvent *)
 void OvrynDeck2::resizeEvent(QResizeEvent *)
 {
     layoutRects = mainDialogLayout(size());
+    for (std::size_t index = 0; index < kPageButtons.size(); ++index)
+        pageButtons[index]->setGeometry(layoutRects.*kPageButtons[index].place);
     const QList<QPair<QWidget *, QRect>> places = {
         {cmbGpu, layoutRects.selector},
-        {btnMonitor, layoutRects.monitorButton},
-        {btnAdjust, layoutRects.adjustButton},
-        {btnBoardTempInfo, layoutRects.boardTempButton},
         {btnHighPerformance, layoutRects.highPerformanceButton},
-        {btnGpuFixedInfo, layoutRects.fixedInfoButton},
         {btnSetting, layoutRects.settingButton},
         {btnMinimize, layoutRects.minimizeButton},
         {btnClose, layoutRects.closeButton},
-        {btnFirstSlot, layoutRects.firstSlotButton},
-        {btnSecondSlot, layoutRects.secondSlotButton},
         {circleStack, pagePanelShown ? layoutRects.gaugeShown : layoutRects.gaugeHome},
         {pageStack, layoutRects.pagePanel},
     };
     for (const auto &place : places)
         place.first->setGeometry(place.second);
     settingPanel->move(settingPanelPosition(size(), settingPanel->size()));
-    MainDialogStyle::setCaptionFonts({btnMonitor, btnAdjust, btnBoardTempInfo, btnHighPerformance}, {});
-    MainDialogStyle::setCaptionFonts({btnFirstSlot, btnSecondSlot}, QStringLiteral("Space Age"));
+    MainDialogStyle::setCaptionFonts(
+        {pageButtons[MonitorButton], pageButtons[AdjustButton], pageButtons[BoardTempButton], btnHighPerformance},
+        {});
+    MainDialogStyle::setCaptionFonts({pageButtons[FirstSlotButton], pageButtons[SecondSlotButton]},
+                                     QStringLiteral("Space Age"));
 }

@@ -1,15 +1,8 @@
 #include "app/OvrynDeck2.h"
 
-#include "board/Ovryn_BoardInfoMainWidget.h"
-#include "board/Ovryn_ColorPaletteBox.h"
-#include "board/Ovryn_LCDControllorWidget.h"
-#include "board/Ovryn_LEDControlWidget.h"
 #include "monitor/Ovryn_BackgroundEffects.h"
-#include "monitor/Ovryn_GpuFixedInfo.h"
-#include "monitor/Ovryn_GpuInfoCircleBox.h"
-#include "monitor/Ovryn_NvCardInfoWidget.h"
 #include "overclock/Ovryn_OverClockingWidget.h"
-#include "ui/Ovryn_MessageBox.h"
+#include "ui/MessageBoxes.h"
 #include "ui/Ovryn_MessageBox1.h"
 #include "ui/Ovryn_SettingParentWidget.h"
 #include "ui/RollStackWidget.h"
@@ -28,29 +21,27 @@ bool firstHighPerformancePrompt = true;
 
 void OvrynDeck2::onBtnMonitorClicked(bool)
 {
-    openPage(MonitorPage, btnMonitor);
+    openPage(MonitorButton);
 }
 
 void OvrynDeck2::onBtnAdjustClicked(bool bChecked)
 {
     // The warning guards the way in only; a click that closes the page asks nothing.
     if (bChecked && firstAdjustPrompt) {
-        Ovryn_MessageBox box(Ovryn_MessageBox::TwoButtons, QString(), languageTable.mainDialog.adjustWarning,
-                             languageTable.language(), this, Qt::WindowFlags(Ovryn_MessageBox::usualWindowFlags));
-        if (box.exec() != Ovryn_MessageBox::Yes) {
-            btnAdjust->setChecked(false);
+        if (!ask(languageTable.mainDialog.adjustWarning, languageTable.language(), this)) {
+            pageButtons[AdjustButton]->setChecked(false);
             return;
         }
         firstAdjustPrompt = false;
     }
-    openPage(AdjustPage, btnAdjust);
+    openPage(AdjustButton);
 }
 
 void OvrynDeck2::onBtnLEDClicked(bool)
 {
     if (settingPanel->isShowing())
         settingPanel->setShowSettingWidget(false);
-    openPage(LedPage, btnFirstSlot);
+    openPage(FirstSlotButton);
     update();
 }
 
@@ -60,31 +51,31 @@ void OvrynDeck2::onBtnLCDClicked(bool)
         settingPanel->setShowSettingWidget(false);
     // The second slot, also where the first one carries the LCD: the page change then unchecks the very
     // button that was clicked. Wanted: cards with an LCD alone have always behaved so.
-    openPage(LcdPage, btnSecondSlot);
+    openPage(SecondSlotButton);
     update();
 }
 
 void OvrynDeck2::onBtnGpuFixedClicked(bool)
 {
-    openPage(FixedInfoPage, btnGpuFixedInfo);
+    openPage(FixedInfoButton);
 }
 
 void OvrynDeck2::onBtnBoardTempInfoClicked(bool)
 {
-    openPage(BoardTempPage, btnBoardTempInfo);
+    openPage(BoardTempButton);
 }
 
-void OvrynDeck2::openPage(int page, QPushButton *button)
+void OvrynDeck2::openPage(PageButtonIndex button)
 {
-    currentPage = page;
-    changePage(button);
+    currentPage = kPageButtons[button].page;
+    changePage(pageButtons[button]);
 }
 
 void OvrynDeck2::changePage(QPushButton *clicked)
 {
     leaveFields();
     bool anyChecked = false;
-    for (QPushButton *button : qAsConst(pageButtons)) {
+    for (QPushButton *button : pageButtons) {
         if (!button->isChecked())
             continue;
         anyChecked = true;
@@ -100,7 +91,7 @@ void OvrynDeck2::changePage(QPushButton *clicked)
         pageStack->clearCurrent(); // so that the next page slides in again
         currentPage = HomePage;
         if (const CardPageSet *pages = shownPages())
-            circleStack->setCurrentWidget(pages->circleBox);
+            circleStack->setCurrentWidget(pages->view(HomePage).beside);
         backgroundEffects->moveIn();
     }
     moveCircleWidgetTimer.start();
@@ -125,61 +116,27 @@ void OvrynDeck2::leaveFields()
     setFocus();
 }
 
-void OvrynDeck2::rollTo(QWidget *page)
-{
-    leaveFields();
-    pageStack->showStack();
-    pageStack->setCurrentWidget(page);
-}
-
 void OvrynDeck2::selectPage()
 {
-    const CardPageSet *pages = shownPages();
-    const GpuCardInfo *card = shownCardInfo();
-    if (!pages || !card)
+    const CardPageSet *const pages = shownPages();
+    if (!pages)
         return;
-
-    QWidget *beside = pages->circleBox;
-    switch (currentPage) {
-    case HomePage:
-        break;
-    case MonitorPage:
-        rollTo(pages->monitorPage);
-        break;
-    case AdjustPage:
-        rollTo(pages->adjustPage);
-        break;
-    case LedPage:
-        if (card->hasLed) {
-            rollTo(pages->ledPage);
-            beside = pages->colorPalette;
-        } else {
-            rollTo(pages->fixedInfoPage);
-        }
-        break;
-    case LcdPage:
-        if (card->hasLcd)
-            rollTo(pages->lcdPage);
-        else
-            rollTo(pages->fixedInfoPage);
-        break;
-    case FixedInfoPage:
-        rollTo(pages->fixedInfoPage);
-        break;
-    case BoardTempPage:
-        rollTo(pages->boardInfoPage);
-        break;
+    const CardPageSet::View view = pages->view(currentPage);
+    if (view.page) {
+        leaveFields();
+        pageStack->showStack();
+        pageStack->setCurrentWidget(view.page);
     }
-    circleStack->setCurrentWidget(beside);
+    circleStack->setCurrentWidget(view.beside);
 }
 
 void OvrynDeck2::onBtnHighPerformanceClicked(bool checked)
 {
-    const CardPageSet *pages = shownPages();
-    if (!pages || checked == pages->adjustPage->isHighPerformance())
+    const CardPageSet *const pages = shownPages();
+    if (!pages || checked == pages->adjust()->isHighPerformance())
         return;
-    pages->adjustPage->setHighPerformance(checked);
-    btnHighPerformance->setChecked(pages->adjustPage->isHighPerformance()); // back where the card refused
+    pages->adjust()->setHighPerformance(checked);
+    btnHighPerformance->setChecked(pages->adjust()->isHighPerformance()); // back where the card refused
 }
 
 void OvrynDeck2::onHighPerformanceModeChanged(bool bEnable)
@@ -189,8 +146,8 @@ void OvrynDeck2::onHighPerformanceModeChanged(bool bEnable)
 
 void OvrynDeck2::afterShow()
 {
-    const GpuCardInfo *card = shownCardInfo();
-    if (!firstHighPerformancePrompt || !card || !offersHighPerformance(*card))
+    const CardPageSet *const pages = shownPages();
+    if (!firstHighPerformancePrompt || !pages || !offersHighPerformance(pages->card()))
         return;
     firstHighPerformancePrompt = false;
 

@@ -1,30 +1,21 @@
 #include "app/OvrynDeck2.h"
 
-#include "board/Ovryn_BoardInfoMainWidget.h"
-#include "device/NvGpuControl.h"
+#include "app/Tray.h"
+#include "app/UpdateFlow.h"
 #include "device/WorkerThread.h"
-#include "monitor/Ovryn_GpuFixedInfo.h"
-#include "monitor/Ovryn_GpuInfoCircleBox.h"
-#include "monitor/Ovryn_NvCardInfoWidget.h"
-#include "monitor/Ovryn_SendNvCardInfoThread.h"
-#include "overclock/Ovryn_OverClockingWidget.h"
 #include "platform/AutoStart.h"
 #include "platform/QtSingleApplication.h"
-#include "ui/Ovryn_MessageBox.h"
+#include "ui/MessageBoxes.h"
 #include "ui/Ovryn_SettingParentWidget.h"
 
-#include <QAction>
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QDate>
-#include <QIcon>
-#include <QMenu>
 #include <QPushButton>
 
 namespace
 {
 
-constexpr int kTrayMenuMinimumWidth = 150;
 constexpr int kMillisecondsPerSecond = 1000;
 
 /// With a cycle of a worker when the system ends the session: Windows gives a process five seconds in all.
@@ -33,28 +24,6 @@ constexpr unsigned long kPatienceOfTheSystemMs = 2000;
 } // namespace
 
 // ---- tray and closing -------------------------------------------------------------------------------
-
-void OvrynDeck2::buildTray()
-{
-    showMainAction = new QAction(this);
-    exitAppAction = new QAction(this);
-    connect(showMainAction, SIGNAL(triggered()), this, SLOT(onShowMainAction()));
-    connect(exitAppAction, SIGNAL(triggered()), this, SLOT(onExitAppAction()));
-
-    trayMenu = new QMenu(this);
-    trayMenu->setFont(QFont(QStringLiteral("微软雅黑")));
-    trayMenu->setMinimumWidth(kTrayMenuMinimumWidth);
-    trayMenu->addAction(showMainAction);
-    trayMenu->addSeparator();
-    trayMenu->addAction(exitAppAction);
-
-    trayIcon = new QSystemTrayIcon(QIcon(QStringLiteral(":/images/images/icon.png")), this);
-    trayIcon->setToolTip(QStringLiteral("OvrynDeck2"));
-    trayIcon->setContextMenu(trayMenu);
-    connect(trayIcon, SIGNAL(activated(QSystemTrayIcon::ActivationReason)), this,
-            SLOT(onActivatedSysTrayIcon(QSystemTrayIcon::ActivationReason)));
-    trayIcon->show();
-}
 
 void OvrynDeck2::bringBack()
 {
@@ -89,16 +58,14 @@ void OvrynDeck2::onBtnMinimizeClick()
 
 void OvrynDeck2::onBtnCloseClick()
 {
-    Ovryn_MessageBox box(Ovryn_MessageBox::TwoButtons, QString(), languageTable.mainDialog.exitQuestion,
-                         languageTable.language(), this, Qt::WindowFlags(Ovryn_MessageBox::usualWindowFlags));
-    if (box.exec() == Ovryn_MessageBox::Yes)
+    if (ask(languageTable.mainDialog.exitQuestion, languageTable.language(), this))
         close();
 }
 
 void OvrynDeck2::closeEvent(QCloseEvent *event)
 {
     keepEverything();
-    trayIcon->hide(); // the workers may take their time; nothing of the program is to be seen meanwhile
+    tray->hide(); // the workers may take their time; nothing of the program is to be seen meanwhile
     QDialog::closeEvent(event);
     closedOnce = true;
     emit closed();
@@ -111,6 +78,22 @@ void OvrynDeck2::onEndDemanded()
         close();
 }
 
+void OvrynDeck2::endWork()
+{
+    if (!closedOnce)
+        keepEverything();
+    closedOnce = true;
+    endWorkers();
+}
+
+void OvrynDeck2::endWorkers()
+{
+    for (const std::unique_ptr<CardPageSet> &pages : cardPageSets)
+        pages->requestEnd();
+    for (const std::unique_ptr<CardPageSet> &pages : cardPageSets)
+        pages->handFanBack();
+}
+
 void OvrynDeck2::onCommitDataRequest()
 {
     keepEverything(); // the others of the session, or the user, may still call its end off
@@ -121,21 +104,8 @@ void OvrynDeck2::keepEverything()
     pullSettings();
     configFile.setGeneralSetting(generalSetting);
     configFile.setUpdateSetting(updateSetting);
-    for (int i = 0; i < cardPageSets.size(); ++i) {
-        const GpuCardInfo &card = cardInfos.at(i);
-        LcdModuleInfo lcd;
-        cardPageSets.at(i).lcdPage->getLcdModuleInfo(lcd);
-        configFile.setLcdModule(card.gpuName, card.subSystemId, lcd);
-        AdjustModuleInfo adjust;
-        cardPageSets.at(i).adjustPage->getParameter(adjust);
-        configFile.setAdjustModule(card.gpuName, card.subSystemId, adjust);
-        int selectOption = 0;
-        cardPageSets.at(i).monitorPage->getSelectOption(&selectOption);
-        configFile.setMonitorModule(card.gpuName, card.subSystemId, quint32(selectOption));
-        LedModuleInfo led;
-        cardPageSets.at(i).ledPage->getLedModuleInfo(led);
-        configFile.setLedModule(card.gpuName, card.subSystemId, led);
-    }
+    for (const std::unique_ptr<CardPageSet> &pages : cardPageSets)
+        pages->keepSettings(configFile);
     setStartOnBoot(generalSetting.StartOnBoot, QCoreApplication::applicationFilePath());
     configFile.setLastCloseDate(QDate::currentDate());
     configFile.save(); // a failed write goes unnoticed by design
@@ -168,45 +138,50 @@ void OvrynDeck2::onSettingWidgetLanguageChanged()
 void OvrynDeck2::onSettingWidgetPageEffectChanged()
 {
     pullSettings();
-    for (int i = 0; i < cardPageSets.size(); ++i)
-        applyPageEffects(cardInfos.at(i), cardPageSets.at(i).circleBox);
+    applyPageEffects();
+}
+
+void OvrynDeck2::applyPageEffects()
+{
+    const bool advanced = generalSetting.PageEffects == QLatin1String("advanced");
+    for (const std::unique_ptr<CardPageSet> &pages : cardPageSets)
+        pages->setAdvancedEffects(advanced);
 }
 
 void OvrynDeck2::onSettingWidgetRefreshTimeChanged()
 {
     pullSettings();
-    for (const CardPageSet &pages : qAsConst(cardPageSets))
-        pages.infoWorker->setRefreshTime(unsigned(generalSetting.RefreshTimeOfMonitor * kMillisecondsPerSecond));
-}
-
-void OvrynDeck2::applyPageEffects(const GpuCardInfo &card, Ovryn_GpuInfoCircleBox *circleBox)
-{
-    const bool advanced = generalSetting.PageEffects == QLatin1String("advanced");
-    circleBox->setEnableBreathingCircle(advanced && card.variantCode != 0);
-    circleBox->setEnableWave(advanced);
+    for (const std::unique_ptr<CardPageSet> &pages : cardPageSets)
+        pages->setRefreshTime(unsigned(generalSetting.RefreshTimeOfMonitor * kMillisecondsPerSecond));
 }
 
 void OvrynDeck2::applyLanguage()
 {
     const Lang_MainDialog &words = languageTable.mainDialog;
-    btnMonitor->setText(words.monitor);
-    btnAdjust->setText(words.adjust);
-    btnBoardTempInfo->setText(words.boardTemp);
+    for (std::size_t index = 0; index < kPageButtons.size(); ++index) {
+        if (kPageButtons[index].caption)
+            pageButtons[index]->setText(words.*kPageButtons[index].caption);
+    }
     btnHighPerformance->setText(words.onOff);
-    showMainAction->setText(words.display);
-    exitAppAction->setText(words.exit);
+    tray->setLanguage(words);
     settingPanel->setLanguage(languageTable.setting, languageTable.language());
-    for (const CardPageSet &pages : qAsConst(cardPageSets))
-        handWordsTo(pages);
+    for (const std::unique_ptr<CardPageSet> &pages : cardPageSets)
+        pages->setLanguage(languageTable);
 }
 
-void OvrynDeck2::handWordsTo(const CardPageSet &pages)
+// ---- update -----------------------------------------------------------------------------------------
+
+void OvrynDeck2::manualDetectUpdate()
 {
-    pages.monitorPage->setLanguage(languageTable.monitor, languageTable.language());
-    pages.adjustPage->setLanguage(languageTable.overClock, languageTable.language());
-    pages.ledPage->setLanguage(languageTable.led, languageTable.language());
-    pages.lcdPage->setLanguage(languageTable.lcd, languageTable.language());
-    pages.fixedInfoPage->setLanguage(languageTable.gpuFixedInfo, languageTable.language());
-    pages.circleBox->setLanguage(languageTable.breathCircle, languageTable.language());
-    pages.boardInfoPage->setLanguage(languageTable.boardInfo, languageTable.language());
+    updateFlow->startCheck(SLOT(onDownloadUpdateFileFinished1(bool)));
+}
+
+void OvrynDeck2::onDownloadUpdateFileFinished(bool resut)
+{
+    updateFlow->answer(resut, UpdateTrigger::Automatic);
+}
+
+void OvrynDeck2::onDownloadUpdateFileFinished1(bool resut)
+{
+    updateFlow->answer(resut, UpdateTrigger::Manual);
 }

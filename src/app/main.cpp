@@ -126,8 +126,8 @@ int run(int argc, char **argv)
     });
     // A session manager may end the program without closing its window.
     QApplication::setFallbackSessionManagementEnabled(false); // it would close what is shown, but not what is hidden
-    QObject::connect(&application, SIGNAL(commitDataRequest(QSessionManager &)), &dialog,
-                     SLOT(onCommitDataRequest()), Qt::DirectConnection);
+    QObject::connect(&application, SIGNAL(commitDataRequest(QSessionManager &)), &dialog, SLOT(onCommitDataRequest()),
+                     Qt::DirectConnection);
     QObject::connect(&application, &QApplication::aboutToQuit, &dialog, [&dialog] {
         limitShutdown(EXIT_SUCCESS, dialog.cardCount());
         dialog.endWork();

@@ -4,7 +4,7 @@
 #include "board/Ovryn_GlobalShortCut.h"
 #include "board/Ovryn_HotKeyEdit.h"
 #include "ui/ModifySpinBox.h"
-#include "ui/Ovryn_MessageBox.h"
+#include "ui/MessageBoxes.h"
 #include "ui/PageFrame.h"
 #include "ui/UiStyle.h"
 
@@ -173,11 +173,9 @@ void Ovryn_LCDControllorWidget::onCancelClick()
 
 void Ovryn_LCDControllorWidget::onConfirmClick()
 {
-    Ovryn_MessageBox box(Ovryn_MessageBox::TwoButtons, QString(), texts.applyQuestion, languageType, this,
-                         Qt::WindowFlags(Ovryn_MessageBox::usualWindowFlags));
-    const int answer = box.exec();
+    const bool confirmed = ask(texts.applyQuestion, languageType, this);
     btnConfirm->setDown(false); // the box has swallowed the release of the mouse button
-    if (answer != Ovryn_MessageBox::Yes)
+    if (!confirmed)
         return;
 
     const bool automatic = rdbAutoSwitch->isChecked();

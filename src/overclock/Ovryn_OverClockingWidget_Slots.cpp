@@ -5,7 +5,7 @@
 #include "overclock/Ovryn_SetUserDefineFanSpeedThread.h"
 #include "overclock/Ovryn_SliderWidget.h"
 #include "overclock/Ovryn_UserDefineFanSpeed.h"
-#include "ui/Ovryn_MessageBox.h"
+#include "ui/MessageBoxes.h"
 
 #include <QCheckBox>
 #include <QPushButton>
@@ -56,9 +56,7 @@ void Ovryn_OverClockingWidget::onLinkCheckBoxToggle(bool)
 
 void Ovryn_OverClockingWidget::onBtnApplyClick()
 {
-    Ovryn_MessageBox box(Ovryn_MessageBox::TwoButtons, QString(), applyPrompt, language, window(),
-                         Qt::WindowFlags(Ovryn_MessageBox::usualWindowFlags));
-    if (box.exec() != Ovryn_MessageBox::Yes)
+    if (!ask(applyPrompt, language, window()))
         return;
     if (editingCurve)
         applyCurve();

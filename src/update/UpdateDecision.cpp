@@ -17,10 +17,10 @@ bool isUpdateCheckDue(const QDate &lastCheck, int intervalDays, const QDate &tod
     return !(lastCheck.addDays(intervalDays) > today);
 }
 
-UpdateAction decideUpdate(UpdateRoad road, int updateMode, const QString &currentVersion,
+UpdateAction decideUpdate(UpdateTrigger trigger, int updateMode, const QString &currentVersion,
                           const QString &manualDownloadVersion, const QString &own)
 {
-    const bool manual = road == UpdateRoad::Manual;
+    const bool manual = trigger == UpdateTrigger::Manual;
     if (!isNewerVersion(currentVersion, own))
         return manual ? UpdateAction::TellLatest : UpdateAction::Nothing;
     if (isNewerVersion(manualDownloadVersion, own))

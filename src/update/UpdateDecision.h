@@ -18,7 +18,7 @@
 [[nodiscard]] bool isUpdateCheckDue(const QDate &lastCheck, int intervalDays, const QDate &today);
 
 /// Who asked for the check.
-enum class UpdateRoad
+enum class UpdateTrigger
 {
     Automatic, ///< the start of the program
     Manual,    ///< the user, by the button of the settings page
@@ -33,7 +33,7 @@ enum class UpdateAction
     TellLatest,    ///< clear temp, then say that there is nothing newer
 };
 
-/// `updateMode` is the stored choice: 1 and 2 ask, every other value doesn't. The manual road asks always and is the
-/// only one that speaks when there is nothing new.
-[[nodiscard]] UpdateAction decideUpdate(UpdateRoad road, int updateMode, const QString &currentVersion,
+/// `updateMode` is the stored choice: 1 and 2 ask, every other value doesn't. A check by the user always asks, and it
+/// alone says so when there is nothing new.
+[[nodiscard]] UpdateAction decideUpdate(UpdateTrigger trigger, int updateMode, const QString &currentVersion,
                                         const QString &manualDownloadVersion, const QString &own = ownVersion());

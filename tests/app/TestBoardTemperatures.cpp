@@ -103,7 +103,7 @@ void TestBoardTemperatures::liveWithOneConnectionEach()
     button->show();
 
     QTest::mouseClick(button, Qt::LeftButton);
-    QCOMPARE(dialog->shownPage(), int(OvrynDeck2::BoardTempPage));
+    QCOMPARE(dialog->shownPage(), int(BoardTempPage));
     QTRY_VERIFY(firstPage()->isVisible());
     QTRY_COMPARE(currentValues(), QStringList({"61", "52", "-4", "83"}));
 
@@ -121,7 +121,7 @@ void TestBoardTemperatures::liveWithOneConnectionEach()
     QCOMPARE(graphs->box(3)->captionRow()->minValueText(), QStringLiteral("83"));
 
     QTest::mouseClick(button, Qt::LeftButton);
-    QCOMPARE(dialog->shownPage(), int(OvrynDeck2::HomePage));
+    QCOMPARE(dialog->shownPage(), int(HomePage));
 }
 
 QTEST_MAIN(TestBoardTemperatures)

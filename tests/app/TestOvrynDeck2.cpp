@@ -102,16 +102,16 @@ void TestOvrynDeck2::adjustWarningComesOnce()
 
     adjust->click(); // refused: stays armed
     QVERIFY(!adjust->isChecked());
-    QCOMPARE(dialog.shownPage(), int(OvrynDeck2::HomePage));
+    QCOMPARE(dialog.shownPage(), int(HomePage));
 
     adjust->click(); // accepted
     QVERIFY(adjust->isChecked());
-    QCOMPARE(dialog.shownPage(), int(OvrynDeck2::AdjustPage));
+    QCOMPARE(dialog.shownPage(), int(AdjustPage));
 
     adjust->click(); // the way out asks nothing
-    QCOMPARE(dialog.shownPage(), int(OvrynDeck2::HomePage));
+    QCOMPARE(dialog.shownPage(), int(HomePage));
     adjust->click(); // nor does a later opening
-    QCOMPARE(dialog.shownPage(), int(OvrynDeck2::AdjustPage));
+    QCOMPARE(dialog.shownPage(), int(AdjustPage));
 
     QCOMPARE(answer.problems(), QStringList());
     QCOMPARE(answer.texts().size(), 2);
@@ -161,11 +161,11 @@ void TestOvrynDeck2::detectionOfTwoCards()
     const int second = calls.indexOf(QRegularExpression(QStringLiteral("^GPU_GetPCIIdentifiers gpu1.*")));
     QVERIFY(second > calls.indexOf(lcdFrames.at(0)));
 
-    const GpuCardInfo &maker = dialog.cards().at(0);
+    const GpuCardInfo maker = dialog.cards().at(0);
     QCOMPARE(maker.displayName, QStringLiteral("Ovryn 1070 Ti"));
     QVERIFY(maker.hasLed);
     QVERIFY(maker.hasLcd);
-    const GpuCardInfo &foreign = dialog.cards().at(1);
+    const GpuCardInfo foreign = dialog.cards().at(1);
     QCOMPARE(foreign.displayName, QStringLiteral("GTX 1080"));
     QVERIFY(!foreign.hasLed);
     QVERIFY(!foreign.hasLcd);
@@ -273,7 +273,7 @@ void TestOvrynDeck2::lcdAloneUnchecksItsOwnButton()
     dialog.show();
     button(dialog, "btnFirstSlot")->click();
     QVERIFY(!button(dialog, "btnFirstSlot")->isChecked());
-    QCOMPARE(dialog.shownPage(), int(OvrynDeck2::LcdPage));
+    QCOMPARE(dialog.shownPage(), int(LcdPage));
     QVERIFY(dialog.findChild<RollStackWidget *>()->isVisible());
 }
 
@@ -282,10 +282,10 @@ void TestOvrynDeck2::pageButtons_data()
     QTest::addColumn<QByteArray>("name");
     QTest::addColumn<int>("page");
 
-    QTest::newRow("monitor") << QByteArray("btnMonitor") << int(OvrynDeck2::MonitorPage);
-    QTest::newRow("LED") << QByteArray("btnFirstSlot") << int(OvrynDeck2::LedPage);
-    QTest::newRow("LCD") << QByteArray("btnSecondSlot") << int(OvrynDeck2::LcdPage);
-    QTest::newRow("card information") << QByteArray("btnGpuFixedInfo") << int(OvrynDeck2::FixedInfoPage);
+    QTest::newRow("monitor") << QByteArray("btnMonitor") << int(MonitorPage);
+    QTest::newRow("LED") << QByteArray("btnFirstSlot") << int(LedPage);
+    QTest::newRow("LCD") << QByteArray("btnSecondSlot") << int(LcdPage);
+    QTest::newRow("card information") << QByteArray("btnGpuFixedInfo") << int(FixedInfoPage);
 }
 
 void TestOvrynDeck2::pageButtons()
@@ -305,7 +305,7 @@ void TestOvrynDeck2::pageButtons()
     QCOMPARE(circleStack(dialog)->geometry(), mainDialogLayout(dialog.size()).gaugeShown);
 
     QTest::mouseClick(button(dialog, name.constData()), Qt::LeftButton);
-    QCOMPARE(dialog.shownPage(), int(OvrynDeck2::HomePage));
+    QCOMPARE(dialog.shownPage(), int(HomePage));
     QVERIFY(!roll->isVisible());
     finishSlide(dialog);
     QCOMPARE(circleStack(dialog)->geometry(), mainDialogLayout(dialog.size()).gaugeHome);
@@ -320,7 +320,7 @@ void TestOvrynDeck2::secondClickClosesThePage()
     button(dialog, "btnMonitor")->click();
     for (const char *name : {"btnMonitor", "btnAdjust", "btnGpuFixedInfo", "btnFirstSlot", "btnSecondSlot"})
         QVERIFY2(!button(dialog, name)->isChecked(), name);
-    QCOMPARE(dialog.shownPage(), int(OvrynDeck2::HomePage));
+    QCOMPARE(dialog.shownPage(), int(HomePage));
 }
 
 void TestOvrynDeck2::pageToPageKeepsThePanelOpen()
@@ -332,7 +332,7 @@ void TestOvrynDeck2::pageToPageKeepsThePanelOpen()
     button(dialog, "btnGpuFixedInfo")->click();
     QVERIFY(!button(dialog, "btnMonitor")->isChecked());
     QVERIFY(button(dialog, "btnGpuFixedInfo")->isChecked());
-    QCOMPARE(dialog.shownPage(), int(OvrynDeck2::FixedInfoPage));
+    QCOMPARE(dialog.shownPage(), int(FixedInfoPage));
     dialog.onMoveCircleWidgetTimerTimeout(); // the gauge stands already: the first tick selects the page
     QCOMPARE(circleStack(dialog)->x(), mainDialogLayout(dialog.size()).gaugeShown.x());
     QVERIFY(dialog.findChild<RollStackWidget *>()->isShown());
@@ -382,7 +382,7 @@ void TestOvrynDeck2::changeOfCardKeepsThePage()
 
     dialog.findChild<Ovryn_ComboBox *>()->setCurrentIndex(1);
     QCOMPARE(dialog.shownCard(), 1);
-    QCOMPARE(dialog.shownPage(), int(OvrynDeck2::MonitorPage));
+    QCOMPARE(dialog.shownPage(), int(MonitorPage));
     QVERIFY(pages.at(1)->isVisible());
     QVERIFY(circleStack(dialog)->currentWidget() != firstGauge);
     QVERIFY(!button(dialog, "btnFirstSlot")->isVisible());
@@ -465,7 +465,7 @@ void TestOvrynDeck2::boardTemperatureButtonLeadsNowhere()
     dialog.show();
     QVERIFY(!button(dialog, "btnBoardTempInfo")->isVisible());
     button(dialog, "btnBoardTempInfo")->click();
-    QCOMPARE(dialog.shownPage(), int(OvrynDeck2::HomePage));
+    QCOMPARE(dialog.shownPage(), int(HomePage));
 }
 
 void TestOvrynDeck2::eachCardsInformationReachesItsPage()

@@ -48,7 +48,7 @@ extern "C" int LLVMFuzzerTestOneInput(const quint8 *data, size_t size)
                      reader.getServerAddress().isEmpty() && reader.getFileInfos().isEmpty()),
             "a failure offers nothing");
     const UpdateAction action =
-        decideUpdate(UpdateRoad::Automatic, 0, reader.getCurrentVersion(), reader.getManualDownloadVersion());
+        decideUpdate(UpdateTrigger::Automatic, 0, reader.getCurrentVersion(), reader.getManualDownloadVersion());
     require(read || action == UpdateAction::Nothing, "a failure is no new version");
 
     const QString bait = world.filePath(QStringLiteral("a/b/2.zip"));

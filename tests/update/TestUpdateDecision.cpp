@@ -17,7 +17,7 @@ private slots:
 };
 
 Q_DECLARE_METATYPE(UpdateAction)
-Q_DECLARE_METATYPE(UpdateRoad)
+Q_DECLARE_METATYPE(UpdateTrigger)
 
 void TestUpdateDecision::versionOfThisProgram()
 {
@@ -81,13 +81,13 @@ void TestUpdateDecision::checkIsDue()
 
 void TestUpdateDecision::decision_data()
 {
-    QTest::addColumn<UpdateRoad>("road");
+    QTest::addColumn<UpdateTrigger>("road");
     QTest::addColumn<int>("mode");
     QTest::addColumn<QString>("current");
     QTest::addColumn<QString>("manual");
     QTest::addColumn<UpdateAction>("action");
-    const auto byItself = UpdateRoad::Automatic;
-    const auto byUser = UpdateRoad::Manual;
+    const auto byItself = UpdateTrigger::Automatic;
+    const auto byUser = UpdateTrigger::Manual;
     const int most = std::numeric_limits<int>::max();
 
     QTest::newRow("automatic, new, mode 0") << byItself << 0 << "1.1"
@@ -135,7 +135,7 @@ void TestUpdateDecision::decision_data()
 
 void TestUpdateDecision::decision()
 {
-    QFETCH(UpdateRoad, road);
+    QFETCH(UpdateTrigger, road);
     QFETCH(int, mode);
     QFETCH(QString, current);
     QFETCH(QString, manual);
