@@ -4,7 +4,6 @@
 #include "board/Ovryn_GlobalShortCut.h"
 #include "board/Ovryn_HotKeyEdit.h"
 #include "ui/ModifySpinBox.h"
-#include "ui/MessageBoxes.h"
 #include "ui/PageFrame.h"
 #include "ui/UiStyle.h"
 
@@ -16,6 +15,8 @@
 #include <QResizeEvent>
 
 #include <algorithm>
+
+// Construction, looks and what the controls show. What the user does stands in Ovryn_LCDControllorWidget_Slots.cpp.
 
 namespace
 {
@@ -50,7 +51,7 @@ void Ovryn_LCDControllorWidget::initWidget()
     sendNvInfoThread->startSending();
     if (!applied.AutoSwitch)
         globalShortCut->setShortcut(int(applied.ModifierKey), int(applied.NormalKey));
-    // Behind the connections: the values count as changes, so the page comes up with both buttons. Wanted so.
+    // After the connections: the values count as changes, so the page comes up with both buttons. Wanted so.
     showParam();
 }
 
@@ -109,14 +110,6 @@ void Ovryn_LCDControllorWidget::getLcdModuleInfo(LcdModuleInfo &out) const
     out = applied;
 }
 
-void Ovryn_LCDControllorWidget::showButtons(bool show)
-{
-    btnCancel->setVisible(show);
-    btnConfirm->setVisible(show);
-}
-
-// ---- what the user does ------------------------------------------------------------------------------
-
 void Ovryn_LCDControllorWidget::showParam()
 {
     // In this order: what the switch's and the radio's slots enable depends on it.
@@ -126,98 +119,6 @@ void Ovryn_LCDControllorWidget::showParam()
     hotKeyModifier->setKey(applied.ModifierKey); // a code that the field doesn't know changes nothing
     hotKeyNormal->setKey(applied.NormalKey);
 }
-
-void Ovryn_LCDControllorWidget::onAutoSwitchToggled(bool bChecked)
-{
-    rdbAutoSwitch->setEnabled(true);
-    rdbManualSwitch->setEnabled(true);
-    spinSwitchTime->setEnabled(bChecked);
-    hotKeyModifier->setEnabled(!bChecked);
-    hotKeyNormal->setEnabled(!bChecked);
-    showButtons(true);
-}
-
-void Ovryn_LCDControllorWidget::onEnableLCDToggled(bool bChecked)
-{
-    // While the page is being filled neither radio is checked yet, and nothing changes.
-    const bool automatic = rdbAutoSwitch->isChecked();
-    if (!bChecked || automatic || rdbManualSwitch->isChecked()) {
-        rdbAutoSwitch->setEnabled(bChecked);
-        rdbManualSwitch->setEnabled(bChecked);
-        spinSwitchTime->setEnabled(bChecked && automatic);
-        hotKeyModifier->setEnabled(bChecked && !automatic);
-        hotKeyNormal->setEnabled(bChecked && !automatic);
-    }
-    showButtons(true);
-}
-
-void Ovryn_LCDControllorWidget::onLineEditTextChanged(const QString &)
-{
-    for (Ovryn_HotKeyEdit *field : {hotKeyModifier, hotKeyNormal}) {
-        field->home(false); // the longest names don't fit: their beginning is to be seen, the rest in the tool tip
-        field->setToolTip(field->text());
-    }
-    showButtons(true);
-}
-
-void Ovryn_LCDControllorWidget::onSpinBoxValueChanged(int)
-{
-    showButtons(true);
-}
-
-void Ovryn_LCDControllorWidget::onCancelClick()
-{
-    showParam();
-    showButtons(false); // last: the values shown have counted as changes
-}
-
-void Ovryn_LCDControllorWidget::onConfirmClick()
-{
-    const bool confirmed = ask(texts.applyQuestion, languageType, this);
-    btnConfirm->setDown(false); // the box has swallowed the release of the mouse button
-    if (!confirmed)
-        return;
-
-    const bool automatic = rdbAutoSwitch->isChecked();
-    const int seconds = spinSwitchTime->value();
-    if (!sendNvInfoThread) {
-        sendNvInfoThread = newWorker();
-        sendNvInfoThread->setAutoSwitch(automatic, seconds);
-    } else {
-        sendNvInfoThread->setAutoSwitch(automatic, seconds);
-        // The pair of the last Apply, not the one on the screen: a new hot key comes with the next Apply or the
-        // next start. Wanted so.
-        if (automatic)
-            globalShortCut->unsetShortcut();
-        else
-            globalShortCut->setShortcut(int(applied.ModifierKey), int(applied.NormalKey));
-    }
-    sendNvInfoThread->setEnableLCD(cbLcd->isChecked());
-    sendNvInfoThread->startSending();
-
-    applied.SwitchTime = quint32(seconds);
-    applied.EnableLcd = cbLcd->isChecked();
-    applied.AutoSwitch = automatic;
-    applied.ModifierKey = hotKeyModifier->key();
-    applied.NormalKey = hotKeyNormal->key();
-    showButtons(false);
-}
-
-void Ovryn_LCDControllorWidget::onHotKeyActivated()
-{
-    if (sendNvInfoThread)
-        sendNvInfoThread->manualSwitch();
-}
-
-void Ovryn_LCDControllorWidget::onSendNvDataToLCDSuccess(bool) {}
-
-void Ovryn_LCDControllorWidget::setLCDCurrentDisplayMode(LCDDisplayMode displayMode)
-{
-    if (sendNvInfoThread)
-        sendNvInfoThread->setLCDCurrentDisplayMode(displayMode);
-}
-
-// ---- the look ----------------------------------------------------------------------------------------
 
 void Ovryn_LCDControllorWidget::setLanguage(const Lang_LCD &words, LanguageType newLanguage)
 {

@@ -17,6 +17,8 @@
 
 #include <algorithm>
 
+// Construction, looks and what the controls show. What the user does stands in Ovryn_LEDControlWidget_Slots.cpp.
+
 namespace
 {
 
@@ -67,7 +69,7 @@ Ovryn_LEDControlWidget::Ovryn_LEDControlWidget(const LedModuleInfo *saved, NvGpu
         showSaved(*saved);
     else
         showDefaults();
-    // Behind the values, so that showing them sends nothing: the LEDs keep what the controller last ran, and
+    // After the values, so that showing them sends nothing: the LEDs keep what the controller last ran, and
     // the worker stays idle until the user chooses.
     connectAll();
     readController();

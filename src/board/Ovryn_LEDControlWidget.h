@@ -25,7 +25,7 @@ class QTimer;
 struct LedTimings
 {
     unsigned int beforeDefaultsMs = 50;    ///< before a page without saved values is filled
-    unsigned int afterStatusMs = 100;      ///< behind the status read
+    unsigned int afterStatusMs = 100;      ///< after the status read
     unsigned int beforeSleepFrameMs = 100; ///< the controller must be at rest when it is switched off
     int colorChangedMs = 500;              ///< from the last movement of a dragged colour to its frame
     unsigned int workerSleepMs = 1000;     ///< between two passes of the State-Display effect
@@ -45,7 +45,7 @@ public:
     /// Shows the saved values. Sends nothing, except where the saved gradient isn't known to the controller.
     Ovryn_LEDControlWidget(const LedModuleInfo &info, NvGpuControl *card, QWidget *parent = nullptr,
                            const LedTimings &pauses = {});
-    /// Tells a controller of type 3 the effect once more, with the closing flag.
+    /// Sends the effect to a controller of type 3 once more, with the closing flag.
     ~Ovryn_LEDControlWidget() override;
 
     void requestEnd(); ///< asks the worker to end; waits for nothing

@@ -10,7 +10,7 @@ enum FanMode
     FanUserDefined = 2,
 };
 
-/// Snapshot of everything that the adjust page changes of one card: what the driver told, with the values that the
+/// Snapshot of everything that the adjust page changes of one card: what the driver gave, with the values that the
 /// rows edit in it. Plain value, copied whole.
 struct OverClockingParam
 {

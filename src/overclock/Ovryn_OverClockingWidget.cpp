@@ -1,8 +1,6 @@
 #include "overclock/Ovryn_OverClockingWidget.h"
 
 #include "overclock/AdjustPageStyle.h"
-#include "overclock/HighPerformancePreset.h"
-#include "overclock/Ovryn_SetUserDefineFanSpeedThread.h"
 #include "overclock/Ovryn_SliderWidget.h"
 #include "overclock/Ovryn_UserDefineFanSpeed.h"
 #include "ui/PageFrame.h"
@@ -12,11 +10,12 @@
 #include <QCheckBox>
 #include <QPainter>
 #include <QPushButton>
+#include <QSignalBlocker>
 
 #include <algorithm>
 #include <utility>
 
-// Construction, layout and looks. What the buttons do and what reaches the card stand in the sources beside this.
+// Construction, looks and what the rows show. What the user does stands in Ovryn_OverClockingWidget_Slots.cpp.
 
 namespace
 {
@@ -64,25 +63,19 @@ Ovryn_OverClockingWidget::Ovryn_OverClockingWidget(const AdjustModuleInfo &saved
 
 Ovryn_OverClockingWidget::Ovryn_OverClockingWidget(const AdjustModuleInfo *saved, NvGpuControl *control,
                                                    QWidget *parent, const AdjustTimings &pauses, FanWatch watch)
-    : QWidget(parent),
-      timings(pauses),
-      gpuControl(control),
-      fanWatch(std::move(watch)),
-      fanThread(new Ovryn_SetUserDefineFanSpeedThread(control, nullptr, pauses.fanIntervalMs)),
-      highPerformanceClocks(highPerformanceClockTable())
+    : QWidget(parent), card(control, pauses, std::move(watch))
 {
-    kept.fill(AdjustModuleInfo::kNeverAdjusted);
     build();
     connectAll();
     Ovryn_LanguageTable table; // until the owner hands over its own texts
     table.setLanguage(kLanguageEnglish);
     setLanguage(table.overClock, table.language());
 
-    readDevice();
     if (saved)
-        startFromSaved(*saved);
+        card.startFromSaved(*saved);
     else
-        startFromCard();
+        card.startFromCard();
+    showLink(card.snapshot().linkOfPowerWithTemperature); // saved values reach no snapshot without a card
     hideApplyAndCancel();
 }
 
@@ -142,6 +135,57 @@ void Ovryn_OverClockingWidget::connectAll()
     connect(btnFanUserDefined, SIGNAL(released()), this, SLOT(onBtnFanUserDefinedClick()));
     connect(btnUserDefineConfig, SIGNAL(released()), this, SLOT(onBtnUserDefineConfigClick()));
     connect(LinkCheckBox, SIGNAL(toggled(bool)), this, SLOT(onLinkCheckBoxToggle(bool)));
+    connect(&card, SIGNAL(snapshotRead()), this, SLOT(showSnapshot()));
+    connect(&card, SIGNAL(highPerformanceModeChanged(bool)), this, SIGNAL(highPerformanceModeChanged(bool)));
+}
+
+void Ovryn_OverClockingWidget::showSnapshot()
+{
+    showParam(card.snapshot());
+    hideApplyAndCancel();
+}
+
+void Ovryn_OverClockingWidget::showLink(bool linked)
+{
+    const QSignalBlocker silent(LinkCheckBox); // the rows come from the snapshot, not from the link
+    LinkCheckBox->setChecked(linked);
+}
+
+void Ovryn_OverClockingWidget::showParam(OverClockingParam param)
+{
+    showLink(param.linkOfPowerWithTemperature);
+    for (AdjustRowIndex index : {RowGpuClock, RowMemoryClock, RowFan, RowTemperature, RowPower, RowVoltage}) {
+        const AdjustRow &row = kAdjustRows[index];
+        const AdjustRange range = row.range(param);
+        rows[index]->setRange(range.minimum, range.maximum);
+        rows[index]->setValue(row.value(param));
+        rows[index]->setEnabled(row.editable(param));
+    }
+
+    const bool controllable = isFanControllable(param);
+    if (!controllable || param.fanMode == FanAuto)
+        btnFanAuto->setChecked(true);
+    else if (param.fanMode == FanManual)
+        btnFanManual->setChecked(true);
+    else
+        btnFanUserDefined->setChecked(true);
+    for (QPushButton *button : {btnFanAuto, btnFanManual, btnFanUserDefined})
+        button->setEnabled(controllable);
+}
+
+OverClockingParam Ovryn_OverClockingWidget::readSliders() const
+{
+    OverClockingParam edited = card.snapshot();
+    for (std::size_t index = 0; index < rows.size(); ++index)
+        kAdjustRows[index].value(edited) = rows[index]->value();
+    edited.linkOfPowerWithTemperature = LinkCheckBox->isChecked();
+    if (btnFanManual->isChecked())
+        edited.fanMode = FanManual;
+    else if (btnFanUserDefined->isChecked())
+        edited.fanMode = FanUserDefined;
+    else
+        edited.fanMode = FanAuto;
+    return edited;
 }
 
 void Ovryn_OverClockingWidget::setLanguage(Lang_OverClock texts, LanguageType newLanguage)

@@ -1,8 +1,6 @@
 #include "overclock/Ovryn_OverClockingWidget.h"
 
 #include "device/Arithmetic.h"
-#include "device/NvGpuControl.h"
-#include "overclock/Ovryn_SetUserDefineFanSpeedThread.h"
 #include "overclock/Ovryn_SliderWidget.h"
 #include "overclock/Ovryn_UserDefineFanSpeed.h"
 #include "ui/MessageBoxes.h"
@@ -11,25 +9,22 @@
 #include <QPushButton>
 
 #include <algorithm>
+#include <optional>
 
 // What the page's widgets do: the rows, the buttons and the change of faces.
 
 void Ovryn_OverClockingWidget::onSliderChanged(Ovryn_SliderWidget *sender)
 {
-    if (!gpuControl)
+    if (!card.hasCard())
         return;
-    const auto powerPolicy = static_cast<quint32>(current.power.policyId);
-    const auto thermalPolicy = static_cast<quint32>(current.thermal.policyId);
     Ovryn_SliderWidget *const powerRow = rows[RowPower];
     Ovryn_SliderWidget *const temperatureRow = rows[RowTemperature];
-    NvLimitPair pair;
     if (LinkCheckBox->isChecked() && sender == powerRow) {
-        if (gpuControl->powerToTemperature(powerPolicy, thermalPolicy, static_cast<float>(powerRow->value()), pair))
-            temperatureRow->setValue(cutToInt(static_cast<double>(pair.temperature)));
+        if (const std::optional<qint32> temperature = card.temperatureForPower(powerRow->value()))
+            temperatureRow->setValue(*temperature);
     } else if (LinkCheckBox->isChecked() && sender == temperatureRow) {
-        if (gpuControl->temperatureToPower(powerPolicy, thermalPolicy, static_cast<float>(temperatureRow->value()),
-                                           static_cast<float>(powerRow->value()), pair))
-            powerRow->setValue(cutToInt(static_cast<double>(pair.power)));
+        if (const std::optional<qint32> power = card.powerForTemperature(temperatureRow->value(), powerRow->value()))
+            powerRow->setValue(*power);
     }
     showActionButtons();
 }
@@ -39,7 +34,8 @@ void Ovryn_OverClockingWidget::onSliderMoved(Ovryn_SliderWidget *sender, int mov
     const auto found = std::find(rows.cbegin(), rows.cend(), sender);
     if (found == rows.cend())
         return;
-    const qint32 baseline = kAdjustRows[static_cast<std::size_t>(found - rows.cbegin())].value(current);
+    OverClockingParam inForce = card.snapshot();
+    const qint32 baseline = kAdjustRows[static_cast<std::size_t>(found - rows.cbegin())].value(inForce);
     emit adjustChanged(QString::number(baseline), QString::number(move), wrappingDifference(move, baseline));
 }
 
@@ -66,18 +62,13 @@ void Ovryn_OverClockingWidget::onBtnApplyClick()
 
 void Ovryn_OverClockingWidget::applySliders()
 {
-    readSliders();
-    applyParam();
-    hideApplyAndCancel();
-    // The user's values stay, so what stood before the mode is not brought back.
-    endHighPerformance();
+    card.apply(readSliders());
+    hideApplyAndCancel(); // also without a card, which reads no snapshot
 }
 
 void Ovryn_OverClockingWidget::applyCurve()
 {
-    nodes = editor->getPoints();
-    // Neither starts the worker nor changes the fan mode: that is for the rows' face.
-    fanThread->setTemperatureToFanSpeedData(nodes);
+    card.setCurve(editor->getPoints()); // the fan mode is for the rows' face
     leaveCurve();
     btnDefault->hide();
 }
@@ -96,8 +87,8 @@ void Ovryn_OverClockingWidget::onBtnDefaultClick()
 {
     if (editingCurve)
         editor->resetToDefault();
-    else if (gpuControl)
-        restoreDefaults();
+    else
+        card.restoreDefaults();
 }
 
 void Ovryn_OverClockingWidget::onBtnFanAutoClick()
@@ -128,7 +119,7 @@ void Ovryn_OverClockingWidget::onBtnUserDefineConfigClick()
 void Ovryn_OverClockingWidget::showPage()
 {
     if (editingCurve)
-        editor->setPoints(nodes);
+        editor->setPoints(card.curve());
     else
         returnToApplied();
 
@@ -148,7 +139,7 @@ void Ovryn_OverClockingWidget::showEvent(QShowEvent *)
         returnToApplied();
         hideApplyAndCancel();
     }
-    editor->setPoints(nodes);
+    editor->setPoints(card.curve());
 }
 
 void Ovryn_OverClockingWidget::leaveCurve()
@@ -160,14 +151,8 @@ void Ovryn_OverClockingWidget::leaveCurve()
 
 void Ovryn_OverClockingWidget::returnToApplied()
 {
-    showParam(applied);
-    current = applied;
-}
-
-void Ovryn_OverClockingWidget::endHighPerformance()
-{
-    highPerformance = false;
-    emit highPerformanceModeChanged(false);
+    card.returnToApplied();
+    showParam(card.snapshot());
 }
 
 void Ovryn_OverClockingWidget::showActionButtons()

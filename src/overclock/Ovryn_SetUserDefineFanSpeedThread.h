@@ -12,7 +12,7 @@ class NvGpuControl;
 /// The fan worker of one card: once per interval it reads the GPU temperature, looks it up on the user's
 /// curve and orders that level. The driver holds no curve: it acts only as long as this thread runs.
 ///
-/// Owned by the adjust page, which calls its operations on the GUI thread. They wait for a running cycle,
+/// Owned by CardAdjustment, which calls its operations on the GUI thread. They wait for a running cycle,
 /// since the mutex is held through it, but never for the sleep. For a cycle without a temperature the driver
 /// gets the fan, and a level that the card refuses is ordered again by the next cycle.
 class Ovryn_SetUserDefineFanSpeedThread : public WorkerThread

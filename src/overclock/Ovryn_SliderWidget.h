@@ -12,7 +12,7 @@ class Ovryn_OverClockingSlider;
 /// One row of the adjust page: a caption, a slider and a number box that follows it. A number typed into
 /// the box reaches the slider, and so the row, at the end of the edit.
 ///
-/// The signals tell of the user's changes only; what the program sets is silent. GUI thread.
+/// The signals report the user's changes only; what the program sets is silent. GUI thread.
 class Ovryn_SliderWidget : public QWidget
 {
     Q_OBJECT
