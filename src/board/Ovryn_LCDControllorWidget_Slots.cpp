@@ -2,8 +2,8 @@
 
 #include "board/Ovryn_GlobalShortCut.h"
 #include "board/Ovryn_HotKeyEdit.h"
-#include "ui/ModifySpinBox.h"
 #include "ui/MessageBoxes.h"
+#include "ui/ModifySpinBox.h"
 
 #include <QCheckBox>
 #include <QPushButton>

@@ -130,6 +130,9 @@ struct NvClockOffsetRange
     qint32 minOffset = 0;
     qint32 maxOffset = 0;
     bool editable = false;
+    /// The part of `baseClock` that is the offset now in force. Not 0 only for a memory clock of single type, whose
+    /// base frequency the driver gives with the offset in it.
+    qint32 offsetInBase = 0;
 };
 
 /// Core voltage, millivolts.

@@ -121,6 +121,8 @@ void takeOffsetRange(const Pstates &record, quint32 domainId, NvClockOffsetRange
     out.editable = clock->bIsEditable & kEditable;
     out.minOffset = clock->freqDelta_kHz.valueRange.min / kSignedThousand;
     out.maxOffset = clock->freqDelta_kHz.valueRange.max / kSignedThousand;
+    if (domainId == kClockDomainMemory && clock->typeId == kPstateClockTypeSingle)
+        out.offsetInBase = clock->freqDelta_kHz.value / kSignedThousand;
 }
 
 /// A range that could not be read is 0 to 0.

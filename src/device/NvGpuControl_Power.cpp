@@ -328,7 +328,8 @@ void NvGpuControl::setThermalPriority(quint32 policyId, quint8 value)
     ThermalInfo info{};
     if (!readThermalInfo(gpu, info) || !isValid(info))
         return;
-    if (findPolicy(info, policyId) == boundedCount(info.count) || value > 1)
+    const std::size_t policy = findPolicy(info, policyId);
+    if (policy == boundedCount(info.count) || value > 1)
         return;
 
     ThermalStatus status{};
@@ -336,7 +337,11 @@ void NvGpuControl::setThermalPriority(quint32 policyId, quint8 value)
     const LadderResult read = readThermalStatus(gpu, status);
     if (!read.succeeded())
         return;
-    // The first entry's temperature goes back as it was read.
+    // The policy's own temperature goes back as it was read: that of another one may lie beyond its range. The
+    // entries of the older version are narrower than those walked here, so that only the first of them is known.
+    if (policy != 0 && read.version != kThermalPoliciesStatusVersion2)
+        return;
+    status.entries[0] = status.entries[policy];
     status.count = 1;
     status.entries[0].policyId = policyId;
     status.entries[0].flags = (status.entries[0].flags & ~kPriority) | value;

@@ -90,6 +90,13 @@ OverClockingParam readSnapshot(NvGpuControl &gpu)
 
     param.clocks.gpuClock = clockOrBase(param.clocks.gpuClock, clocksRead, param.gpuRange);
     param.clocks.memoryClock = clockOrBase(param.clocks.memoryClock, clocksRead, param.memoryRange);
+    if (param.memoryRange.baseClock != 0) {
+        // With the offset in its base, the clock counts it twice. Kept in the settings file and set against the base
+        // of a card that was switched off meanwhile, that would order twice the offset, and double it with each such
+        // start.
+        param.clocks.memoryClock = wrappingDifference(param.clocks.memoryClock, param.memoryRange.offsetInBase);
+        param.memoryRange.baseClock = wrappingDifference(param.memoryRange.baseClock, param.memoryRange.offsetInBase);
+    }
     if (param.voltage.currentVoltage == 0)
         param.voltage.currentVoltage = param.voltage.baseVoltage;
     return param;

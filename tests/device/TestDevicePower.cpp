@@ -435,11 +435,15 @@ void TestDevicePower::setThermalPriority_data()
         driver.card().thermalStatus.entries[1] = {8, 25 * 256, 4};
     };
     const QString readBoth = "GPU_ClientThermalPoliciesGetStatus gpu0 0x20038 [4]=2 [8]=3 [20]=8";
-    const QString writeOne = "GPU_ClientThermalPoliciesSetStatus gpu0 0x20038 [4]=1 [8]=%1 [12]=20480 [16]=%2 "
+    const QString writeOne = "GPU_ClientThermalPoliciesSetStatus gpu0 0x20038 [4]=1 [8]=%1 [12]=%2 [16]=%3 "
                              "[20]=8 [24]=6400 [28]=4";
-    row("two policies, the first", 3, 1, {kThermalInfoRead, readBoth, writeOne.arg(3).arg(3)}, twoPolicies);
-    row("two policies, the second", 8, 1, {kThermalInfoRead, readBoth, writeOne.arg(8).arg(3)}, twoPolicies);
-    row("two policies, the second, off", 8, 0, {kThermalInfoRead, readBoth, writeOne.arg(8).arg(2)}, twoPolicies);
+    row("two policies, the first", 3, 1, {kThermalInfoRead, readBoth, writeOne.arg(3).arg(20480).arg(3)},
+        twoPolicies);
+    // its own temperature and its own other flags
+    row("two policies, the second", 8, 1, {kThermalInfoRead, readBoth, writeOne.arg(8).arg(6400).arg(5)},
+        twoPolicies);
+    row("two policies, the second, off", 8, 0, {kThermalInfoRead, readBoth, writeOne.arg(8).arg(6400).arg(4)},
+        twoPolicies);
     row("two policies, neither", 5, 1, {kThermalInfoRead}, twoPolicies);
 }
 

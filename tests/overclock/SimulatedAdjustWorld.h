@@ -5,6 +5,7 @@
 #include "device/nvapi/NvApi.h"
 #include "overclock/Ovryn_OverClockingWidget.h"
 #include "overclock/Ovryn_SliderWidget.h"
+#include "simulated/ScenarioReader.h"
 #include "support/CheckedDriver.h"
 #include "support/ModalAnswer.h"
 #include "support/NamedChild.h"
@@ -28,7 +29,7 @@ public:
     std::unique_ptr<Ovryn_OverClockingWidget> page;
     QStringList watch; ///< what the page said of its fan: "on" or "off", and how many orders the card had got by then
 
-    SimulatedAdjustWorld()
+    explicit SimulatedAdjustWorld(const simulated::Scenario &scene = simulated::builtInScenario()) : driver(scene)
     {
         NvApiLibrarySource source;
         source.load = [this] {

@@ -23,6 +23,7 @@ class TestAdjustOnSimulatedCards : public QObject
 private slots:
     void applyThenDefault();
     void highPerformanceOnAndOff();
+    void memoryOffsetThatTheBaseContains();
 };
 
 void TestAdjustOnSimulatedCards::applyThenDefault()
@@ -52,6 +53,35 @@ void TestAdjustOnSimulatedCards::highPerformanceOnAndOff()
     QCOMPARE(clocksAndTargets(world), QVector<int>({1733, atStart.at(1), atStart.at(2), 120, 83}));
     QVERIFY(world.page->setHighPerformance(false));
     QCOMPARE(clocksAndTargets(world), atStart);
+}
+
+void TestAdjustOnSimulatedCards::memoryOffsetThatTheBaseContains()
+{
+    simulated::Scenario scene = simulated::builtInScenario();
+    scene.cards.front().clocks.memoryIsRange = false;
+    SimulatedAdjustWorld world(scene);
+    world.open();
+    const int stock = world.row(RowMemoryClock)->value();
+    world.move(RowMemoryClock, stock + 100);
+    world.apply();
+    QCOMPARE(world.row(RowMemoryClock)->value(), stock + 100);
+    world.close();
+    const AdjustModuleInfo saved = world.saved();
+    QCOMPARE(saved.MemoryFreClock, stock + 100);
+
+    // The program starts again, on a card that has kept the offset.
+    world.open();
+    QVERIFY(world.orders().contains(QStringLiteral("memory 100000")));
+    world.close();
+    QCOMPARE(world.saved().MemoryFreClock, stock + 100);
+
+    // The machine was switched off meanwhile: the card has no offset.
+    SimulatedAdjustWorld afterwards(scene);
+    afterwards.save(saved);
+    afterwards.open();
+    QCOMPARE(afterwards.orders().filter(QStringLiteral("memory")), QStringList("memory 100000"));
+    afterwards.close();
+    QCOMPARE(afterwards.saved().MemoryFreClock, stock + 100);
 }
 
 QTEST_MAIN(TestAdjustOnSimulatedCards)
