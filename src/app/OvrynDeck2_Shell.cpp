@@ -2,6 +2,7 @@
 
 #include "board/Ovryn_BoardInfoMainWidget.h"
 #include "device/NvGpuControl.h"
+#include "device/Units.h"
 #include "device/WorkerThread.h"
 #include "monitor/Ovryn_GpuFixedInfo.h"
 #include "monitor/Ovryn_GpuInfoCircleBox.h"
@@ -25,7 +26,6 @@ namespace
 {
 
 constexpr int kTrayMenuMinimumWidth = 150;
-constexpr int kMillisecondsPerSecond = 1000;
 
 /// With a cycle of a worker when the system ends the session: Windows gives a process five seconds in all.
 constexpr unsigned long kPatienceOfTheSystemMs = 2000;

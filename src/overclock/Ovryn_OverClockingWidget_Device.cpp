@@ -1,5 +1,6 @@
 #include "overclock/Ovryn_OverClockingWidget.h"
 
+#include "device/CoolerPolicies.h"
 #include "device/NvGpuControl.h"
 #include "overclock/CardWrites.h"
 #include "overclock/Ovryn_SetUserDefineFanSpeedThread.h"
@@ -14,8 +15,6 @@
 
 namespace
 {
-
-constexpr qint32 kCoolerPolicyManual = 1;
 
 /// Every negative number in a settings file means "never adjusted".
 bool isSaved(qint32 number)
