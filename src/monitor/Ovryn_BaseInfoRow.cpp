@@ -1,5 +1,7 @@
 #include "monitor/Ovryn_BaseInfoRow.h"
 
+#include "ui/UiStyle.h"
+
 #include <QCheckBox>
 #include <QPainter>
 
@@ -15,11 +17,7 @@ constexpr int kTitleFontPixels = 12;
 constexpr int kTextFlags = Qt::AlignLeft | Qt::AlignVCenter;
 
 const char kCheckBoxStyle[] =
-    "QCheckBox{color:rgb(255,255,255);background-color:rgba(0,0,0,0);spacing:8px;outline:none;}"
-    "QCheckBox::indicator{width:14px;height:14px;}"
-    "QCheckBox::indicator:unchecked{image:url(:/images/images/checkbox/check_off.png);}"
-    "QCheckBox::indicator:unchecked:hover{image:url(:/images/images/checkbox/check_hover.png);}"
-    "QCheckBox::indicator:checked{image:url(:/images/images/checkbox/check_on.png);}";
+    "QCheckBox{color:rgb(255,255,255);background-color:rgba(0,0,0,0);spacing:8px;outline:none;}";
 } // namespace
 
 InfoRowLayout infoRowLayoutFor(QSize row)
@@ -52,7 +50,7 @@ int InfoRowLayout::valueFontPixels() const
 
 Ovryn_BaseInfoRow::Ovryn_BaseInfoRow(QWidget *parent) : QWidget(parent), checkBox(new QCheckBox(this))
 {
-    checkBox->setStyleSheet(QString::fromLatin1(kCheckBoxStyle));
+    checkBox->setStyleSheet(QString::fromLatin1(kCheckBoxStyle) + UiStyle::smallCheckBoxIndicator());
     connect(checkBox, SIGNAL(toggled(bool)), this, SLOT(toggled(bool)));
 }
 
