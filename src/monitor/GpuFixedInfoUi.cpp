@@ -14,7 +14,6 @@
 namespace
 {
 
-constexpr int kRowCount = 6;
 constexpr int kColumnGap = 5; // pixels
 constexpr int kPairGap = 12;  // between a row's first value and its second caption
 constexpr int kValueHeight = 22;
@@ -22,7 +21,7 @@ constexpr int kMarginShare = 15; // the rows' margins are this part of the width
 
 const char *const kRowNames[] = {"horizontalLayout",   "horizontalLayout_2", "horizontalLayout_3",
                                  "horizontalLayout_4", "horizontalLayout_5", "horizontalLayout_6"};
-static_assert(std::size(kRowNames) == kRowCount, "one name a row");
+constexpr int kRowCount = int(std::size(kRowNames));
 
 const char kPageStyle[] = "QLabel{font-family: \"Arial\";font-size: 12px;}ReadonlyLineEdit{font-size: 10px;}";
 
@@ -108,9 +107,9 @@ void GpuFixedInfoUi::build(QWidget *page)
 
 QWidget *GpuFixedInfoUi::newValue(std::size_t entry)
 {
-    const char *name = kFixedInfoEntries[entry].valueName;
+    const char *const name = kFixedInfoEntries[entry].valueName;
     QWidget *value = nullptr;
-    if (name[1] == 'e') { // "let_..."
+    if (QLatin1String(name).startsWith(QLatin1String("let_"))) {
         value = named(new ReadonlyLineEdit(verticalLayoutWidget), name);
     } else {
         auto *label = named(new QLabel(verticalLayoutWidget), name);
