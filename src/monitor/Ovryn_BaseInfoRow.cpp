@@ -11,7 +11,6 @@
 namespace
 {
 constexpr int kColumns = 12; ///< 1 for the check mark, 4 for the name, 1 free, 6 for the values
-constexpr int kValueSlots = 5;
 constexpr int kCheckBoxFontPixels = 14;
 constexpr int kTitleFontPixels = 12;
 constexpr int kTextFlags = Qt::AlignLeft | Qt::AlignVCenter;
@@ -104,9 +103,9 @@ void Ovryn_BaseInfoRow::paintEvent(QPaintEvent *)
     QFont valueFont(QStringLiteral("Arial"));
     valueFont.setPixelSize(rects.valueFontPixels());
     painter.setFont(valueFont);
-    const QString texts[kValueSlots] = {currentText, QStringLiteral("MAX:"), maxText, QStringLiteral("MIN:"),
-                                        minText};
-    for (int slot = 0; slot < kValueSlots; ++slot)
+    const QString texts[InfoRowLayout::valueSlots] = {currentText, QStringLiteral("MAX:"), maxText,
+                                                      QStringLiteral("MIN:"), minText};
+    for (int slot = 0; slot < InfoRowLayout::valueSlots; ++slot)
         painter.drawText(rects.slotRect(slot), kTextFlags, texts[slot]);
 
     if (!checkBoxVisible) {
