@@ -1,5 +1,6 @@
 #include "app/CardDetection.h"
 
+#include "device/MakersBoards.h"
 #include "device/NvGpuControl.h"
 
 #include <string>
@@ -75,11 +76,11 @@ GpuCardInfo identifyCard(const QString &gpuName, quint32 subSystemId)
     card.subSystemId = subSystemId;
     card.displayName = withoutBrand(gpuName);
 
-    if ((subSystemId & 0xFFFF) != kMakerSubSystemVendor) {
+    if (subSystemVendorOf(subSystemId) != kMakerSubSystemVendor) {
         card.family = kFamilyForeign;
         return card;
     }
-    const quint32 device = subSystemId >> 16;
+    const quint32 device = subSystemDeviceOf(subSystemId);
     switch (device & 0xF000) {
     case kFamilyOvryn:
         card.family = kFamilyOvryn;
@@ -119,7 +120,7 @@ void numberRepeatedCard(GpuCardInfo &card, const QList<GpuCardInfo> &earlier)
 
 bool offersHighPerformance(const GpuCardInfo &card)
 {
-    return card.gpuName == QLatin1String("GeForce GTX 1070 Ti") && card.family == kFamilyOvryn &&
+    return card.gpuName == QLatin1String(kHighPerformanceModel) && card.family == kFamilyOvryn &&
            card.variantCode >= 8;
 }
 

@@ -25,9 +25,6 @@ constexpr qint32 kFamilyOvryn = 0x1000;
 constexpr qint32 kFamilyStorm = 0x2000;
 constexpr qint32 kFamilyForeign = 0xFFFF;
 
-/// PCI subsystem vendor of the maker's own boards.
-constexpr quint32 kMakerSubSystemVendor = 0x7377;
-
 /// Names and codes of a card from what the driver tells of it; pure.
 GpuCardInfo identifyCard(const QString &gpuName, quint32 subSystemId);
 

@@ -1,5 +1,7 @@
 #include "app/MainDialogStyle.h"
 
+#include "ui/Reds.h"
+
 #include <QFont>
 #include <QPushButton>
 
@@ -20,11 +22,12 @@ QString imageRule(const QString &selector, const QString &picture)
 
 QString textButton()
 {
-    return QStringLiteral("QPushButton{ background-color:rgba(0,0,0,0);"
-                          "\t\t\t\t\t\t\tborder: 0px solid rgba(0, 0, 0,0);"
-                          "\t\t\t\t\t\t\tcolor:rgba(255, 255, 255,255);}"
-                          "QPushButton:hover{color:rgb(255, 120, 140);}"
-                          "QPushButton:checked{color:rgb(252, 10, 53);}");
+    return Reds::inSheet(QStringLiteral("QPushButton{ background-color:rgba(0,0,0,0);"
+                                        "\t\t\t\t\t\t\tborder: 0px solid rgba(0, 0, 0,0);"
+                                        "\t\t\t\t\t\t\tcolor:rgba(255, 255, 255,255);}"
+                                        "QPushButton:hover{color:rgb(255, 120, 140);}"
+                                        "QPushButton:checked{color:rgb(@glass);}"),
+                         QStringLiteral(", "));
 }
 
 QString pictureButton(const QString &name)

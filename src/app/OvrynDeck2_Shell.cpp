@@ -2,6 +2,7 @@
 
 #include "app/Tray.h"
 #include "app/UpdateFlow.h"
+#include "device/Units.h"
 #include "device/WorkerThread.h"
 #include "platform/AutoStart.h"
 #include "platform/QtSingleApplication.h"
@@ -15,8 +16,6 @@
 
 namespace
 {
-
-constexpr int kMillisecondsPerSecond = 1000;
 
 /// With a cycle of a worker when the system ends the session: Windows gives a process five seconds in all.
 constexpr unsigned long kPatienceOfTheSystemMs = 2000;

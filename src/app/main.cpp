@@ -1,5 +1,6 @@
 #include "app/OvrynDeck2.h"
 #include "config/Ovryn_ConfigFile.h"
+#include "device/Units.h"
 #include "device/WorkerThread.h"
 #include "platform/FileSync.h"
 #include "platform/QtSingleApplication.h"
@@ -52,7 +53,7 @@ GeneralSettingInfo stampStart(Ovryn_ConfigFile &configFile)
 }
 
 /// How long a start waits for an instance that is ending: as long as limitShutdown gives one with eight cards.
-constexpr int kWaitForEndMs = 110 * 1000;
+constexpr int kWaitForEndMs = 110 * kMillisecondsPerSecond;
 
 /// True when this start is to go on. A running instance is brought to the front instead; one that is ending takes no
 /// message any more, and its place is waited for.

@@ -12,8 +12,6 @@ struct BoardSensorQuantity
     QString Lang_BoardInfo::*title;
 };
 
-constexpr int kBoardSensorCount = 4;
-
 /// The sensors in the order of the rows, of the graphs and of the bits of a selection mask.
 // clang-format off
 constexpr BoardSensorQuantity kBoardSensors[] = {
@@ -24,4 +22,4 @@ constexpr BoardSensorQuantity kBoardSensors[] = {
     {&BoardTempCompleteInfo::sensor92,  &Lang_BoardInfo::memMos},
 };
 // clang-format on
-static_assert(std::size(kBoardSensors) == kBoardSensorCount, "one row a sensor");
+constexpr int kBoardSensorCount = int(std::size(kBoardSensors));

@@ -1,5 +1,6 @@
 #include "board/LcdPageStyle.h"
 
+#include "ui/Reds.h"
 #include "ui/UiStyle.h"
 
 QString LcdPageStyle::radio()
@@ -9,15 +10,16 @@ QString LcdPageStyle::radio()
 
 QString LcdPageStyle::keyField()
 {
-    return QStringLiteral("QLineEdit{border:1px solid rgba(252,10,53,130);background-color:rgba(0,0,0,120);"
-                          "color:rgb(238,238,238);padding:0px;"
-                          "selection-background-color:rgb(236,9,40);selection-color:white;}"
-                          "QLineEdit:hover{border:1px solid rgba(252,10,53,220);}"
-                          "QLineEdit:focus{border:1px solid rgb(252,10,53);background-color:rgba(252,10,53,70);}"
-                          "QLineEdit:disabled{border:1px solid rgba(140,140,140,90);"
-                          "background-color:rgba(0,0,0,60);color:rgb(120,120,120);}"
-                          // the captions reach up to the fields: these stand off by a margin of their own
-                          "QLineEdit#hotKeyModifier{margin-left:4px;}");
+    return Reds::inSheet(
+        QStringLiteral("QLineEdit{border:1px solid rgba(@glass,130);background-color:rgba(0,0,0,120);"
+                       "color:rgb(238,238,238);padding:0px;"
+                       "selection-background-color:rgb(@gauge);selection-color:white;}"
+                       "QLineEdit:hover{border:1px solid rgba(@glass,220);}"
+                       "QLineEdit:focus{border:1px solid rgb(@glass);background-color:rgba(@glass,70);}"
+                       "QLineEdit:disabled{border:1px solid rgba(140,140,140,90);"
+                       "background-color:rgba(0,0,0,60);color:rgb(120,120,120);}"
+                       // the captions reach up to the fields: these stand off by a margin of their own
+                       "QLineEdit#hotKeyModifier{margin-left:4px;}"));
 }
 
 QString LcdPageStyle::switchTime()

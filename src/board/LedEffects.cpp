@@ -11,7 +11,7 @@ namespace
 constexpr quint8 kLit = 0x32;        // level of every effect that lights up
 constexpr quint8 kPagesInterval = 0; // no interval of its own: what the page shows
 
-enum class Colours
+enum class Colors
 {
     None,
     Last, // of the selection
@@ -24,19 +24,19 @@ struct EffectRow
     quint8 effect;
     quint8 level;
     quint8 interval;
-    Colours colours;
+    Colors colors;
 };
 
 // clang-format off
 constexpr EffectRow kEffects[] = {
     // mode                   effect level interval        colours
-    { LedMode::SingleBreath,   1,    kLit, kPagesInterval, Colours::Last },
-    { LedMode::SingleBright,   0,    kLit, 2,              Colours::Last },
-    { LedMode::MultipleBreath, 1,    kLit, kPagesInterval, Colours::All  },
-    { LedMode::MultipleBright, 2,    kLit, kPagesInterval, Colours::All  },
-    { LedMode::StateDisplay,   1,    kLit, 4,              Colours::None }, // colour and interval from the temperature
-    { LedMode::Gradient,       4,    kLit, 2,              Colours::None },
-    { LedMode::Sleep,          0,    0,    0x0A,           Colours::None },
+    { LedMode::SingleBreath,   1,    kLit, kPagesInterval, Colors::Last },
+    { LedMode::SingleBright,   0,    kLit, 2,              Colors::Last },
+    { LedMode::MultipleBreath, 1,    kLit, kPagesInterval, Colors::All  },
+    { LedMode::MultipleBright, 2,    kLit, kPagesInterval, Colors::All  },
+    { LedMode::StateDisplay,   1,    kLit, 4,              Colors::None }, // colour and interval from the temperature
+    { LedMode::Gradient,       4,    kLit, 2,              Colors::None },
+    { LedMode::Sleep,          0,    0,    0x0A,           Colors::None },
 };
 // clang-format on
 static_assert(std::size(kEffects) == kLedModeCount, "one row per mode");
@@ -83,13 +83,13 @@ std::vector<quint8> bytesOf(const QList<QColor> &colors)
     return bytes;
 }
 
-QList<QColor> coloursOf(Colours which, const QList<QColor> &selected)
+QList<QColor> colorsOf(Colors which, const QList<QColor> &selected)
 {
-    if (which == Colours::None)
+    if (which == Colors::None)
         return {};
     if (selected.isEmpty())
         return {QColor(255, 0, 0)};
-    return which == Colours::Last ? QList<QColor>{selected.last()} : selected.mid(0, int(kLedMaxColours));
+    return which == Colors::Last ? QList<QColor>{selected.last()} : selected.mid(0, int(kLedMaxColours));
 }
 
 } // namespace
@@ -105,7 +105,7 @@ LedCommand ledCommandFor(LedMode mode, qint32 interval, const QList<QColor> &sel
         return ledStateCommandFor(ledStateBandFor(0));
     const EffectRow &row = kEffects[static_cast<std::size_t>(mode)];
     LedCommand command;
-    command.colours = bytesOf(coloursOf(row.colours, selected));
+    command.colors = bytesOf(colorsOf(row.colors, selected));
     command.effect = row.effect;
     command.level = row.level;
     command.interval = row.interval == kPagesInterval ? static_cast<quint8>(interval) : row.interval;

@@ -17,7 +17,7 @@ enum class LedMode
     Gradient = 5,     ///< for controllers of type 3
     Sleep = 6,        ///< LEDs off; any other number counts as this one
 };
-constexpr int kLedModeCount = 7;
+constexpr int kLedModeCount = int(LedMode::Sleep) + 1;
 
 /// The mode of a number of config.xml.
 [[nodiscard]] LedMode ledModeOf(qint32 number);
@@ -39,7 +39,7 @@ constexpr qint32 kMaxLedInterval = 16;
 /// What is told to the LED controller.
 struct LedCommand
 {
-    std::vector<quint8> colours; ///< red, green and blue of each colour; none for the effects that bring their own
+    std::vector<quint8> colors; ///< red, green and blue of each colour; none for the effects that bring their own
     quint8 effect = 0;
     quint8 level = 0;
     quint8 interval = 0;

@@ -1,5 +1,6 @@
 #include "board/LedPageStyle.h"
 
+#include "ui/Reds.h"
 #include "ui/UiStyle.h"
 
 #include <QPainter>
@@ -46,16 +47,17 @@ QPixmap resetPixmap(int size, const QColor &color)
 QString LedPageStyle::page()
 {
     return UiStyle::numberBoxes() + UiStyle::numberBoxButtons() + UiStyle::radioButtons() +
-           QStringLiteral("ModifySpinBox::up-button,ModifySpinBox::down-button{width:18px;}"
-                          "QLabel#lblInterval{color:rgb(225,225,225);}"
-                          "QLabel#lblInterval:disabled{color:rgb(120,120,120);}"
-                          "QPushButton#ResetDynamicColors{border:1px solid rgba(252,10,53,130);"
-                          "background-color:rgba(0,0,0,110);padding:0px;outline:none;}"
-                          "QPushButton#ResetDynamicColors:hover{border:1px solid rgba(252,10,53,220);"
-                          "background-color:rgba(252,10,53,90);}"
-                          "QPushButton#ResetDynamicColors:pressed{background-color:rgba(252,10,53,150);}"
-                          "QPushButton#ResetDynamicColors:disabled{border:1px solid rgba(140,140,140,90);"
-                          "background-color:rgba(0,0,0,60);}");
+           Reds::inSheet(
+               QStringLiteral("ModifySpinBox::up-button,ModifySpinBox::down-button{width:18px;}"
+                              "QLabel#lblInterval{color:rgb(225,225,225);}"
+                              "QLabel#lblInterval:disabled{color:rgb(120,120,120);}"
+                              "QPushButton#ResetDynamicColors{border:1px solid rgba(@glass,130);"
+                              "background-color:rgba(0,0,0,110);padding:0px;outline:none;}"
+                              "QPushButton#ResetDynamicColors:hover{border:1px solid rgba(@glass,220);"
+                              "background-color:rgba(@glass,90);}"
+                              "QPushButton#ResetDynamicColors:pressed{background-color:rgba(@glass,150);}"
+                              "QPushButton#ResetDynamicColors:disabled{border:1px solid rgba(140,140,140,90);"
+                              "background-color:rgba(0,0,0,60);}"));
 }
 
 QIcon LedPageStyle::resetIcon(int size)

@@ -1,12 +1,13 @@
 #include "board/Ovryn_BoardInfoWidget.h"
 
 #include "board/BoardSensors.h"
+#include "monitor/MonitorQuantities.h"
 
 #include <utility>
 
 namespace
 {
-constexpr int kRowsPerHeight = 6; // so that the rows are as high as those of the card's monitor page
+constexpr int kRowsPerHeight = kMonitorQuantityCount; // rows as high as those of the card's monitor page
 }
 
 Ovryn_BoardInfoWidget::Ovryn_BoardInfoWidget(QWidget *parent) : RowListView(kBoardSensorCount, kRowsPerHeight, parent)

@@ -58,7 +58,7 @@ void Ovryn_ColorPaletteBox::showHueAndShade(QColor color)
 
 void Ovryn_ColorPaletteBox::mousePressEvent(QMouseEvent *event)
 {
-    turning = event->button() == Qt::LeftButton && ring.contains(event->pos());
+    turning = event->button() == Qt::LeftButton && marker->getRing().contains(event->pos());
     if (turning)
         marker->turnTo(event->pos());
     else
@@ -83,7 +83,7 @@ void Ovryn_ColorPaletteBox::mouseReleaseEvent(QMouseEvent *event)
 
 void Ovryn_ColorPaletteBox::resizeEvent(QResizeEvent *)
 {
-    ring = HueRing::forSize(size());
+    const HueRing ring = HueRing::forSize(size());
     ringImage = ring.image(&ringTopLeft);
     marker->setRing(ring);
 

@@ -41,7 +41,6 @@ private:
 
     QImage ringImage; ///< cut to the ring
     QPoint ringTopLeft;
-    HueRing ring;
     bool turning = false; ///< the left button went down on the ring
     Ovryn_TriangleButton *marker;
     Ovryn_ColorSlider *slider;

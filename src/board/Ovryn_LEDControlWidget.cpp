@@ -4,6 +4,7 @@
 #include "board/Ovryn_ColorButton.h"
 #include "board/Ovryn_ColorButtonGroup.h"
 #include "board/Ovryn_SendColorToLed.h"
+#include "device/LedFrame.h"
 #include "device/NvGpuControl.h"
 #include "ui/ModifySpinBox.h"
 #include "ui/PageFrame.h"
@@ -25,7 +26,7 @@ namespace
 constexpr std::array<QRgb, LedPageLayout::colorCount> kPresetColors = {
     0xFFFF0000, 0xFFFFA500, 0xFFFFFF00, 0xFF00FF00, 0xFF007FFF, 0xFF0000FF, 0xFF8B00FF,
 };
-constexpr int kSelectionLimit = 7;
+constexpr int kSelectionLimit = int(kLedMaxColours); // more do not fit into a frame
 constexpr int kFontPixels = 16;
 constexpr int kNumberPixels = 14;
 constexpr int kResetIconMargin = 8; // pixels, both sides together

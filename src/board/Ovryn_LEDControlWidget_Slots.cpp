@@ -39,7 +39,7 @@ void Ovryn_LEDControlWidget::sendCurrentEffect(bool closing)
 void Ovryn_LEDControlWidget::send(const LedCommand &command, bool closing)
 {
     // A card without a controller refuses every frame; the page shows the same all the same.
-    control->i2cWriteFramed(command.colours.data(), qint32(command.colours.size()), command.effect, command.level,
+    control->i2cWriteFramed(command.colors.data(), qint32(command.colors.size()), command.effect, command.level,
                             command.interval, closing);
 }
 

@@ -51,6 +51,6 @@ bool Ovryn_SendColorToLed::showStateOnce()
         return true;
     lastColor = band.color;
     const LedCommand command = ledStateCommandFor(band);
-    return control->i2cWriteFramed(command.colours.data(), qint32(command.colours.size()), command.effect,
+    return control->i2cWriteFramed(command.colors.data(), qint32(command.colors.size()), command.effect,
                                    command.level, command.interval, false);
 }

@@ -10,8 +10,6 @@
 namespace
 {
 
-constexpr quint32 kMillisecondsPerSecond = 1000;
-
 constexpr LCDDisplayMode kRotation[] = {
     LcdDisplayOther,
     LcdDisplayClock,

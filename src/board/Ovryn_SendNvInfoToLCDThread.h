@@ -1,6 +1,7 @@
 #pragma once
 
 #include "device/DeviceRecords.h"
+#include "device/Units.h"
 #include "device/WorkerThread.h"
 
 #include <memory>
@@ -57,7 +58,7 @@ protected:
     // its state, open to a derived class; all of it is guarded by mutex
     quint32 elapsedMs = 0; ///< on the current page
     bool autoSwitch = true;
-    quint32 switchMs = 1000 * quint32(kDefaultSwitchSeconds); ///< time per page
+    quint32 switchMs = kMillisecondsPerSecond * kDefaultSwitchSeconds; ///< time per page
     bool enable = true;
     LCDDisplayMode mode = LcdDisplayClock; ///< page now shown
 

@@ -13,7 +13,8 @@ class Ovryn_TriangleButton : public QLabel
 public:
     explicit Ovryn_TriangleButton(QWidget *parent);
 
-    void setRing(const HueRing &newRing);               ///< places the marker anew
+    void setRing(const HueRing &newRing); ///< places the marker anew
+    [[nodiscard]] const HueRing &getRing() const { return ring; }
     [[nodiscard]] double getHue() const { return hue; } ///< degrees, 0 to 360
     [[nodiscard]] QColor getColor() const;              ///< the hue, fully saturated
     /// Turns to a point of the parent, as a drag does, and emits onColorChanged.

@@ -22,11 +22,17 @@ struct GeneralSettingInfo
     QString PageEffects = QStringLiteral("normal"); ///< "normal" or "advanced"
 };
 
+/// What becomes of a newer version that the program finds by itself. The settings page offers the first and the last;
+/// a file may hold any number, of which these two ask the user and every other installs.
+constexpr qint32 kUpdateModeInstall = 0;
+constexpr qint32 kUpdateModeAsk = 1;
+constexpr qint32 kUpdateModeNotify = 2;
+
 /// How the program looks for updates.
 struct UpdateSettingInfo
 {
     qint32 CheckInterval = 7; ///< days; 10000 for never
-    qint32 UpdateMode = 0;    ///< 0 download and install, 2 notify only
+    qint32 UpdateMode = kUpdateModeInstall;
     qint32 UpdateStatus = 1;
 };
 

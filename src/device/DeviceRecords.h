@@ -1,5 +1,7 @@
 #pragma once
 
+#include "device/CoolerPolicies.h"
+
 #include <QMetaType>
 #include <QtGlobal>
 
@@ -120,7 +122,7 @@ struct NvCoolerInfo
     qint32 tachMin = 0; ///< rpm; 0 without a tachometer block
     qint32 tachMax = 0; ///< rpm; 0 without a tachometer block
     qint32 currentLevel = 0;
-    qint32 currentPolicy = 0x20; ///< cooler policy of the driver; 0x20 (driver's control) until read
+    qint32 currentPolicy = kCoolerPolicyDefault; ///< one of kCoolerPolicies; the driver's control until read
 };
 
 /// What offset a clock allows, MHz.

@@ -1,5 +1,7 @@
 #include "device/LcdFrame.h"
 
+#include "device/MakersBoards.h"
+
 #include <algorithm>
 #include <iterator>
 #include <limits>
@@ -39,8 +41,7 @@ quint8 switchTimeCode(int timeSeconds)
         ->code;
 }
 
-constexpr quint32 kFanFlagMaker = 0x13; ///< top byte of the subsystem identifier of the cards with a fan flag
-constexpr int kMakerShift = 24;
+constexpr quint32 kFanFlagBoards = 0x13; ///< upper byte of the subsystem device of the cards with a fan flag
 
 const char kModelMark[] = "GTX";
 const char kTiMark[] = "Ti";
@@ -95,7 +96,7 @@ quint8 lcdCommand(bool enable, bool autoSwitch, int timeSeconds, int mode)
 
 bool lcdFanFlag(quint32 subSystemId, const std::string &gpuName, qint32 fanRpm)
 {
-    return subSystemId >> kMakerShift == kFanFlagMaker && !hasTi(gpuName) && fanRpm > 0;
+    return subSystemDeviceOf(subSystemId) >> 8 == kFanFlagBoards && !hasTi(gpuName) && fanRpm > 0;
 }
 
 LcdFrame buildLcdFrame(const LcdReadings &readings)

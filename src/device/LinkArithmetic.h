@@ -1,10 +1,15 @@
 #pragma once
 
+#include "device/Units.h"
+
 #include <algorithm>
 
 /// \file
 /// The link between a card's power target and its temperature target: a straight line on each side of the
 /// defaults. All arithmetic is in 32-bit floats, except the choice of the side.
+
+/// The scale of a power policy in the arithmetic's own type.
+constexpr float kThousandths = kThousandthsPerPercent;
 
 /// A power policy, thousandths of a percent.
 struct PowerLine
@@ -32,13 +37,13 @@ struct TemperatureLine
 /// Which side of the defaults a power target lies on.
 [[nodiscard]] inline bool isAboveDefaultPower(float percent, const PowerLine &power)
 {
-    return percent * 1000.0 > static_cast<double>(power.defaultPower);
+    return percent * double(kThousandthsPerPercent) > static_cast<double>(power.defaultPower);
 }
 
 /// Degrees Celsius that go with a power target in percent.
 [[nodiscard]] inline float temperatureForPower(float percent, const PowerLine &power, const TemperatureLine &line)
 {
-    const float target = percent * 1000.0F;
+    const float target = percent * kThousandths;
     // The bound is the first argument of min and max, so that it also stands for what is no number.
     if (isAboveDefaultPower(percent, power)) {
         const float share = shareOfSpan(target - power.defaultPower, power.maxPower - power.defaultPower);
@@ -56,9 +61,9 @@ struct TemperatureLine
     if (isAboveDefaultPower(currentPercent, power)) {
         const float share = shareOfSpan(degrees - line.defaultTemp, line.maxTemp - line.defaultTemp);
         const float target = power.defaultPower + share * (power.maxPower - power.defaultPower);
-        return std::min(power.maxPower / 1000.0F, target / 1000.0F);
+        return std::min(power.maxPower / kThousandths, target / kThousandths);
     }
     const float share = shareOfSpan(line.defaultTemp - degrees, line.defaultTemp - line.minTemp);
     const float target = power.defaultPower - share * (power.defaultPower - power.minPower);
-    return std::max(power.minPower / 1000.0F, target / 1000.0F);
+    return std::max(power.minPower / kThousandths, target / kThousandths);
 }

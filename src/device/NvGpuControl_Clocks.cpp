@@ -1,6 +1,7 @@
 #include "device/NvGpuControl.h"
 
 #include "device/Arithmetic.h"
+#include "device/Units.h"
 #include "device/nvapi/NvApi.h"
 #include "device/nvapi/VersionLadder.h"
 
@@ -20,19 +21,16 @@ constexpr std::array<quint32, 1> kPowerPoliciesSetVersions = {kPowerPoliciesStat
 
 constexpr quint32 kP0 = 0; ///< `pstateId` of the one state that is read and written
 constexpr quint32 kPrepareRestore = 1;
-constexpr qint32 kSignedThousand = 1000;    ///< kHz to MHz and microvolts to millivolts, of offsets
-constexpr quint32 kUnsignedThousand = 1000; ///< the same of frequencies and voltages
-constexpr quint32 kEditable = 1;            ///< bit of the flag words
+constexpr quint32 kEditable = 1; ///< bit of the flag words
 
 bool readPstates(void *gpu, Pstates &record)
 {
-    return descend(kPstatesVersions, record, [gpu](Pstates *states) { return NvAPI_GPU_GetPstates20(gpu, states); })
-        .succeeded();
+    return descend(kPstatesVersions, record, NvAPI_GPU_GetPstates20, gpu).succeeded();
 }
 
 LadderResult writePstates(void *gpu, const std::array<quint32, 3> &versions, Pstates &record)
 {
-    return descend(versions, record, [gpu](Pstates *states) { return NvAPI_GPU_SetPstates20(gpu, states); });
+    return descend(versions, record, NvAPI_GPU_SetPstates20, gpu);
 }
 
 /// Null when the record has none. The counts of the record come from the driver and are bounded here.
@@ -64,7 +62,7 @@ void forEachClockOfP0(const Pstates &record, Visitor visit)
 
 qint32 toMHz(quint32 frequencyKHz)
 {
-    return static_cast<qint32>(frequencyKHz / kUnsignedThousand);
+    return static_cast<qint32>(frequencyKHz / kKHzPerMHz);
 }
 
 /// The driver's base frequency of a memory clock of single type contains the user's offset; that of the
@@ -73,14 +71,14 @@ void subtractMemoryOffset(const Pstates &record, NvClockSet &clocks)
 {
     forEachClockOfP0(record, [&clocks](const Pstates::Clock &clock) {
         if (clock.domainId == kClockDomainMemory && clock.typeId == kPstateClockTypeSingle)
-            clocks.memoryClock = wrappingDifference(clocks.memoryClock, clock.freqDelta_kHz.value / kSignedThousand);
+            clocks.memoryClock = wrappingDifference(clocks.memoryClock, clock.freqDelta_kHz.value / kKHzPerMHz);
     });
 }
 
 void addOffsets(const Pstates &record, NvClockSet &clocks)
 {
     forEachClockOfP0(record, [&clocks](const Pstates::Clock &clock) {
-        const qint32 offsetMHz = clock.freqDelta_kHz.value / kSignedThousand;
+        const qint32 offsetMHz = clock.freqDelta_kHz.value / kKHzPerMHz;
         if (clock.domainId == kClockDomainGraphics)
             clocks.gpuClock = wrappingSum(clocks.gpuClock, offsetMHz);
         else if (clock.domainId == kClockDomainMemory)
@@ -101,7 +99,7 @@ void clocksOfPstates(const Pstates &record, NvClockSet &clocks)
                                                                            : graphics.data.single.freq_kHz);
         } else if (clock.domainId == kClockDomainMemory) {
             clocks.memoryClock = memory.typeId == kPstateClockTypeSingle
-                                     ? cutToInt(static_cast<float>(memory.data.single.freq_kHz)) / kSignedThousand
+                                     ? cutToInt(static_cast<float>(memory.data.single.freq_kHz)) / kKHzPerMHz
                                      : toMHz(memory.data.range.maxFreq_kHz);
         }
     });
@@ -119,10 +117,10 @@ void takeOffsetRange(const Pstates &record, quint32 domainId, NvClockOffsetRange
     if (clock == end)
         return;
     out.editable = clock->bIsEditable & kEditable;
-    out.minOffset = clock->freqDelta_kHz.valueRange.min / kSignedThousand;
-    out.maxOffset = clock->freqDelta_kHz.valueRange.max / kSignedThousand;
+    out.minOffset = clock->freqDelta_kHz.valueRange.min / kKHzPerMHz;
+    out.maxOffset = clock->freqDelta_kHz.valueRange.max / kKHzPerMHz;
     if (domainId == kClockDomainMemory && clock->typeId == kPstateClockTypeSingle)
-        out.offsetInBase = clock->freqDelta_kHz.value / kSignedThousand;
+        out.offsetInBase = clock->freqDelta_kHz.value / kKHzPerMHz;
 }
 
 /// A range that could not be read is 0 to 0.
@@ -154,7 +152,7 @@ Pstates clockOffsetRecord(quint32 domainId, qint32 offsetMHz)
     record.numBaseVoltages = 0;
     record.pstates[0].pstateId = kP0;
     record.pstates[0].clocks[0].domainId = domainId;
-    record.pstates[0].clocks[0].freqDelta_kHz.value = wrappingProduct(offsetMHz, kSignedThousand);
+    record.pstates[0].clocks[0].freqDelta_kHz.value = wrappingProduct(offsetMHz, kKHzPerMHz);
     return record;
 }
 
@@ -171,16 +169,11 @@ void clearClockOffsets(void *gpu)
 
 bool writeDefaultPower(void *gpu, const NvPowerInfo &power)
 {
-    constexpr qint32 thousandthsPerPercent = 1000;
     NvApiPowerPoliciesStatus record{};
     record.count = 1;
     record.entries[0].policyId = static_cast<quint32>(power.policyId);
-    record.entries[0].power = static_cast<quint32>(wrappingProduct(power.defaultPower, thousandthsPerPercent));
-    return descend(kPowerPoliciesSetVersions, record,
-                   [gpu](NvApiPowerPoliciesStatus *status) {
-                       return NvAPI_GPU_ClientPowerPoliciesSetStatus(gpu, status);
-                   })
-        .succeeded();
+    record.entries[0].power = static_cast<quint32>(wrappingProduct(power.defaultPower, kThousandthsPerPercent));
+    return descend(kPowerPoliciesSetVersions, record, NvAPI_GPU_ClientPowerPoliciesSetStatus, gpu).succeeded();
 }
 
 /// Asks for the memory type and drops the answer: the question belongs to each read of the memory clock.
@@ -259,12 +252,12 @@ bool NvGpuControl::getVoltageInfo(NvVoltageInfo &out)
         const Pstates::Voltage &voltage = p0->baseVoltages[index];
         const NvApiPstateDelta &delta = voltage.voltDelta_uV;
         if (voltage.domainId == kVoltageDomainCore)
-            out.currentVoltage = static_cast<qint32>(voltage.volt_uV / kUnsignedThousand);
+            out.currentVoltage = static_cast<qint32>(voltage.volt_uV / kMicrovoltsPerMillivolt);
         // Unsigned as the voltage itself is.
         out.baseVoltage =
-            static_cast<qint32>((voltage.volt_uV - static_cast<quint32>(delta.value)) / kUnsignedThousand);
-        out.maxVoltage = wrappingSum(out.baseVoltage, delta.valueRange.max / kSignedThousand);
-        out.minVoltage = wrappingSum(out.baseVoltage, delta.valueRange.min / kSignedThousand);
+            static_cast<qint32>((voltage.volt_uV - static_cast<quint32>(delta.value)) / kMicrovoltsPerMillivolt);
+        out.maxVoltage = wrappingSum(out.baseVoltage, delta.valueRange.max / kMicrovoltsPerMillivolt);
+        out.minVoltage = wrappingSum(out.baseVoltage, delta.valueRange.min / kMicrovoltsPerMillivolt);
         out.editable = voltage.bIsEditable & kEditable;
     }
     out.baseVoltageAgain = out.baseVoltage;

@@ -24,25 +24,17 @@ constexpr std::array<quint32, 1> kNewestCoolerLevelsVersion = {kCoolerLevelsVers
 constexpr qint32 kDefaultLevel = -1; ///< asks setCoolerLevel for the card's own default
 constexpr qint32 kHighestPercent = 100;
 
-constexpr qint32 kAcceptedPolicies[] = {kCoolerPolicyManual, kCoolerPolicyPerformance,
-                                        kCoolerPolicyDiscreteTemperature, kCoolerPolicyContinuousTemperature,
-                                        kCoolerPolicyDefault};
-
 template <std::size_t versionCount>
 LadderResult readCoolerSettings(void *gpu, const std::array<quint32, versionCount> &versions,
                                 NvApiCoolerSettings &record)
 {
-    return descend(versions, record, [gpu](NvApiCoolerSettings *settings) {
-        return NvAPI_GPU_GetCoolerSettings(gpu, kAllCoolers, settings);
-    });
+    return descend(versions, record, NvAPI_GPU_GetCoolerSettings, gpu, kAllCoolers);
 }
 
 template <std::size_t versionCount>
 bool writeCoolerLevels(void *gpu, const std::array<quint32, versionCount> &versions, NvApiCoolerLevels &record)
 {
-    return descend(versions, record,
-                   [gpu](NvApiCoolerLevels *levels) { return NvAPI_GPU_SetCoolerLevels(gpu, kAllCoolers, levels); })
-        .succeeded();
+    return descend(versions, record, NvAPI_GPU_SetCoolerLevels, gpu, kAllCoolers).succeeded();
 }
 
 /// The level that may go out: a percentage, and within the range of the first cooler, whose level is the one
@@ -92,7 +84,6 @@ bool NvGpuControl::getCoolerInfo(NvCoolerInfo &out)
 {
     void *const gpu = currentHandle();
     out = {};
-    out.currentPolicy = kCoolerPolicyDefault;
     if (!gpu) {
         fold(ExtremeTachRpm, 0);
         return false;
@@ -139,8 +130,7 @@ bool NvGpuControl::setCoolerLevel(qint32 level, qint32 policy)
             return false;
     } else {
         levels.levels[0].level = allowedLevel(gpu, level);
-        if (std::find(std::begin(kAcceptedPolicies), std::end(kAcceptedPolicies), policy) !=
-            std::end(kAcceptedPolicies))
+        if (std::find(kCoolerPolicies.begin(), kCoolerPolicies.end(), policy) != kCoolerPolicies.end())
             levels.levels[0].policy = policy;
         if (!writeCoolerLevels(gpu, kCoolerLevelsVersions, levels))
             return false;

@@ -1,6 +1,7 @@
 #include "device/NvGpuControl.h"
 
 #include "device/Arithmetic.h"
+#include "device/Units.h"
 #include "device/nvapi/DriverText.h"
 #include "device/nvapi/NvApi.h"
 #include "device/nvapi/VersionLadder.h"
@@ -58,11 +59,13 @@ std::string formatted(const char *format, Number number)
     return QString::asprintf(format, number).toStdString();
 }
 
+constexpr double kBitsPerByte = 8;
+
 /// Gigabytes per second from megahertz and bits. The product wraps at 32 bits.
 double memoryBandwidth(qint32 rateFactor, qint32 memoryClockMHz, quint32 widthBits)
 {
     const quint32 megabits = static_cast<quint32>(rateFactor) * static_cast<quint32>(memoryClockMHz) * widthBits;
-    return static_cast<float>(static_cast<double>(megabits)) * 0.125 / 1000.0;
+    return static_cast<float>(static_cast<double>(megabits)) / kBitsPerByte / kMegabytesPerGigabyte;
 }
 
 std::string upperCase(std::string text)
@@ -79,9 +82,8 @@ std::string upperCase(std::string text)
 void readChipset()
 {
     NvApiChipsetInfo record{};
-    const LadderResult read = descend(
-        kChipsetInfoVersions, record, [](NvApiChipsetInfo *info) { return NvAPI_SYS_GetChipSetInfo(info); },
-        descendOnRefusedVersion);
+    const LadderResult read =
+        descendWhile(descendOnRefusedVersion, kChipsetInfoVersions, record, NvAPI_SYS_GetChipSetInfo);
     if (read.status == NVAPI_ERROR)
         dropErrorText(read.status);
 }
@@ -100,7 +102,7 @@ void NvGpuControl::getFixedInfo(NvInfo &info)
     info.gpuName = NvAPI_GPU_GetFullName(gpu, name.data()) == NVAPI_OK ? driverText(name) : kUnknown;
 
     NvMemoryInfo memory;
-    info.memSize = getMemoryInfo(memory) ? formatted("%dMB", memory.totalKB >> 10) : kUnknown;
+    info.memSize = getMemoryInfo(memory) ? formatted("%dMB", memory.totalKB >> kKBPerMBBits) : kUnknown;
 
     quint32 driverType = 0;
     if (NvAPI_GPU_GetRamType(gpu, &driverType) != NVAPI_OK)

@@ -35,13 +35,11 @@ NV_I2C_INFO i2cRecord(quint8 address, quint8 *reg, quint32 regSize, quint8 *data
 
 bool transfer(NvPhysicalGpuHandle gpu, NV_I2C_INFO record, PlainTransfer plain, ExtendedTransfer extended)
 {
-    return descendWithExtendedCall(
-               kI2cInfoVersions, record, [=](NV_I2C_INFO *info) { return plain(gpu, info); },
-               [=](NV_I2C_INFO *info) {
-                   quint32 twoZeroWords[2] = {0, 0};
-                   return extended(gpu, info, twoZeroWords);
-               })
-        .succeeded();
+    const auto extendedWithWords = [extended](NvPhysicalGpuHandle card, NV_I2C_INFO *info) {
+        quint32 twoZeroWords[2] = {0, 0};
+        return extended(card, info, twoZeroWords);
+    };
+    return descendWithExtendedCall(kI2cInfoVersions, record, plain, extendedWithWords, gpu).succeeded();
 }
 
 } // namespace

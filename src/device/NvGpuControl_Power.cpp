@@ -2,6 +2,7 @@
 
 #include "device/Arithmetic.h"
 #include "device/LinkArithmetic.h"
+#include "device/Units.h"
 #include "device/nvapi/NvApi.h"
 #include "device/nvapi/VersionLadder.h"
 
@@ -21,11 +22,7 @@ constexpr std::array<quint32, 2> kThermalPoliciesInfoVersions = {kThermalPolicie
 constexpr std::array<quint32, 2> kThermalPoliciesStatusVersions = {kThermalPoliciesStatusVersion2,
                                                                    kThermalPoliciesStatusVersion1};
 
-constexpr quint32 kThousandthsPerPercent = 1000;
-constexpr double kPercentToRaw = 1000.0;
-constexpr double kDegreesToRaw = 256.0;
-constexpr double kRawToDegrees = 0.00390625; ///< 1/256
-constexpr qint32 kRawPerDegree = 256;
+constexpr qint32 kRawPerDegree = 256;   ///< of the thermal policies
 constexpr quint8 kThermalInfoValid = 1; ///< bit of NvApiThermalPoliciesInfo::flags
 constexpr quint32 kPriority = 1;        ///< bit of NvApiThermalPoliciesStatus::Entry::flags
 
@@ -62,9 +59,7 @@ void copyPolicyIds(const Info &info, Status &status)
 
 bool readTopology(void *gpu, NvApiPowerTopologyInfo &record)
 {
-    return descend(kPowerTopologyInfoVersions, record,
-                   [gpu](NvApiPowerTopologyInfo *info) { return NvAPI_GPU_ClientPowerTopologyGetInfo(gpu, info); })
-        .succeeded();
+    return descend(kPowerTopologyInfoVersions, record, NvAPI_GPU_ClientPowerTopologyGetInfo, gpu).succeeded();
 }
 
 /// Reads the channels that `info` lists.
@@ -73,46 +68,33 @@ bool readTopologyStatus(void *gpu, const NvApiPowerTopologyInfo &info, NvApiPowe
     record.count = boundedCount(info.count);
     for (std::size_t index = 0; index < record.count; ++index)
         record.entries[index].channelId = info.channelId[index];
-    return descend(kPowerTopologyStatusVersions, record,
-                   [gpu](NvApiPowerTopologyStatus *status) {
-                       return NvAPI_GPU_ClientPowerTopologyGetStatus(gpu, status);
-                   })
-        .succeeded();
+    return descend(kPowerTopologyStatusVersions, record, NvAPI_GPU_ClientPowerTopologyGetStatus, gpu).succeeded();
 }
 
 bool readPowerInfo(void *gpu, PowerInfo &record)
 {
-    return descend(kPowerPoliciesInfoVersions, record,
-                   [gpu](PowerInfo *info) { return NvAPI_GPU_ClientPowerPoliciesGetInfo(gpu, info); })
-        .succeeded();
+    return descend(kPowerPoliciesInfoVersions, record, NvAPI_GPU_ClientPowerPoliciesGetInfo, gpu).succeeded();
 }
 
 bool readPowerStatus(void *gpu, PowerStatus &record)
 {
-    return descend(kPowerPoliciesStatusVersions, record,
-                   [gpu](PowerStatus *status) { return NvAPI_GPU_ClientPowerPoliciesGetStatus(gpu, status); })
-        .succeeded();
+    return descend(kPowerPoliciesStatusVersions, record, NvAPI_GPU_ClientPowerPoliciesGetStatus, gpu).succeeded();
 }
 
 bool readThermalInfo(void *gpu, ThermalInfo &record)
 {
-    return descend(kThermalPoliciesInfoVersions, record,
-                   [gpu](ThermalInfo *info) { return NvAPI_GPU_ClientThermalPoliciesGetInfo(gpu, info); })
-        .succeeded();
+    return descend(kThermalPoliciesInfoVersions, record, NvAPI_GPU_ClientThermalPoliciesGetInfo, gpu).succeeded();
 }
 
 LadderResult readThermalStatus(void *gpu, ThermalStatus &record)
 {
-    return descend(kThermalPoliciesStatusVersions, record,
-                   [gpu](ThermalStatus *status) { return NvAPI_GPU_ClientThermalPoliciesGetStatus(gpu, status); });
+    return descend(kThermalPoliciesStatusVersions, record, NvAPI_GPU_ClientThermalPoliciesGetStatus, gpu);
 }
 
 template <std::size_t versionCount>
 bool writeThermalStatus(void *gpu, const std::array<quint32, versionCount> &versions, ThermalStatus &record)
 {
-    return descend(versions, record,
-                   [gpu](ThermalStatus *status) { return NvAPI_GPU_ClientThermalPoliciesSetStatus(gpu, status); })
-        .succeeded();
+    return descend(versions, record, NvAPI_GPU_ClientThermalPoliciesSetStatus, gpu).succeeded();
 }
 
 bool isValid(const ThermalInfo &info)
@@ -122,12 +104,18 @@ bool isValid(const ThermalInfo &info)
 
 qint32 toPercent(quint32 raw)
 {
-    return static_cast<qint32>(raw / kThousandthsPerPercent);
+    return static_cast<qint32>(raw / kThousandthsPerPercent); // unsigned, as the driver's word is
 }
 
 qint32 toDegrees(qint32 raw)
 {
-    return cutToInt(raw * kRawToDegrees);
+    return cutToInt(double(raw) / kRawPerDegree);
+}
+
+/// Percent in the driver's thousandths, before the fraction is dropped.
+double toThousandths(float percent)
+{
+    return percent * double(kThousandthsPerPercent);
 }
 
 /// The draw that goes with policy `policy`. The channel beside the policy is the one compared in every round, so
@@ -177,7 +165,7 @@ bool readTemperatureLine(void *gpu, quint32 policyId, TemperatureLine &out)
     const std::size_t policy = findPolicy(info, policyId);
     const ThermalInfo::Entry entry = policy < std::size(info.entries) ? info.entries[policy] : ThermalInfo::Entry{};
     const auto degrees = [](qint32 raw) {
-        return static_cast<float>(raw) * static_cast<float>(kRawToDegrees);
+        return static_cast<float>(raw) / static_cast<float>(kRawPerDegree);
     };
     out.minTemp = degrees(entry.minTemp);
     out.defaultTemp = degrees(entry.defaultTemp);
@@ -277,7 +265,7 @@ bool NvGpuControl::setPowerLimit(quint32 policyId, float percent)
         return false;
 
     const PowerInfo::Entry &entry = info.entries[policy];
-    const qint64 raw = cutToInt(percent * kPercentToRaw);
+    const qint64 raw = cutToInt(toThousandths(percent));
     if (raw > entry.maxPower)
         percent = static_cast<float>(toPercent(entry.maxPower));
     if (raw < entry.minPower)
@@ -286,10 +274,8 @@ bool NvGpuControl::setPowerLimit(quint32 policyId, float percent)
     PowerStatus status{};
     status.count = 1;
     status.entries[0].policyId = policyId;
-    status.entries[0].power = static_cast<quint32>(cutToInt(percent * kPercentToRaw));
-    return descend(kPowerPoliciesStatusVersions, status,
-                   [gpu](PowerStatus *record) { return NvAPI_GPU_ClientPowerPoliciesSetStatus(gpu, record); })
-        .succeeded();
+    status.entries[0].power = static_cast<quint32>(cutToInt(toThousandths(percent)));
+    return descend(kPowerPoliciesStatusVersions, status, NvAPI_GPU_ClientPowerPoliciesSetStatus, gpu).succeeded();
 }
 
 bool NvGpuControl::setThermalLimit(quint32 policyId, float degrees, bool priority)
@@ -306,7 +292,7 @@ bool NvGpuControl::setThermalLimit(quint32 policyId, float degrees, bool priorit
 
     const ThermalInfo::Entry &entry = info.entries[policy];
     // A limit above the card's range would let it run hotter than it was made for, so the range's top goes out.
-    qint32 raw = cutToInt(degrees * kDegreesToRaw);
+    qint32 raw = cutToInt(degrees * double(kRawPerDegree));
     if (raw > entry.maxTemp)
         raw = entry.maxTemp;
     else if (raw < entry.minTemp)
@@ -354,7 +340,7 @@ bool NvGpuControl::powerToTemperature(quint32 powerPolicyId, quint32 thermalPoli
     LinkLines lines;
     if (!gpu || !readPowerLine(gpu, powerPolicyId, lines.power))
         return false;
-    const double raw = percent * kPercentToRaw;
+    const double raw = toThousandths(percent);
     if (raw > static_cast<double>(lines.power.maxPower) || raw < static_cast<double>(lines.power.minPower))
         return false;
     if (!readTemperatureLine(gpu, thermalPolicyId, lines.temperature))

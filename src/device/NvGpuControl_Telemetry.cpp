@@ -2,6 +2,7 @@
 
 #include "device/Arithmetic.h"
 #include "device/BoardSensor.h"
+#include "device/Units.h"
 #include "device/nvapi/NvApi.h"
 #include "device/nvapi/VersionLadder.h"
 
@@ -20,7 +21,6 @@ constexpr std::array<quint32, 3> kMemoryInfoVersions = {kMemoryInfoVersion3, kMe
                                                         kMemoryInfoVersion1};
 
 constexpr quint32 kFirstThermalSensor = 0;
-constexpr quint32 kKHzPerMHz = 1000;
 
 } // namespace
 
@@ -33,16 +33,14 @@ bool NvGpuControl::getClockFrequencies(NvClockSet &out, quint32 clockType)
     }
     NvApiClockFrequencies record{};
     record.clockType = clockType & kClockTypeMask;
-    const LadderResult read = descend(kClockFrequenciesVersions, record, [gpu](NvApiClockFrequencies *frequencies) {
-        return NvAPI_GPU_GetAllClockFrequencies(gpu, frequencies);
-    });
-    if (!read.succeeded())
+    if (!descend(kClockFrequenciesVersions, record, NvAPI_GPU_GetAllClockFrequencies, gpu).succeeded())
         return false;
 
     out.gpuClock = static_cast<qint32>(record.domain[kClockDomainGraphics].frequencyKHz / kKHzPerMHz);
     out.processorClock = static_cast<qint32>(record.domain[kClockDomainProcessor].frequencyKHz / kKHzPerMHz);
     // By way of a 32-bit float, unlike the other two: frequencies above 16.7 GHz are rounded on the way.
-    out.memoryClock = cutToInt(static_cast<float>(record.domain[kClockDomainMemory].frequencyKHz) / 1000.0);
+    out.memoryClock =
+        cutToInt(static_cast<float>(record.domain[kClockDomainMemory].frequencyKHz) / double(kKHzPerMHz));
     return true;
 }
 
@@ -63,10 +61,7 @@ bool NvGpuControl::getGpuUsage(NvUsageInfo &out)
     out = {};
     void *const gpu = currentHandle();
     NvApiDynamicPstates record{};
-    const auto read = [gpu](NvApiDynamicPstates *states) {
-        return NvAPI_GPU_GetDynamicPstatesInfoEx(gpu, states);
-    };
-    if (!gpu || !descend(kDynamicPstatesVersions, record, read).succeeded()) {
+    if (!gpu || !descend(kDynamicPstatesVersions, record, NvAPI_GPU_GetDynamicPstatesInfoEx, gpu).succeeded()) {
         fold(ExtremeGpuUsage, 0);
         return false;
     }
@@ -91,10 +86,8 @@ bool NvGpuControl::getThermalSensor(NvThermalInfo &out)
     void *const gpu = currentHandle();
     NvApiThermalSettings record{};
     record.count = kThermalSensorCount;
-    const auto read = [gpu](NvApiThermalSettings *settings) {
-        return NvAPI_GPU_GetThermalSettings(gpu, kFirstThermalSensor, settings);
-    };
-    if (!gpu || !descend(kThermalSettingsVersions, record, read).succeeded()) {
+    if (!gpu || !descend(kThermalSettingsVersions, record, NvAPI_GPU_GetThermalSettings, gpu, kFirstThermalSensor)
+                     .succeeded()) {
         fold(ExtremeTemperature, 0);
         return false;
     }
@@ -120,10 +113,8 @@ bool NvGpuControl::getMemoryInfo(NvMemoryInfo &out)
     void *const gpu = currentHandle();
     NvApiMemoryInfo record{};
     LadderResult read;
-    if (gpu) {
-        read = descend(kMemoryInfoVersions, record,
-                       [gpu](NvApiMemoryInfo *info) { return NvAPI_GPU_GetMemoryInfo(gpu, info); });
-    }
+    if (gpu)
+        read = descend(kMemoryInfoVersions, record, NvAPI_GPU_GetMemoryInfo, gpu);
     if (!read.succeeded()) {
         fold(ExtremeMemoryUsed, 0);
         return false;

@@ -56,7 +56,7 @@ struct WaveMotion
 void paintGlow(QImage &picture, double innerRadius, double breathPos, const QColor &color,
                double earlierBreathPos = 0);
 
-/// What paintWave needs besides the motion.
+/// What paintWaveDisc needs besides the motion.
 struct WaveDisc
 {
     int width = 0;     ///< of the square picture, in whose middle the disc lies

@@ -2,6 +2,7 @@
 
 #include "device/WorkerThread.h"
 #include "monitor/BreathAndWave.h"
+#include "ui/Reds.h"
 
 #include <QBrush>
 #include <QColor>
@@ -63,7 +64,7 @@ private:
     bool breathEnabled = true;
     bool waveEnabled = true;
     int size = 100;
-    QBrush lightBrush = QColor(236, 9, 40, 50);
-    QBrush darkBrush = QColor(236, 9, 40, 150);
-    QColor glowColor = QColor(236, 9, 40, 180);
+    QBrush lightBrush = Reds::gauge(50);
+    QBrush darkBrush = Reds::gauge(150);
+    QColor glowColor = Reds::gauge(180);
 };

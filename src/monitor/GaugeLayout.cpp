@@ -1,5 +1,6 @@
 #include "monitor/GaugeLayout.h"
 
+#include "device/Arithmetic.h"
 #include "monitor/BreathAndWave.h"
 
 #include <QtMath>
@@ -9,11 +10,6 @@
 
 namespace
 {
-
-int truncated(double pixels)
-{
-    return static_cast<int>(pixels);
-}
 
 /// Half the chord that the hole spans at `height` above its centre.
 double halfChord(double radius, int height)
@@ -33,8 +29,8 @@ RingLayout ringLayoutFor(QSize box, double ringRatio)
     layout.ringSize = ringRatio * layout.side * 3.0;
     layout.holeRadius = layout.ringSize / 3.0;
     layout.thickness = layout.ringSize * 0.5 - layout.holeRadius;
-    const int offset = truncated((layout.side - layout.ringSize) * 0.5);
-    const int extent = truncated(layout.ringSize);
+    const int offset = cutToInt((layout.side - layout.ringSize) * 0.5);
+    const int extent = cutToInt(layout.ringSize);
     layout.button = QRect(offset, offset, extent, extent);
     return layout;
 }
@@ -42,9 +38,9 @@ RingLayout ringLayoutFor(QSize box, double ringRatio)
 ReadoutLayout readoutLayoutFor(int side, double holeRadius)
 {
     const int centre = side / 2;
-    const int big = truncated(holeRadius / 3.0);
-    const int small = truncated(holeRadius / 6.0);
-    const int chord = truncated(2.0 * halfChord(holeRadius, big));
+    const int big = cutToInt(holeRadius / 3.0);
+    const int small = cutToInt(holeRadius / 6.0);
+    const int chord = cutToInt(2.0 * halfChord(holeRadius, big));
     const int half = chord / 2;
     const int maxTop = centre + small / 2;
     const int minTop = centre + 2 * small;
@@ -63,8 +59,8 @@ ReadoutLayout readoutLayoutFor(int side, double holeRadius)
 OverlayLayout overlayLayoutFor(int side, double holeRadius, double ringRatio)
 {
     const int centre = side / 2;
-    const int height = truncated(side * ringRatio / 5.0);
-    const int column = truncated(halfChord(holeRadius, height));
+    const int height = cutToInt(side * ringRatio / 5.0);
+    const int column = cutToInt(halfChord(holeRadius, height));
     const int quarter = height / 4;
     const std::array<int, 3> tops = {centre - 6 * quarter, centre - quarter, centre + height};
 

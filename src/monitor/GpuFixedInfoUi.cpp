@@ -2,6 +2,7 @@
 
 #include "monitor/RowsAndGraphsPage.h"
 #include "ui/ReadonlyLineEdit.h"
+#include "ui/Reds.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -13,7 +14,6 @@
 namespace
 {
 
-constexpr int kRowCount = 6;
 constexpr int kColumnGap = 5; // pixels
 constexpr int kPairGap = 12;  // between a row's first value and its second caption
 constexpr int kValueHeight = 22;
@@ -21,19 +21,19 @@ constexpr int kMarginShare = 15; // the rows' margins are this part of the width
 
 const char *const kRowNames[] = {"horizontalLayout",   "horizontalLayout_2", "horizontalLayout_3",
                                  "horizontalLayout_4", "horizontalLayout_5", "horizontalLayout_6"};
-static_assert(std::size(kRowNames) == kRowCount, "one name a row");
+constexpr int kRowCount = int(std::size(kRowNames));
 
 const char kPageStyle[] = "QLabel{font-family: \"Arial\";font-size: 12px;}ReadonlyLineEdit{font-size: 10px;}";
 
 // A value looks the same in a label and in a line. The family of the captions stands here because the page's sheet,
 // which names one for every label, goes before a font that is set.
 const char kContentStyle[] =
-    "QLabel,ReadonlyLineEdit{color:white;background-color:rgba(0,0,0,110);border:1px solid rgba(252,10,53,130);"
+    "QLabel,ReadonlyLineEdit{color:white;background-color:rgba(0,0,0,110);border:1px solid rgba(@glass,130);"
     "padding:0px 2px 0px 2px;}"
     "QLabel[caption=\"true\"]{color:rgb(225,225,225);background-color:transparent;border:none;padding:0px;"
     "font-family:\"%1\";}"
     "ReadonlyLineEdit{font-family:\"Arial\";padding:0px;"
-    "selection-background-color:rgb(252,10,53);selection-color:white;}";
+    "selection-background-color:rgb(@glass);selection-color:white;}";
 
 template <typename Object>
 Object *named(Object *object, const char *name)
@@ -107,9 +107,9 @@ void GpuFixedInfoUi::build(QWidget *page)
 
 QWidget *GpuFixedInfoUi::newValue(std::size_t entry)
 {
-    const char *name = kFixedInfoEntries[entry].valueName;
+    const char *const name = kFixedInfoEntries[entry].valueName;
     QWidget *value = nullptr;
-    if (name[1] == 'e') { // "let_..."
+    if (QLatin1String(name).startsWith(QLatin1String("let_"))) {
         value = named(new ReadonlyLineEdit(verticalLayoutWidget), name);
     } else {
         auto *label = named(new QLabel(verticalLayoutWidget), name);
@@ -129,7 +129,7 @@ void GpuFixedInfoUi::setContentRect(const QRect &rect)
 
 void GpuFixedInfoUi::setCaptions(const Lang_GpuFixedInfo &words, const QString &family)
 {
-    verticalLayoutWidget->setStyleSheet(QString::fromLatin1(kContentStyle).arg(family));
+    verticalLayoutWidget->setStyleSheet(Reds::inSheet(QString::fromLatin1(kContentStyle)).arg(family));
     for (std::size_t entry = 0; entry < kFixedInfoEntryCount; ++entry) {
         QFont font = captions[entry]->font();
         font.setFamily(family);

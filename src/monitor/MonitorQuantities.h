@@ -3,6 +3,8 @@
 #include "device/DeviceRecords.h"
 #include "ui/Ovryn_LanguageTable.h"
 
+#include <iterator>
+
 /// One quantity of a card's monitor page.
 struct MonitorQuantity
 {
@@ -10,8 +12,6 @@ struct MonitorQuantity
     const char *suffix;                    ///< behind each number
     QString Lang_Monitor::*title;
 };
-
-constexpr int kMonitorQuantityCount = 6;
 
 /// The quantities in the order of the rows, of the graphs and of the bits of a selection mask.
 // clang-format off
@@ -25,5 +25,14 @@ constexpr MonitorQuantity kMonitorQuantities[] = {
     {&NvCardBaseInfo::gpuUsage,           "%",    &Lang_Monitor::gpuUsage},
 };
 // clang-format on
-static_assert(sizeof(kMonitorQuantities) / sizeof(kMonitorQuantities[0]) == kMonitorQuantityCount,
-              "one row a quantity");
+constexpr int kMonitorQuantityCount = int(std::size(kMonitorQuantities));
+
+/// The bit of a group's quantity in a selection mask; 0 for a group that no quantity shows.
+[[nodiscard]] constexpr int monitorQuantityBit(NvMonitorValue NvCardBaseInfo::*value)
+{
+    for (int i = 0; i < kMonitorQuantityCount; ++i) {
+        if (kMonitorQuantities[i].value == value)
+            return 1 << i;
+    }
+    return 0;
+}

@@ -1,5 +1,7 @@
 #include "monitor/Ovryn_BaseInfoRow.h"
 
+#include "ui/UiStyle.h"
+
 #include <QCheckBox>
 #include <QPainter>
 
@@ -9,17 +11,12 @@
 namespace
 {
 constexpr int kColumns = 12; ///< 1 for the check mark, 4 for the name, 1 free, 6 for the values
-constexpr int kValueSlots = 5;
 constexpr int kCheckBoxFontPixels = 14;
 constexpr int kTitleFontPixels = 12;
 constexpr int kTextFlags = Qt::AlignLeft | Qt::AlignVCenter;
 
 const char kCheckBoxStyle[] =
-    "QCheckBox{color:rgb(255,255,255);background-color:rgba(0,0,0,0);spacing:8px;outline:none;}"
-    "QCheckBox::indicator{width:14px;height:14px;}"
-    "QCheckBox::indicator:unchecked{image:url(:/images/images/checkbox/check_off.png);}"
-    "QCheckBox::indicator:unchecked:hover{image:url(:/images/images/checkbox/check_hover.png);}"
-    "QCheckBox::indicator:checked{image:url(:/images/images/checkbox/check_on.png);}";
+    "QCheckBox{color:rgb(255,255,255);background-color:rgba(0,0,0,0);spacing:8px;outline:none;}";
 } // namespace
 
 InfoRowLayout infoRowLayoutFor(QSize row)
@@ -52,7 +49,7 @@ int InfoRowLayout::valueFontPixels() const
 
 Ovryn_BaseInfoRow::Ovryn_BaseInfoRow(QWidget *parent) : QWidget(parent), checkBox(new QCheckBox(this))
 {
-    checkBox->setStyleSheet(QString::fromLatin1(kCheckBoxStyle));
+    checkBox->setStyleSheet(QString::fromLatin1(kCheckBoxStyle) + UiStyle::smallCheckBoxIndicator());
     connect(checkBox, SIGNAL(toggled(bool)), this, SLOT(toggled(bool)));
 }
 
@@ -106,9 +103,9 @@ void Ovryn_BaseInfoRow::paintEvent(QPaintEvent *)
     QFont valueFont(QStringLiteral("Arial"));
     valueFont.setPixelSize(rects.valueFontPixels());
     painter.setFont(valueFont);
-    const QString texts[kValueSlots] = {currentText, QStringLiteral("MAX:"), maxText, QStringLiteral("MIN:"),
-                                        minText};
-    for (int slot = 0; slot < kValueSlots; ++slot)
+    const QString texts[InfoRowLayout::valueSlots] = {currentText, QStringLiteral("MAX:"), maxText,
+                                                      QStringLiteral("MIN:"), minText};
+    for (int slot = 0; slot < InfoRowLayout::valueSlots; ++slot)
         painter.drawText(rects.slotRect(slot), kTextFlags, texts[slot]);
 
     if (!checkBoxVisible) {

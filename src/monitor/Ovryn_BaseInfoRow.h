@@ -9,11 +9,13 @@ class QCheckBox;
 /// Where everything of a row lies, in row pixels. Integer divisions truncate.
 struct InfoRowLayout
 {
+    static constexpr int valueSlots = 5; ///< texts beside a title
+
     QRect nameRect;
     QRect valueRect;
     QRect checkRect;
 
-    [[nodiscard]] int slotWidth() const { return valueRect.width() / 5; } ///< of the five value texts
+    [[nodiscard]] int slotWidth() const { return valueRect.width() / valueSlots; }
     [[nodiscard]] QRect slotRect(int slot) const;
     [[nodiscard]] QRect checkBoxRect() const;  ///< check and name column, as the box's own text is the title
     [[nodiscard]] QRect loneTitleRect() const; ///< of the title when no check box stands before it

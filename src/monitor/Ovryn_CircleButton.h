@@ -1,6 +1,7 @@
 #pragma once
 
 #include "monitor/RingSegment.h"
+#include "ui/Reds.h"
 
 #include <QColor>
 #include <QLabel>
@@ -36,9 +37,9 @@ protected:
     QPixmap hoverPixmap;
     QPixmap pressPixmap;
     int type = RingSegmentClock;
-    QColor normalColor = QColor(236, 9, 40, 150);
-    QColor hoverColor = QColor(236, 9, 40, 180);
-    QColor pressColor = QColor(236, 9, 40, 200);
+    QColor normalColor = Reds::gauge(150);
+    QColor hoverColor = Reds::gauge(180);
+    QColor pressColor = Reds::gauge(200);
     QString text;
     double thickness = 0;
 

@@ -6,8 +6,9 @@
 
 namespace
 {
-constexpr int kTemperatureMask = 4;
-}
+constexpr int kTemperatureMask = monitorQuantityBit(&NvCardBaseInfo::temperature);
+static_assert(kTemperatureMask != 0, "a graph shows the temperature");
+} // namespace
 
 Ovryn_GPUInfoMonitorWidget::Ovryn_GPUInfoMonitorWidget(QWidget *parent)
     : GraphStackView(kMonitorQuantityCount, kTemperatureMask, parent)

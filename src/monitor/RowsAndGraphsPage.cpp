@@ -3,6 +3,7 @@
 #include "monitor/GraphStackView.h"
 #include "monitor/RowListView.h"
 #include "ui/PageFrame.h"
+#include "ui/Reds.h"
 
 #include <QCheckBox>
 #include <QPainter>
@@ -12,7 +13,7 @@ namespace
 // The picture shows the view that a click leads to. The edge makes it a cell of the band, which is there without a
 // picture too.
 const char kTopRightStyle[] =
-    "QCheckBox{background-color:rgba(0,0,0,0);border-left:1px solid rgba(252,10,53,110);outline:none;}"
+    "QCheckBox{background-color:rgba(0,0,0,0);border-left:1px solid rgba(@glass,110);outline:none;}"
     "QCheckBox::indicator{width:%1px;height:%2px;}"
     "QCheckBox::indicator:unchecked{image:url(:/images/images/monitor/graphs.png);}"
     "QCheckBox::indicator:unchecked:hover{image:url(:/images/images/monitor/graphs_hover.png);}"
@@ -71,8 +72,9 @@ void RowsAndGraphsPage::setTitle(const QString &newTitle, LanguageType newLangua
 void RowsAndGraphsPage::resizeEvent(QResizeEvent *)
 {
     rects = rowsAndGraphsLayoutFor(size());
-    ckbTopRight->setStyleSheet(
-        QString::fromLatin1(kTopRightStyle).arg(rects.topRightRect.width() - 1).arg(rects.topRightRect.height()));
+    ckbTopRight->setStyleSheet(Reds::inSheet(QString::fromLatin1(kTopRightStyle))
+                                   .arg(rects.topRightRect.width() - 1)
+                                   .arg(rects.topRightRect.height()));
     ckbTopRight->setGeometry(rects.topRightRect);
     rowsView->setGeometry(rects.viewRect);
     monitorView->setGeometry(rects.viewRect);

@@ -1,6 +1,7 @@
 #include "monitor/SampleRecords.h"
 
 #include "device/Arithmetic.h"
+#include "device/Units.h"
 
 namespace
 {
@@ -15,9 +16,6 @@ constexpr qint32 kFanRaisedScaleRpm = 5000;
 constexpr qint32 kTemperatureScale = 104;
 constexpr qint32 kPercentScale = 100;
 constexpr qint32 kBoardTemperatureScale = 100;
-
-constexpr int kKilobytesPerMegabyteBits = 10;
-constexpr qint32 kKilobytesPerMegabyte = 1 << kKilobytesPerMegabyteBits;
 
 NvMonitorValue tracked(const NvExtremes &extremes, NvExtremeIndex index, qint32 currentValue, qint32 upperLimit)
 {
@@ -57,9 +55,8 @@ NvCardBaseInfo cardBaseInfoOf(const CardReadings &readings, ScaleLatches &latche
     const NvExtreme &used = extremes.pairs[ExtremeMemoryUsed];
     info.memoryUsagePercent = {percentOf(used.maxValue, totalKB), percentOf(used.minValue, totalKB),
                                percentOf(usedKB, totalKB), kPercentScale, 0};
-    info.memoryUsage = {used.maxValue / kKilobytesPerMegabyte, used.minValue / kKilobytesPerMegabyte,
-                        static_cast<qint32>(usedKB >> kKilobytesPerMegabyteBits),
-                        static_cast<qint32>(totalKB >> kKilobytesPerMegabyteBits), 0};
+    info.memoryUsage = {used.maxValue / kKBPerMB, used.minValue / kKBPerMB, static_cast<qint32>(usedKB / kKBPerMB),
+                        static_cast<qint32>(totalKB / kKBPerMB), 0};
     return info;
 }
 

@@ -1,6 +1,6 @@
 #include "overclock/AdjustPageLayout.h"
 
-#include <QPolygonF>
+#include "device/Arithmetic.h"
 
 namespace
 {
@@ -10,11 +10,6 @@ constexpr int kFanButtonDrop = 10; // below the fan row's top
 constexpr int kFanButtonGap = 5;
 constexpr int kLinkBoxSize = 26;
 constexpr int kFrameInset = 2;
-
-int cut(double value)
-{
-    return static_cast<int>(value);
-}
 
 } // namespace
 
@@ -26,7 +21,7 @@ AdjustPageLayout adjustPageLayoutFor(QSize page)
     const double footHeight = (1 - fraction) * height;
 
     AdjustPageLayout rects;
-    rects.rowHeight = cut((height - footHeight * 1.5) / AdjustPageLayout::rowCount);
+    rects.rowHeight = cutToInt((height - footHeight * 1.5) / AdjustPageLayout::rowCount);
     const int rowHeight = rects.rowHeight;
     for (int row = 0; row < AdjustPageLayout::rowCount; ++row)
         rects.rows[static_cast<std::size_t>(row)] = QRect(kEdge, row * rowHeight, width, rowHeight);
@@ -34,8 +29,8 @@ AdjustPageLayout adjustPageLayoutFor(QSize page)
 
     const int gap = width / 20;
     const int buttonWidth = (width - 2 * gap) / 5;
-    const int buttonHeight = cut(footHeight * 0.5);
-    const int buttonTop = cut(fraction * height + footHeight * 0.25);
+    const int buttonHeight = cutToInt(footHeight * 0.5);
+    const int buttonTop = cutToInt(fraction * height + footHeight * 0.25);
     rects.applyButton = QRect(buttonWidth, buttonTop, buttonWidth, buttonHeight);
     rects.cancelButton = QRect(buttonWidth * 2 + gap, buttonTop, buttonWidth, buttonHeight);
     rects.defaultButton = QRect(buttonWidth * 3 + gap * 2, buttonTop, buttonWidth, buttonHeight);
@@ -54,14 +49,7 @@ AdjustPageLayout adjustPageLayoutFor(QSize page)
 
 QPainterPath adjustFramePath(QSize page)
 {
-    const double width = page.width();
-    const double height = page.height();
-    constexpr double fraction = AdjustPageLayout::frameFraction;
-
     QPainterPath rectangle;
-    rectangle.addRect(kFrameInset, kFrameInset, width - 3, height - 3);
-    QPainterPath corner;
-    corner.addPolygon(QPolygonF({{fraction * width, height}, {width, height}, {width, fraction * height}}));
-    corner.closeSubpath();
-    return rectangle.subtracted(corner);
+    rectangle.addRect(kFrameInset, kFrameInset, page.width() - 3, page.height() - 3);
+    return rectangle.intersected(PageFrame::cutCornerPath(page));
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/PageFrame.h"
+
 #include <QPainterPath>
 #include <QRect>
 #include <QSize>
@@ -11,7 +13,7 @@ struct AdjustPageLayout
 {
     static constexpr qint32 rowCount = 6;
     static constexpr double frameFraction =
-        0.9;                                  ///< part of the width and the height left of and above the cut corner
+        PageFrame::kCutStart;                 ///< part of the width and the height left of and above the cut corner
     static constexpr double frameWidth = 3.0; ///< pixels of the outline
 
     qint32 rowHeight = 0;

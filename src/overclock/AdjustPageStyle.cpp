@@ -1,5 +1,8 @@
 #include "overclock/AdjustPageStyle.h"
 
+#include "ui/Reds.h"
+#include "ui/UiStyle.h"
+
 #include <QPainter>
 #include <QPixmap>
 #include <QPolygonF>
@@ -36,32 +39,29 @@ QPixmap curvePixmap(int size, const QColor &line, const QColor &node)
 
 QString AdjustPageStyle::fanButton()
 {
-    return QStringLiteral("QPushButton{border:1px solid rgba(252,10,53,130);background-color:rgba(0,0,0,110);"
-                          "color:rgb(190,190,190);padding:0px;outline:none;}"
-                          "QPushButton:hover{border:1px solid rgba(252,10,53,220);"
-                          "background-color:rgba(252,10,53,70);color:white;}"
-                          "QPushButton:pressed{background-color:rgba(252,10,53,110);}"
-                          "QPushButton:checked{border:1px solid rgba(252,10,53,255);"
-                          "background-color:rgba(252,10,53,170);color:white;}"
-                          "QPushButton:disabled{border:1px solid rgba(140,140,140,90);"
-                          "background-color:rgba(0,0,0,60);color:rgb(120,120,120);}"
-                          "QPushButton:checked:disabled{background-color:rgba(140,140,140,60);}");
+    return Reds::inSheet(
+        QStringLiteral("QPushButton{border:1px solid rgba(@glass,130);background-color:rgba(0,0,0,110);"
+                       "color:rgb(190,190,190);padding:0px;outline:none;}"
+                       "QPushButton:hover{border:1px solid rgba(@glass,220);"
+                       "background-color:rgba(@glass,70);color:white;}"
+                       "QPushButton:pressed{background-color:rgba(@glass,110);}"
+                       "QPushButton:checked{border:1px solid rgba(@glass,255);"
+                       "background-color:rgba(@glass,170);color:white;}"
+                       "QPushButton:disabled{border:1px solid rgba(140,140,140,90);"
+                       "background-color:rgba(0,0,0,60);color:rgb(120,120,120);}"
+                       "QPushButton:checked:disabled{background-color:rgba(140,140,140,60);}"));
 }
 
 QString AdjustPageStyle::linkBox()
 {
-    return QStringLiteral("QCheckBox{spacing:0px;padding-left:6px;outline:none;}"
-                          "QCheckBox::indicator{width:14px;height:14px;}"
-                          "QCheckBox::indicator:unchecked{image:url(:/images/images/checkbox/check_off.png);}"
-                          "QCheckBox::indicator:unchecked:hover{"
-                          "image:url(:/images/images/checkbox/check_hover.png);}"
-                          "QCheckBox::indicator:checked{image:url(:/images/images/checkbox/check_on.png);}");
+    return QStringLiteral("QCheckBox{spacing:0px;padding-left:6px;outline:none;}") +
+           UiStyle::smallCheckBoxIndicator();
 }
 
 QIcon AdjustPageStyle::curveIcon(int size)
 {
     QIcon icon;
-    icon.addPixmap(curvePixmap(size, QColor(252, 10, 53), Qt::white), QIcon::Normal);
+    icon.addPixmap(curvePixmap(size, Reds::glass(), Qt::white), QIcon::Normal);
     icon.addPixmap(curvePixmap(size, QColor(120, 120, 120), QColor(150, 150, 150)), QIcon::Disabled);
     return icon;
 }

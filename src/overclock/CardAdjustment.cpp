@@ -13,8 +13,6 @@
 namespace
 {
 
-constexpr qint32 kCoolerPolicyManual = 1;
-
 /// Every negative number in a settings file means "never adjusted".
 bool isSaved(qint32 number)
 {

@@ -2,14 +2,11 @@
 
 #include "device/Arithmetic.h"
 #include "device/NvGpuControl.h"
+#include "device/Units.h"
 #include "overclock/AdjustRows.h"
 
 namespace
 {
-
-constexpr qint32 kCoolerPolicyManual = 1;
-constexpr qint32 kCoolerPolicyAuto = 0x20;
-constexpr qint32 kMicrovoltsPerMillivolt = 1000;
 
 /// MHz above the base clock. While that was not read the whole clock would be the offset, so there is none.
 qint32 clockOffset(qint32 clock, const NvClockOffsetRange &range)
@@ -37,7 +34,7 @@ std::vector<CardWrite> writesFor(const OverClockingParam &wanted)
     // Nobody knows what a level by hand would mean to a cooler that was not read; the driver's control is always
     // safe.
     if (param.fanMode == FanAuto || (param.fanMode == FanManual && !wasRead(RowFan)))
-        writes.push_back({CardWrite::CoolerLevel, kCoolerPolicyAuto, param.cooler.currentLevel});
+        writes.push_back({CardWrite::CoolerLevel, kCoolerPolicyDefault, param.cooler.currentLevel});
     else if (param.fanMode == FanManual)
         writes.push_back({CardWrite::CoolerLevel, kCoolerPolicyManual, param.cooler.currentLevel});
 
@@ -59,7 +56,7 @@ bool send(const CardWrite &write, NvGpuControl &gpu)
     const auto unsignedId = static_cast<quint32>(write.id);
     switch (write.operation) {
     case CardWrite::CoolerLevel:
-        return gpu.setCoolerLevel(static_cast<quint32>(write.value), write.id);
+        return gpu.setCoolerLevel(write.value, write.id);
     case CardWrite::GpuClockOffset:
         return gpu.setGpuClockOffset(write.value);
     case CardWrite::MemoryClockOffset:

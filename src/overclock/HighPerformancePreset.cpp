@@ -1,14 +1,6 @@
 #include "overclock/HighPerformancePreset.h"
 
-namespace
-{
-
-constexpr char kModelName[] = "GeForce GTX 1070 Ti";
-constexpr quint32 kMakerVendor = 0x7377;
-constexpr quint32 kVendorMask = 0xFFFF;
-constexpr int kDeviceShift = 16;
-
-} // namespace
+#include "device/MakersBoards.h"
 
 QMap<quint32, qint32> highPerformanceClockTable()
 {
@@ -23,12 +15,12 @@ QMap<quint32, qint32> highPerformanceClockTable()
 
 quint32 subSystemDevice(const NvPciIds &ids)
 {
-    return ids.subSystemId >> kDeviceShift;
+    return subSystemDeviceOf(ids.subSystemId);
 }
 
 bool isHighPerformanceModel(const std::string &gpuName, const NvPciIds &ids)
 {
-    return gpuName == kModelName && (ids.subSystemId & kVendorMask) == kMakerVendor;
+    return gpuName == kHighPerformanceModel && subSystemVendorOf(ids.subSystemId) == kMakerSubSystemVendor;
 }
 
 OverClockingParam withCardDefaults(OverClockingParam param)

@@ -6,6 +6,7 @@
 #include "overclock/CardAdjustment.h"
 #include "overclock/OverClockingParam.h"
 #include "ui/Ovryn_LanguageTable.h"
+#include "ui/Reds.h"
 
 #include <QColor>
 #include <QPixmap>
@@ -112,8 +113,8 @@ private:
 
     AdjustPageLayout rects;
     QPixmap background; ///< the frame
-    const QColor frameColor{252, 10, 53, 255};
-    const QColor fillColor{252, 10, 53, 60};
+    const QColor frameColor = Reds::glass();
+    const QColor fillColor = Reds::glass(60);
     qint32 editingCurve = 0; ///< 0 the rows are shown, 1 the fan curve
     QString applyPrompt;
     LanguageType language = kLanguageEnglish;

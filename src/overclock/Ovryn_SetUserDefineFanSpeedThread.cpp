@@ -5,13 +5,6 @@
 
 #include <QMutexLocker>
 
-namespace
-{
-
-constexpr qint32 kManualPolicy = 1;
-
-} // namespace
-
 Ovryn_SetUserDefineFanSpeedThread::Ovryn_SetUserDefineFanSpeedThread(NvGpuControl *card, QObject *parent,
                                                                      unsigned int intervalMs)
     : WorkerThread(parent),
@@ -68,7 +61,7 @@ void Ovryn_SetUserDefineFanSpeedThread::followCurveOnce()
         return;
     // Ordered every time, also unchanged: the driver may have taken the fan back meanwhile. A refused level
     // is ordered again by the next cycle.
-    gpuControl->setCoolerLevel(FanCurve::levelFor(nodes, thermal.currentTemp), kManualPolicy);
+    gpuControl->setCoolerLevel(FanCurve::levelFor(nodes, thermal.currentTemp), kCoolerPolicyManual);
     if (isAbandoned())
         gpuControl->setCoolerAuto(); // the order itself was the call that hung
 }

@@ -1,6 +1,7 @@
 #include "overclock/Ovryn_UserDefineFanSpeed.h"
 
 #include "overclock/FanCurve.h"
+#include "ui/Reds.h"
 
 #include <QFontMetrics>
 #include <QMouseEvent>
@@ -19,8 +20,8 @@ constexpr int kHoverFanGap = 2;          // from the node's square up to the bas
 constexpr int kHoverTemperatureGap = 15; // one line above it
 constexpr double kCurveWidth = 1.5;
 
-const QColor kGridColor(252, 10, 53, 50);
-const QColor kCurveColor(252, 10, 53, 150);
+const QColor kGridColor = Reds::glass(50);
+const QColor kCurveColor = Reds::glass(150);
 const QColor kPressedNode(255, 255, 255);
 const QColor kHoveredNode(255, 255, 255, 200);
 const QColor kOtherNode(255, 255, 255, 150);

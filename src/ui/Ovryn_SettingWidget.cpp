@@ -22,8 +22,6 @@ struct ListText
 };
 
 constexpr int kNeverCheck = 10000; // days
-constexpr int kModeInstall = 0;
-constexpr int kModeNotify = 2;
 
 constexpr int kRefreshSeconds[] = {1, 3, 5, 10};
 
@@ -93,7 +91,8 @@ void Ovryn_SettingWidget::getGeneralSetting(GeneralSettingInfo &info)
 void Ovryn_SettingWidget::getUpdateSetting(UpdateSettingInfo &info)
 {
     updateSetting.CheckInterval = ui.cmb_UpdateFre->currentData(Qt::UserRole).toInt();
-    updateSetting.UpdateMode = ui.rdb_AutomaticDownloadAndInstall->isChecked() ? kModeInstall : kModeNotify;
+    updateSetting.UpdateMode =
+        ui.rdb_AutomaticDownloadAndInstall->isChecked() ? kUpdateModeInstall : kUpdateModeNotify;
     info = updateSetting;
 }
 
@@ -112,7 +111,7 @@ void Ovryn_SettingWidget::setUpdateSetting(const UpdateSettingInfo &info)
 {
     updateSetting = info;
     selectValue(ui.cmb_UpdateFre, info.CheckInterval);
-    if (info.UpdateMode == kModeInstall)
+    if (info.UpdateMode == kUpdateModeInstall)
         ui.rdb_AutomaticDownloadAndInstall->setChecked(true);
     else
         ui.rdb_TellMeButDoNotDownload->setChecked(true);

@@ -1,5 +1,7 @@
 #include "ui/PageFrame.h"
 
+#include "ui/Reds.h"
+
 #include <QPainter>
 
 #include <algorithm>
@@ -7,7 +9,6 @@
 namespace
 {
 
-constexpr double kCutStart = 0.9; // part of the width and of the height where the cut corner begins
 constexpr int kTitleWeight = 63;
 constexpr double kRuleWidth = 2;
 const QColor kRuleColor(255, 0, 0, 200);
@@ -16,7 +17,7 @@ const QColor kRuleColor(255, 0, 0, 200);
 
 QColor PageFrame::bandColor()
 {
-    return QColor(252, 10, 53, 60);
+    return Reds::glass(60);
 }
 
 QString PageFrame::fontFamily(LanguageType language)

@@ -17,11 +17,14 @@ class QPainter;
 namespace PageFrame
 {
 
-/// rgba(252, 10, 53, 60): the glass of every side page.
+/// The glass of every side page.
 QColor bandColor();
 
 /// Family that the widgets ask for in a language: "微软雅黑" for Chinese, "Arial" otherwise.
 QString fontFamily(LanguageType language);
+
+/// The cut corner begins at this part of the width and of the height.
+constexpr double kCutStart = 0.9;
 
 /// The whole rectangle less the triangle (0.9W, H), (W, H), (W, 0.9H).
 QPainterPath cutCornerPath(QSize size);

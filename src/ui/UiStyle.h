@@ -15,8 +15,9 @@ QString settingList();  ///< for the list view of a combo box on the settings pa
 QString updateLog();    ///< the settings page's look, for the update log dialog
 QString cardSelector(); ///< for Ovryn_ComboBox and its list
 QString radioButtonIndicator();
-QString radioButtons();     ///< indicator and text of the side pages' radios
-QString numberBoxes();      ///< for every ModifySpinBox below a widget
+QString smallCheckBoxIndicator(); ///< the red one of the side pages, 14 by 14 pixels
+QString radioButtons();           ///< indicator and text of the side pages' radios
+QString numberBoxes();            ///< for every ModifySpinBox below a widget
 QString numberBoxButtons(); ///< its arrows, where the box is wide enough for them; their width comes from the page
 QString actionButton();     ///< Apply, Cancel and Default of the side pages
 

@@ -1,5 +1,6 @@
 #include "update/UpdateDecision.h"
 
+#include "config/ConfigRecords.h"
 #include "ui/ProgramVersion.h"
 
 QString ownVersion()
@@ -25,6 +26,6 @@ UpdateAction decideUpdate(UpdateTrigger trigger, int updateMode, const QString &
         return manual ? UpdateAction::TellLatest : UpdateAction::Nothing;
     if (isNewerVersion(manualDownloadVersion, own))
         return UpdateAction::TellTooOld;
-    const bool asks = manual || updateMode == 1 || updateMode == 2;
+    const bool asks = manual || updateMode == kUpdateModeAsk || updateMode == kUpdateModeNotify;
     return asks ? UpdateAction::AskThenUpdate : UpdateAction::Update;
 }

@@ -1,4 +1,5 @@
 #include "app/CardDetection.h"
+#include "device/MakersBoards.h"
 
 #include <QTest>
 

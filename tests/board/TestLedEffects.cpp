@@ -27,7 +27,7 @@ namespace
 
 QString frameOf(const LedCommand &command, bool closing = false)
 {
-    const std::vector<quint8> frame = buildLedFrame(command.colours.data(), qint32(command.colours.size()),
+    const std::vector<quint8> frame = buildLedFrame(command.colors.data(), qint32(command.colors.size()),
                                                     command.effect, command.level, command.interval, closing);
     const QByteArray bytes(reinterpret_cast<const char *>(frame.data()), int(frame.size()));
     return QString::fromLatin1(bytes.toHex(' ').toUpper());

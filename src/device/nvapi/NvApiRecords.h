@@ -1,5 +1,7 @@
 #pragma once
 
+#include "device/CoolerPolicies.h" // the records' policies, which callers of the device use too
+
 #include <QtGlobal>
 
 #include <cstddef>
@@ -300,12 +302,6 @@ constexpr quint32 kAllCoolers = 7; ///< cooler index of every call
 constexpr std::size_t kCoolerEntrySize4 = 68;
 constexpr std::size_t kCoolerEntrySize3 = 64;
 constexpr std::size_t kCoolerEntrySize2 = 48;
-
-constexpr qint32 kCoolerPolicyManual = 1;
-constexpr qint32 kCoolerPolicyPerformance = 2;
-constexpr qint32 kCoolerPolicyDiscreteTemperature = 4;
-constexpr qint32 kCoolerPolicyContinuousTemperature = 8;
-constexpr qint32 kCoolerPolicyDefault = 0x20; ///< the driver's own control
 
 struct NvApiCoolerSettings ///< levels in percent
 {

@@ -31,26 +31,31 @@ inline bool descendOnRefusedVersion(NvAPI_Status status)
     return status == NVAPI_INCOMPATIBLE_STRUCT_VERSION;
 }
 
-/// Tries `call(&record)` with each version word in the order of `versions`, as long as `descends(status)`.
-template <std::size_t versionCount, typename Record, typename Call, typename Policy>
-LadderResult descend(const std::array<quint32, versionCount> &versions, Record &record, Call call, Policy descends)
+/// Tries `operation(arguments..., &record)` with each version word in the order of `versions`, as long as
+/// `descends(status)`.
+template <typename Policy, std::size_t versionCount, typename Record, typename Operation, typename... Arguments>
+LadderResult descendWhile(Policy descends, const std::array<quint32, versionCount> &versions, Record &record,
+                          Operation operation, Arguments... arguments)
 {
     static_assert(versionCount > 0, "a ladder has a version");
     LadderResult result;
     for (const quint32 version : versions) {
         record.version = version;
         result.version = version;
-        result.status = call(&record);
+        result.status = operation(arguments..., &record);
         if (!descends(result.status))
             break;
     }
     return result;
 }
 
-template <std::size_t versionCount, typename Record, typename Call>
-LadderResult descend(const std::array<quint32, versionCount> &versions, Record &record, Call call)
+/// The form of nearly every call: versions, record, operation, card, and what the operation takes between card and
+/// record.
+template <std::size_t versionCount, typename Record, typename Operation, typename... Arguments>
+LadderResult descend(const std::array<quint32, versionCount> &versions, Record &record, Operation operation,
+                     NvPhysicalGpuHandle gpu, Arguments... arguments)
 {
-    return descend(versions, record, call, descendOnAnyFailure);
+    return descendWhile(descendOnAnyFailure, versions, record, operation, gpu, arguments...);
 }
 
 /// The I2C form, for operations that exist as a plain and as an extended call. A refused version goes one
@@ -59,14 +64,14 @@ LadderResult descend(const std::array<quint32, versionCount> &versions, Record &
 /// such round, and each round begins with what the status before it says.
 template <std::size_t versionCount, typename Record, typename PlainCall, typename ExtendedCall>
 LadderResult descendWithExtendedCall(const std::array<quint32, versionCount> &versions, Record &record,
-                                     PlainCall plainCall, ExtendedCall extendedCall)
+                                     PlainCall plainCall, ExtendedCall extendedCall, NvPhysicalGpuHandle gpu)
 {
     static_assert(versionCount > 0, "a ladder has a version");
     LadderResult result;
     const auto attempt = [&](quint32 version, auto call) {
         record.version = version;
         result.version = version;
-        result.status = call(&record);
+        result.status = call(gpu, &record);
     };
 
     attempt(versions[0], plainCall);
