@@ -19,6 +19,7 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QStackedWidget>
+#include <QStandardPaths>
 
 namespace
 {
@@ -33,8 +34,10 @@ const char *const kBackgroundPicture = ":/images/images/BKImage.png";
 OvrynDeck2::OvrynDeck2(QWidget *parent, const PageTimings &pauses)
     : QDialog(parent),
       pageTimings(pauses),
-      fanGuard(new FanGuard(
-          QCoreApplication::applicationDirPath() + QLatin1Char('/') + QLatin1String(kFanGuardProgram), this)),
+      // found with the suffix that the system gives its executables
+      fanGuard(new FanGuard(QStandardPaths::findExecutable(QString::fromLatin1(kFanGuardProgram),
+                                                           {QCoreApplication::applicationDirPath()}),
+                            this)),
       configFile(Ovryn_ConfigFile::usualPath(), syncToDisk)
 {
     // First, since the start shows a box and takes its time.
