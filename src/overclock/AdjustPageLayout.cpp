@@ -5,7 +5,6 @@
 namespace
 {
 
-constexpr int kEdge = 3;           // rows and editor stand off the outline
 constexpr int kFanButtonDrop = 10; // below the fan row's top
 constexpr int kFanButtonGap = 5;
 constexpr int kLinkBoxSize = 26;
@@ -18,14 +17,15 @@ AdjustPageLayout adjustPageLayoutFor(QSize page)
     const int width = page.width();
     const int height = page.height();
     constexpr double fraction = AdjustPageLayout::frameFraction;
+    constexpr int edge = static_cast<int>(AdjustPageLayout::frameWidth);
     const double footHeight = (1 - fraction) * height;
 
     AdjustPageLayout rects;
     rects.rowHeight = cutToInt((height - footHeight * 1.5) / AdjustPageLayout::rowCount);
     const int rowHeight = rects.rowHeight;
     for (int row = 0; row < AdjustPageLayout::rowCount; ++row)
-        rects.rows[static_cast<std::size_t>(row)] = QRect(kEdge, row * rowHeight, width, rowHeight);
-    rects.editor = QRect(kEdge, kEdge, width - 2 * kEdge, width - 2 * kEdge);
+        rects.rows[static_cast<std::size_t>(row)] = QRect(edge, row * rowHeight, width, rowHeight);
+    rects.editor = QRect(edge, edge, width - 2 * edge, width - 2 * edge);
 
     const int gap = width / 20;
     const int buttonWidth = (width - 2 * gap) / 5;
@@ -50,6 +50,7 @@ AdjustPageLayout adjustPageLayoutFor(QSize page)
 QPainterPath adjustFramePath(QSize page)
 {
     QPainterPath rectangle;
-    rectangle.addRect(kFrameInset, kFrameInset, page.width() - 3, page.height() - 3);
+    rectangle.addRect(kFrameInset, kFrameInset, page.width() - AdjustPageLayout::frameWidth,
+                      page.height() - AdjustPageLayout::frameWidth);
     return rectangle.intersected(PageFrame::cutCornerPath(page));
 }

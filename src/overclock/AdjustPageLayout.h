@@ -8,13 +8,13 @@
 
 #include <array>
 
-/// Where everything of the adjust page lies, in page pixels. Integer divisions and floating results truncate.
+/// The rectangles of the adjust page's parts, in page pixels. Integer divisions and floating results truncate.
 struct AdjustPageLayout
 {
     static constexpr qint32 rowCount = 6;
     static constexpr double frameFraction =
         PageFrame::kCutStart;                 ///< part of the width and the height left of and above the cut corner
-    static constexpr double frameWidth = 3.0; ///< pixels of the outline
+    static constexpr double frameWidth = 3.0; ///< pixels of the outline, which the rows and the editor leave free
 
     qint32 rowHeight = 0;
     std::array<QRect, rowCount> rows;
