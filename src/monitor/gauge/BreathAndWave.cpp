@@ -11,18 +11,18 @@ namespace
 
 constexpr double kPulseLow = 0.7;
 constexpr double kPulseHigh = 0.9;
-constexpr double kPulseStep = 0.006; // some 33 frames up and as many down
+constexpr double kPulseStep = 0.006; // about 33 frames up and as many down
 
-constexpr double kGlowStart = 0.35;    // the full colour reaches as far, as a share of half the side
+constexpr double kGlowStart = 0.35;    // end of the full colour, as a share of half the side
 constexpr double kMinFadeWidth = 1e-6; // likewise; keeps a division in range
 
 constexpr double kMinSegment = 1.0;
-constexpr double kMinAmplitude = 1.0; // a flatter surface would look frozen
+constexpr double kMinAmplitude = 1.0; // a flatter surface would seem not to move
 constexpr double kAmp1Steps = 50.0;   // frames from zero to the limit
 constexpr double kAmp2Steps = 40.0;
 constexpr double kPhaseSteps = 10.0; // frames in which a wave moves by one segment
 constexpr double kWaveSegments = 4.0;
-constexpr double kCrestShare = 4.0 / 9.0; // of its control point's height, where a cubic with three level points ends
+constexpr double kCrestShare = 4.0 / 9.0; // a crest's height as a share of its control point's height
 constexpr double kMaxRadius = 1.0e6;      // keeps squares of lengths far from overflow
 constexpr int kBytesPerPixel = 4;
 
@@ -34,7 +34,7 @@ void stepAmplitude(double &amplitude, bool &falling, double limit, double steps)
         falling = false;
     amplitude += falling ? -limit / steps : limit / steps;
     if (amplitude > -kMinAmplitude && amplitude < kMinAmplitude)
-        amplitude = falling ? -kMinAmplitude : kMinAmplitude; // jumps over zero
+        amplitude = falling ? -kMinAmplitude : kMinAmplitude; // skips the values near zero
 }
 
 /// The glow's colour by the distance from the picture's middle.
@@ -65,8 +65,8 @@ public:
         }
     }
 
-    /// How far the circle of that radius reaches to the side, in half pixels, `dy` half pixels off the middle; -1
-    /// where it does not.
+    /// Half the width of the circle of that radius, in half pixels, `dy` half pixels from the middle; -1 outside the
+    /// circle.
     static int reach(double radius, int dy)
     {
         const double square = 4.0 * radius * radius - static_cast<double>(dy) * dy;
@@ -80,7 +80,7 @@ public:
     }
 
     const double innerBound; ///< nothing is painted nearer to the middle; -1 without a hole
-    const double outerBound; ///< nor beyond; this glow and the earlier one have faded out there
+    const double outerBound; ///< nothing is painted farther out; this glow and the earlier one have faded out there
 
 private:
     static int squareOf(double radius) { return static_cast<int>(4.0 * radius * radius); }
@@ -90,8 +90,8 @@ private:
     std::array<QRgb, kEntries> entries{}; ///< premultiplied; transparent where the colour has faded out
 };
 
-/// The part as a picture on the same memory. Painting there spares the rasterizer the wave outside the part: a nearly
-/// level line costs it the square of its length.
+/// The part as a picture that uses the same memory. Painting there saves the rasterizer the wave outside the part:
+/// the cost of a nearly level line is the square of its length.
 QImage windowOn(QImage &picture, const QRect &part)
 {
     return QImage(picture.scanLine(part.top()) + part.left() * kBytesPerPixel, part.width(), part.height(),
@@ -111,7 +111,7 @@ void paintWater(QImage &picture, const QRect &part, const WaveDisc &disc, const 
     painter.fillPath(wavePath(shape, disc.width, motion.amp2, motion.wavePhase), disc.darkBrush);
 }
 
-/// The rows of a disc between the highest crest and the lowest trough: dry above, flooded from `end` on.
+/// The rows of a disc between the highest crest and the lowest trough: no water above, only water from `end` on.
 struct MovingRows
 {
     int top = 0;
@@ -185,7 +185,7 @@ QPainterPath wavePath(const WaveShape &shape, int width, double amplitude, doubl
                      (i + 2) * shape.segment + phase, y);
         sign = -sign;
     }
-    // A subpath of its own: odd-even filling adds the crests to the water and takes the troughs from it.
+    // A separate subpath: odd-even filling adds the crests to the water and removes the troughs from it.
     path.moveTo(0, y);
     path.lineTo(0, width);
     path.lineTo(end, width);
@@ -203,8 +203,8 @@ void paintGlow(QImage &picture, double innerRadius, double breathPos, const QCol
     if (!(colors.innerBound < colors.outerBound))
         return;
 
-    // The colour depends on the distance from the middle alone, and the four quarters are mirror images: a quarter of
-    // the look-ups and no rasterizer make this a fifth of what a gradient brush costs.
+    // The colour depends only on the distance from the middle, and the four quarters are mirror images. With a
+    // quarter of the look-ups and no rasterizer this costs a fifth of a gradient brush.
     for (int y = 0; 2 * y < side; ++y) {
         const int dy =
             side - 1 - 2 * y; // distances in half pixels, which are whole numbers from every pixel's centre

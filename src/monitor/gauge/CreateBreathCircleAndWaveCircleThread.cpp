@@ -28,8 +28,16 @@ void clear(QImage &image, const QRect &part)
 
 } // namespace
 
+bool GaugeFrame::discDiffers(const GaugeFrame &other) const
+{
+    const bool moves = disc.hasWave() || other.disc.hasWave();
+    return moves || disc.width != other.disc.width || !(disc.radius == other.disc.radius) ||
+           (disc.level >= 1.0) != (other.disc.level >= 1.0);
+}
+
 CreateBreathCircleAndWaveCircleThread::CreateBreathCircleAndWaveCircleThread(QObject *parent) : WorkerThread(parent)
 {
+    qRegisterMetaType<GaugeFrame>("GaugeFrame");
 }
 
 CreateBreathCircleAndWaveCircleThread::~CreateBreathCircleAndWaveCircleThread()
@@ -93,19 +101,19 @@ void CreateBreathCircleAndWaveCircleThread::setSleepMs(unsigned long millisecond
     sleepMs = milliseconds;
 }
 
-QImage CreateBreathCircleAndWaveCircleThread::renderFrame()
+GaugeFrame CreateBreathCircleAndWaveCircleThread::nextFrame()
 {
     QMutexLocker locker(&mutex);
-    paintFrame();
-    return image;
+    return paintFrame();
 }
 
 void CreateBreathCircleAndWaveCircleThread::run()
 {
     QMutexLocker held(&mutex);
     for (;;) {
-        paintFrame();
-        emit sendImage(image);
+        const GaugeFrame frame = paintFrame();
+        emit sendImage(frame.picture);
+        emit sendFrame(frame);
         if ((!breathEnabled && !waveEnabled) || stopped || !pause(held, unsigned(sleepMs)))
             break;
     }
@@ -118,22 +126,25 @@ void CreateBreathCircleAndWaveCircleThread::forgetPictures()
     previous = QImage();
 }
 
-void CreateBreathCircleAndWaveCircleThread::paintFrame()
+GaugeFrame CreateBreathCircleAndWaveCircleThread::paintFrame()
 {
     const WaveDisc disc = {size, waveRadius, waveEnabled ? waveLevel : 0.0, lightBrush, darkBrush};
     std::swap(image, previous);
     std::swap(imageBreathPos, previousBreathPos);
     if (image.isDetached()) {
-        clear(image, disc.bounds()); // a glow overwrites the earlier one, and the rest is empty
+        clear(image, disc.bounds()); // the glow overwrites the earlier one, and the rest is empty
     } else {
         image = emptyImage(size);
         imageBreathPos = 0;
     }
 
+    double glowReach = 0;
     if (breathEnabled) {
         const double breathPos = SharedGaugeAnimation::stepPulse().breathPos;
         paintGlow(image, breathRadius, breathPos, glowColor, imageBreathPos);
         imageBreathPos = breathPos;
+        glowReach = breathPos * size / 2.0;
     }
     discPainter.paint(image, disc, disc.hasWave() ? SharedGaugeAnimation::stepWave(disc.shape()) : WaveMotion());
+    return {image, glowReach, disc};
 }

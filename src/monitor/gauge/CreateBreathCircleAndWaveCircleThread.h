@@ -8,12 +8,22 @@
 #include <QColor>
 #include <QImage>
 
-/// Worker that paints the gauge's background 50 times a second and hands it over by signal. Owned by a
-/// gauge box, whose GUI thread calls everything here but run(). Nothing fails: sizes, radii and levels
-/// that make no picture give an empty one. The thread ends by itself when both effects are off, and
-/// startRender() starts it again.
+/// One picture of the animation, and the parts of it that hold something.
+struct GaugeFrame
+{
+    QImage picture;
+    double glowReach = 0; ///< radius in pixels around the middle, beyond which the picture is empty; 0 without a glow
+    WaveDisc disc;
+
+    /// False when the discs of both frames have the same pixels.
+    [[nodiscard]] bool discDiffers(const GaugeFrame &other) const;
+};
+
+/// Worker that paints the gauge's background 50 times a second and sends it by signal. Owned by a gauge box, whose
+/// GUI thread calls everything here except run(). Nothing fails: invalid sizes, radii and levels give an empty
+/// picture. The thread ends by itself when both effects are off, and startRender() starts it again.
 ///
-/// The state of pulse and waves is one for the program (SharedGaugeAnimation), not a member.
+/// The state of pulse and waves is shared by the whole program (SharedGaugeAnimation), so it is no member.
 class CreateBreathCircleAndWaveCircleThread : public WorkerThread
 {
     Q_OBJECT
@@ -36,20 +46,23 @@ public:
     void setSleepMs(unsigned long milliseconds); ///< pause between two frames
 
     /// Steps the animation and paints the next frame as the loop does, for a caller without the thread.
-    [[nodiscard]] QImage renderFrame();
+    [[nodiscard]] GaugeFrame nextFrame();
+    [[nodiscard]] QImage renderFrame() { return nextFrame().picture; } ///< the same, the picture alone
 
     static constexpr int kMaxSide = 8192; ///< no screen shows a larger gauge
 
 signals:
     /// Emitted on the worker's thread with its mutex held: connect queued.
     void sendImage(QImage pixmap);
+    /// The same picture with its parts, for a receiver that repaints only what has changed. As sendImage otherwise.
+    void sendFrame(GaugeFrame frame);
 
 protected:
     void run() override;
 
 private:
-    void paintFrame();
-    void forgetPictures(); ///< for a change of what the glow and the disc overwrite in each frame
+    [[nodiscard]] GaugeFrame paintFrame();
+    void forgetPictures(); ///< for a change of the area that the glow and the disc overwrite in each frame
 
     // all guarded by mutex
     double breathRadius = 0;
@@ -57,7 +70,7 @@ private:
     double waveLevel = 0;
     unsigned long sleepMs = 20;
     QImage image;              ///< the last frame; the gauge shares it
-    QImage previous;           ///< the frame before; painted over when nobody shares it any more
+    QImage previous;           ///< the frame before; reused when nothing else shares it any more
     double imageBreathPos = 0; ///< of the glow in image; 0 without one
     double previousBreathPos = 0;
     WaveDiscPainter discPainter;

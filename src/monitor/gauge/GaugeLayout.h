@@ -6,9 +6,8 @@
 
 #include <array>
 
-/// \file
-/// Where everything of the gauge lies, as values computed from its size. All lengths are pixels of the
-/// gauge widget; the gauge is the square of side `side` at the widget's origin.
+/// \file The geometry of the gauge, computed from its size. All lengths are pixels of the gauge widget; the gauge is
+/// the square of side `side` at the widget's origin.
 
 /// The ring of three segments around the hole.
 struct RingLayout
@@ -39,7 +38,7 @@ struct ReadoutLayout
 
 [[nodiscard]] ReadoutLayout readoutLayoutFor(int side, double holeRadius);
 
-/// The three rows that stand in the hole while an overclocking slider moves.
+/// The three rows in the hole while an overclocking slider moves.
 struct OverlayLayout
 {
     struct Row
@@ -54,9 +53,9 @@ struct OverlayLayout
 
 [[nodiscard]] OverlayLayout overlayLayoutFor(int side, double holeRadius, double ringRatio);
 
-/// What of the gauge a new picture of the animation can change where its glow reaches `glowReach` pixels from the
-/// middle: all so far but the band of the ring, which the glow leaves out and the disc does not reach. In strips of
-/// some pixels, for a region of few rectangles is cheap to repaint.
+/// The part of the gauge that a new picture of the animation can change when its glow reaches `glowReach` pixels from
+/// the middle: everything up to there except the band of the ring, which neither the glow nor the disc covers. The
+/// region is made of strips, because few rectangles are cheap to repaint.
 [[nodiscard]] QRegion animatedRegionFor(const RingLayout &ring, double glowReach);
 
 /// The square around the disc.

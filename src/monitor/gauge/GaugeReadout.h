@@ -10,11 +10,10 @@
 
 class QPainter;
 
-/// \file
-/// What stands in the gauge's hole: the texts of the readout and of the adjustment overlay, and their painting.
-/// A size without room for a text leaves that text out.
+/// \file The texts in the gauge's hole, those of the readout and of the adjustment overlay, and their painting. A
+/// text without room is left out.
 
-/// The chosen quantity. The numbers are the order of the readouts, not a code of the card.
+/// The chosen quantity. The numbers are the order of the readouts, not codes of the card.
 enum GaugeDisplayMode
 {
     GaugeDisplayClock = 0,
@@ -46,7 +45,7 @@ struct OverlayTexts
     std::array<Row, 3> rows; ///< in the order of OverlayLayout::rows
 };
 
-/// `changedSize` is shown without its sign, which the label tells.
+/// `changedSize` is shown without its sign; the label says the direction.
 [[nodiscard]] OverlayTexts overlayTextsFor(const Lang_BreathCircle &words, const QString &presetValue,
                                            const QString &presentValue, int changedSize);
 

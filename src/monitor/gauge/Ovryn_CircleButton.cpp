@@ -42,7 +42,7 @@ void Ovryn_CircleButton::leaveEvent(QEvent *)
     setPixmap(normalPixmap);
 }
 
-// The mouse events are not passed on: the dialog behind would take them for a drag of the window.
+// The mouse events are not passed on: the dialog below would take them for a drag of the window.
 
 void Ovryn_CircleButton::mouseMoveEvent(QMouseEvent *event)
 {

@@ -8,9 +8,8 @@
 #include <QPixmap>
 #include <QString>
 
-/// One clickable segment of the gauge's ring. Owned by the gauge; GUI thread. The label's mask is the
-/// segment, so that three of them can lie on top of each other. Nothing fails: a size too small for a
-/// ring or a caption leaves them out.
+/// One clickable segment of the gauge's ring. Owned by the gauge; GUI thread. The label's mask is the segment, so
+/// that three labels can share one rectangle. Nothing fails: without room for the ring or a caption it is left out.
 class Ovryn_CircleButton : public QLabel
 {
     Q_OBJECT
@@ -32,7 +31,7 @@ protected:
     void mousePressEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
 
-    // what it shows, open to a derived class
+    // what the label shows, which a derived class may use
     QPixmap normalPixmap;
     QPixmap hoverPixmap;
     QPixmap pressPixmap;

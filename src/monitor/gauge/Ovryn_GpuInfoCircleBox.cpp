@@ -1,6 +1,5 @@
 #include "monitor/gauge/Ovryn_GpuInfoCircleBox.h"
 
-#include "monitor/gauge/CreateBreathCircleAndWaveCircleThread.h"
 #include "monitor/gauge/GaugeLayout.h"
 #include "monitor/gauge/Ovryn_CircleButton.h"
 #include "ui/PageFrame.h"
@@ -10,6 +9,7 @@
 #include <QRegion>
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace
@@ -31,35 +31,6 @@ LCDDisplayMode lcdModeFor(GaugeDisplayMode mode)
         break;
     }
     return LcdDisplayClock;
-}
-
-bool hasWholePixels(const QImage &picture)
-{
-    return picture.depth() == 32; // a screen of fewer colours makes others of what it is given
-}
-
-bool samePart(const QImage &left, const QImage &right, const QRect &part)
-{
-    if (left.format() != right.format() || !hasWholePixels(left))
-        return false;
-    const QRect inside = part & left.rect() & right.rect();
-    for (int y = inside.top(); y <= inside.bottom(); ++y) {
-        const auto *leftRow = reinterpret_cast<const QRgb *>(left.constScanLine(y));
-        const auto *rightRow = reinterpret_cast<const QRgb *>(right.constScanLine(y));
-        if (!std::equal(leftRow + inside.left(), leftRow + inside.right() + 1, rightRow + inside.left()))
-            return false;
-    }
-    return true;
-}
-
-/// How far from its middle the picture is painted: the reach of the glow, or of the disc where nothing glows.
-int paintedReach(const QImage &picture)
-{
-    const int middle = picture.width() / 2;
-    if (!hasWholePixels(picture))
-        return middle;
-    const auto *row = reinterpret_cast<const QRgb *>(picture.constScanLine(picture.height() / 2));
-    return middle - static_cast<int>(std::find_if(row, row + middle, [](QRgb pixel) { return pixel != 0; }) - row);
 }
 
 } // namespace
@@ -87,7 +58,7 @@ Ovryn_GpuInfoCircleBox::Ovryn_GpuInfoCircleBox(QWidget *parent)
     connect(btnTemperature, SIGNAL(onMouseClick()), this, SLOT(btnTemperature_MouseClick()));
     connect(btnMemory, SIGNAL(onMouseClick()), this, SLOT(btnMemory_MouseClick()));
     connect(fadeTimer, SIGNAL(timeout()), this, SLOT(onTimer1Timerout()));
-    connect(renderer, SIGNAL(sendImage(QImage)), this, SLOT(recvRenderedImage(QImage)), Qt::QueuedConnection);
+    connect(renderer, SIGNAL(sendFrame(GaugeFrame)), this, SLOT(recvRenderedFrame(GaugeFrame)), Qt::QueuedConnection);
 }
 
 Ovryn_GpuInfoCircleBox::~Ovryn_GpuInfoCircleBox()
@@ -187,17 +158,18 @@ void Ovryn_GpuInfoCircleBox::selectDisplayMode(GaugeDisplayMode mode)
     update();
 }
 
-void Ovryn_GpuInfoCircleBox::recvRenderedImage(const QImage &image)
+void Ovryn_GpuInfoCircleBox::recvRenderedFrame(const GaugeFrame &frame)
 {
-    const QImage shown = background.toImage(); // shares the pixmap's memory
-    background = QPixmap::fromImage(image);
-    if (shown.size() != image.size()) {
+    const GaugeFrame earlier = std::exchange(shownFrame, frame);
+    background = QPixmap::fromImage(frame.picture);
+    if (earlier.picture.isNull() || earlier.picture.size() != frame.picture.size()) {
         update();
         return;
     }
-    const QRegion &changed = regionOfGlow(qMax(paintedReach(shown), paintedReach(image)));
-    // Without water the disc stays as it is, and the readout on it need not be painted again.
-    update(samePart(shown, image, discRect) ? changed - discRect : changed);
+    const double reach = std::max(earlier.glowReach, frame.glowReach);
+    const QRegion &changed = regionOfGlow(static_cast<int>(std::ceil(reach)));
+    // The readout is on the disc: while the disc stays the same, the readout need not be painted again.
+    update(frame.discDiffers(earlier) ? changed : changed - discRect);
 }
 
 const QRegion &Ovryn_GpuInfoCircleBox::regionOfGlow(int reach)
@@ -213,6 +185,7 @@ const QRegion &Ovryn_GpuInfoCircleBox::regionOfGlow(int reach)
 void Ovryn_GpuInfoCircleBox::recvBkImg(QPixmap pixmap)
 {
     background = std::move(pixmap);
+    shownFrame = GaugeFrame();
     update();
 }
 

@@ -1,21 +1,19 @@
 #pragma once
 
 #include "device/DeviceRecords.h"
+#include "monitor/gauge/CreateBreathCircleAndWaveCircleThread.h"
 #include "monitor/gauge/GaugeReadout.h"
 #include "ui/Ovryn_LanguageTable.h"
 
-#include <QImage>
 #include <QPixmap>
 #include <QTimer>
 #include <QWidget>
 
-class CreateBreathCircleAndWaveCircleThread;
 class Ovryn_CircleButton;
 
-/// The round gauge of one card: three clickable ring segments choose what the centre reads, behind it the
-/// renderer's glow and water level, in front of it, while an overclocking slider moves, the change.
-/// One per card, in the main dialog's stack; GUI thread. Nothing fails; before the first sample all values
-/// read 0.
+/// The round gauge of one card. Three clickable ring segments choose the quantity in the centre. The renderer's glow
+/// and water level are the background; while an overclocking slider moves, an overlay shows its change. One per card,
+/// in the main dialog's stack; GUI thread. Nothing fails; before the first sample all values are 0.
 class Ovryn_GpuInfoCircleBox : public QWidget
 {
     Q_OBJECT
@@ -39,7 +37,7 @@ public slots:
     void recvBkImg(QPixmap pixmap);
 
 signals:
-    /// The card's LCD is to show the same quantity.
+    /// The user chose a quantity, and the card's LCD should show the same one.
     void setLcdDisplayMode(LCDDisplayMode lcdDisplayMode);
 
 protected:
@@ -49,7 +47,7 @@ protected:
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
 
-    // its parts and state, open to a derived class
+    // parts and state, which a derived class may use
     Ovryn_CircleButton *btnFreClock;
     Ovryn_CircleButton *btnTemperature;
     Ovryn_CircleButton *btnMemory;
@@ -71,7 +69,7 @@ protected:
     LanguageType language = kLanguageEnglish;
 
 private slots:
-    void recvRenderedImage(const QImage &image);
+    void recvRenderedFrame(const GaugeFrame &frame);
 
 private:
     void selectDisplayMode(GaugeDisplayMode mode);
@@ -80,9 +78,10 @@ private:
     void drawReadout(QPainter &painter);
     [[nodiscard]] const QRegion &regionOfGlow(int reach);
 
-    // what a repaint needs, made where its inputs change
+    // inputs of a repaint, made again only when their sources change
     RingLayout ringLayout;
     QRect discRect;
+    GaugeFrame shownFrame;  ///< in `background`; without a picture when `background` is no frame of the renderer
     QRegion animatedRegion; ///< for animatedReach
     int animatedReach = -1; ///< in pixels; -1 after a resize
     QPixmap readoutPicture; ///< null until it is drawn after a change of text, font or size

@@ -12,9 +12,9 @@ namespace
 
 constexpr double kSegmentDegrees = 120.0;
 constexpr double kSpokeAngles[] = {90.0, 210.0, 330.0};
-constexpr double kSpokeOverhang = 5.0;  // pixels beyond the ring, so that the cut leaves no sliver
+constexpr double kSpokeOverhang = 5.0;  // pixels beyond the ring, so that the cut leaves no rest
 constexpr double kSpokeHalfWidth = 2.0; // pixels
-constexpr double kTextShare = 2.5;      // the band is this many times as wide as its text is high
+constexpr double kTextShare = 2.5;      // width of the band as a multiple of its text's height
 constexpr int kCaptionWeight = 57;
 
 double startAngle(int type)
@@ -79,7 +79,7 @@ void paintCaption(QPainter &painter, const RingSegment &segment, double thicknes
 
 double usableThickness(double thickness, int side)
 {
-    const bool usable = thickness > 0.0 && thickness < side; // false for a number that is none
+    const bool usable = thickness > 0.0 && thickness < side; // false for NaN
     return usable ? thickness : side / 6.0;
 }
 

@@ -2,12 +2,13 @@
 
 #include "monitor/gauge/BreathAndWave.h"
 
-/// The one animation that all renderers of the program move: with two of them running it goes at twice the
-/// speed. Any thread; each call is one whole step or one whole look, nothing more is ordered.
+/// The one animation that all renderers of the program share: with two of them running it is twice as fast. Any
+/// thread; each call is one complete step or one complete read, and the calls of different threads have no fixed
+/// order.
 namespace SharedGaugeAnimation
 {
 
-BreathPulse stepPulse();                     ///< steps the pulse and answers where it is now
+BreathPulse stepPulse();                     ///< makes one step of the pulse and returns its new state
 WaveMotion stepWave(const WaveShape &shape); ///< likewise the waves
 
 [[nodiscard]] BreathPulse pulse();
