@@ -18,7 +18,7 @@
 namespace
 {
 
-// ---- a driver of one card that answers everything at once ----
+// ---- a driver of one card that returns every value at once ----
 
 template <typename Operation>
 struct AnswersAtOnce;
@@ -84,13 +84,13 @@ BENCHMARK(samplingCycle)->Unit(benchmark::kMicrosecond);
 
 constexpr int kSamples = 1000;
 
-/// A curve as of a card at work: slow waves with a ripple.
+/// A curve like that of a working card: slow waves with a ripple.
 double calmValue(int sample)
 {
     return 50 + 30 * std::sin(sample / 20.0) + 10 * std::sin(sample / 3.0);
 }
 
-/// A curve that jumps with nearly every sample: the worst that the fill can get.
+/// A curve that jumps with nearly every sample: the worst case of the fill.
 double jaggedValue(int sample)
 {
     return 50 + (sample * 7 % 61) - 30;
@@ -138,7 +138,7 @@ void paintBox(benchmark::State &state, double (*valueAt)(int))
 BENCHMARK_CAPTURE(paintBox, calm, calmValue)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(paintBox, jagged, jaggedValue)->Unit(benchmark::kMillisecond);
 
-/// What the page does with a record while the rows show: six rows repainted, six hidden graphs fed.
+/// The page's work for a record while the rows are visible: six rows repainted, six hidden graphs fed.
 void recordToPage(benchmark::State &state)
 {
     Ovryn_NvCardInfoWidget page(63, nullptr);

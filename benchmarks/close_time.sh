@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# close_time.sh [RUNS [PROGRAM_FOLDER]]: how long the process lives on after it was asked to end, with 1, 2, 4 and 8
-# simulated cards, and how long a start right after that takes to its window. The medians of
-# the runs, in a virtual screen. Needs the build of `run.sh`; PROGRAM_FOLDER is another build's bin folder.
+# close_time.sh [RUNS [PROGRAM_FOLDER]]: the time from the request to end until the end of the process, with 1, 2, 4 and
+# 8 simulated cards, and the time from the next start to its window. The medians of the runs, in a virtual screen. Needs
+# the build of `run.sh`; PROGRAM_FOLDER is another build's bin folder.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . tools/screen.sh

@@ -42,9 +42,9 @@ endfunction()
 add_custom_target(thread_tests)
 
 # ovryn_test(<name> SOURCES <files> LINKS <libraries> [LABELS <labels>] [TIMEOUT <seconds>] [ENVIRONMENT <VAR=value>...])
-# One test program, registered with CTest. Labels tell the scripts which tests run under which sanitizer: `thread`
-# is for every program with a worker thread. The thread sanitizer's long history gives each report both stacks, which
-# its suppressions need.
+# One test program, registered with CTest. The labels decide which tests run under which sanitizer: `thread` is for
+# every program with a worker thread. The thread sanitizer's long history gives each report both stacks, which its
+# suppressions need.
 function(ovryn_test name)
     cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LINKS;LABELS;ENVIRONMENT" ${ARGN})
     if(NOT ARG_TIMEOUT)

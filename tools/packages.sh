@@ -1,4 +1,4 @@
-# Sourced by run.sh, test.sh and tools/tsan.sh: the Debian packages that the project needs, and how they get here.
+# Sourced by run.sh, test.sh and tools/tsan.sh: the Debian packages that the project needs, and their installation.
 
 build_packages=(
     cmake ninja-build g++ ccache pkg-config

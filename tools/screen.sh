@@ -1,4 +1,4 @@
-# Sourced: a virtual screen of its own, with window manager, compositor and tray, and the hands to use it.
+# Sourced: a virtual screen of its own, with window manager, compositor and tray, and functions for mouse and keys.
 
 # start_screen [SIZE]: sets DISPLAY; everything ends with the calling script.
 start_screen() {

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# tour.sh PROGRAM FOLDER: starts the program on a virtual screen, visits its pages by mouse and leaves a
-# picture of each in FOLDER. The driver is whichever stands in LD_LIBRARY_PATH. Where a card-front lies beside the
-# program, it shows the simulated cards' lights and panels at the program's right.
+# tour.sh PROGRAM FOLDER: starts the program on a virtual screen, visits its pages by mouse and leaves a picture of each
+# in FOLDER. LD_LIBRARY_PATH chooses the driver. A card-front in the program's folder shows the simulated cards' lights
+# and panels to the right of the program.
 set -euo pipefail
 program=$(realpath "$1")
 mkdir -p "$2"
@@ -10,9 +10,9 @@ pictures=$(realpath "$2")
 
 start_screen 1920x900 # room for both windows
 place=$(mktemp -d)
-# config.xml lies beside the executable: a fresh place gives a fresh start
+# config.xml is in the executable's folder: a new folder gives a start without settings
 cp -r "$program" "$(dirname "$program")/updateLog" "$place/"
-# and with a runtime folder of its own it is the first instance even while another one runs
+# with a runtime folder of its own it is the first instance even while another one runs
 mkdir -m 700 "$place/runtime"
 export NVAPI_SIM_STATE="$place/card-state.json"
 pids=()
@@ -31,7 +31,7 @@ window=$(find_window OvrynDeckII)
 place_of "$window"
 rm -f "$pictures"/*.png
 
-# look NAME [SECONDS]: the next picture; the slides and the first samples need their time to be worth one.
+# look NAME [SECONDS]: the next picture; before it, the slides and the first samples need some time.
 stop=0
 look() {
     sleep "${2:-2}"

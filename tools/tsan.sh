@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds the programs with worker threads under the thread sanitizer and runs their tests: one report fails a test.
-# Options are handed to ctest, for example: -R monitor, --repeat until-fail:10
+# Options are passed to ctest, for example: -R monitor, --repeat until-fail:10
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . tools/packages.sh

@@ -12,7 +12,7 @@ namespace
 constexpr double kStepMs = 50;             // the heat balance is stable at any step; clocks follow at this pace
 constexpr double kMostStepsAtOnce = 20000; // after a long pause the steps grow instead
 constexpr qint64 kClockBinKHz = 13000;     // boost clocks move in bins of this width
-constexpr double kIdleBelowPercent = 8;    // load below which the card rests
+constexpr double kIdleBelowPercent = 8;    // load below which the card is idle
 constexpr double kBaseBelowPercent = 35;   // load below which it stays at its base clock
 constexpr double kBoostFromPercent = 80;   // load from which it runs at its boost clock
 constexpr double kBoostFadesAboveC = 60;   // one bin less for each kBoostFadeK above this
@@ -118,7 +118,7 @@ void Card::step(double simulatedMs, double seconds)
     state.loadPercent = loadPercentAt(parameters.load, simulatedMs);
     warmLoadPercent += (state.loadPercent - warmLoadPercent) * covered(seconds, kMemorySettlesS);
 
-    // a driver holds the temperature limit by taking clock away bit by bit, and gives it back alike
+    // a driver keeps the temperature limit by lowering the clock in small steps, and raises it in the same way
     const double limitC = settings.temperatureLimit256 / 256.0;
     const qint64 idleKHz = parameters.clocks.idleKHz;
     const qint64 wantedKHz = wantedGraphicsKHz();

@@ -39,7 +39,7 @@ struct CardState
     double voltage_uV = 0;
     double powerW = 0;
     double temperatureC = 0;
-    double fanPercent = 0; ///< mean of the coolers, lagging behind their aims
+    double fanPercent = 0; ///< mean of the coolers, which reach their target levels with a delay
     quint32 memoryUsedKB = 0;
     bool powerLimited = false;
     bool temperatureLimited = false;
@@ -56,7 +56,7 @@ struct Card
     /// Lets the card run up to a moment of simulated time. An earlier moment changes nothing.
     void advanceTo(double simulatedMs);
 
-    /// Level that a cooler heads for, percent.
+    /// Target level of a cooler, percent.
     [[nodiscard]] double coolerAimPercent(std::size_t cooler) const;
     [[nodiscard]] quint32 fanRpm() const;                                               ///< 0 without a tachometer
     [[nodiscard]] qint32 boardTemperature16(const BoardSensorParameters &sensor) const; ///< 1/16 of a degree

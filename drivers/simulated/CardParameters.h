@@ -11,7 +11,7 @@
 namespace simulated
 {
 
-/// How far the driver lets an offset go.
+/// The range that the driver allows for an offset.
 struct OffsetRange
 {
     bool editable = true;
@@ -86,7 +86,7 @@ struct ThermalParameters
     std::optional<double> pinnedC;   ///< holds the GPU at this temperature instead
     qint32 sensorMinimumC = 0;       ///< range that the sensor claims for itself
     qint32 sensorMaximumC = 127;
-    std::vector<qint32> sensorTargets = {1}; ///< what each sensor sits on, 1 is the GPU; at most 3
+    std::vector<qint32> sensorTargets = {1}; ///< the place of each sensor, 1 is the GPU; at most 3
     bool policyPresent = true;               ///< false: the thermal policy records are not valid
     quint32 policyId = 1;
     qint32 minimumC = 60; ///< of the temperature limit

@@ -21,7 +21,7 @@ public:
     void add(const Fault &fault) { entries.push_back({fault, 0}); }
     void clear() { entries.clear(); }
 
-    /// Counts a call and tells what happens to it. `card` has no value for a call without a known card.
+    /// Counts a call and returns what happens to it. `card` has no value for a call without a known card.
     Effect count(Operation operation, std::optional<quint32> card);
 
 private:

@@ -10,7 +10,7 @@ namespace simulated
 class JournalFile
 {
 public:
-    /// An empty path means no journal. A file that cannot be opened is told on standard error.
+    /// An empty path means no journal. A file that cannot be opened is reported on standard error.
     explicit JournalFile(const std::string &path);
     [[nodiscard]] bool isOpen() const { return stream.is_open(); }
     void write(const std::string &line);

@@ -19,7 +19,7 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// A value of the scenario that knows where it stands, so that a mistake can be told with its place.
+/// A value of the scenario that knows its place in it, so that a mistake can be reported with the place.
 class JsonNode
 {
 public:

@@ -12,7 +12,7 @@
 namespace simulated
 {
 
-/// The keys of an object. Absent keys leave their targets alone; `finish` refuses keys that nobody asked for.
+/// The keys of an object. Absent keys leave their targets unchanged; `finish` refuses keys that were not read.
 class JsonObject
 {
 public:

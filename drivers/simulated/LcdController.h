@@ -15,7 +15,7 @@ namespace simulated
 class LcdController
 {
 public:
-    /// What the last good frame says.
+    /// The content of the last valid frame.
     struct Frame
     {
         quint8 sequence = 0;
@@ -33,10 +33,10 @@ public:
         quint16 fanRpm = 0;
     };
 
-    /// What a controller refuses in a frame; an empty text when it is good.
+    /// Why the controller refuses a frame; an empty text for a valid one.
     [[nodiscard]] static std::string faultOf(const std::vector<quint8> &bytes);
 
-    /// Takes a frame. An empty text when it is good, else what is wrong with it.
+    /// Takes a frame. Returns an empty text for a valid one, else what is wrong with it.
     std::string write(const std::vector<quint8> &bytes);
 
     Frame shown;

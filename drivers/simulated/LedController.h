@@ -26,10 +26,10 @@ public:
 
     explicit LedController(quint8 controllerType) : type(controllerType) {}
 
-    /// What a controller refuses in a frame; an empty text when it is good.
+    /// Why the controller refuses a frame; an empty text for a valid one.
     [[nodiscard]] static std::string faultOf(const std::vector<quint8> &bytes);
 
-    /// Takes a frame. An empty text when it is good, else what is wrong with it.
+    /// Takes a frame. Returns an empty text for a valid one, else what is wrong with it.
     std::string write(const std::vector<quint8> &bytes);
 
     /// The status frame of 27 bytes.

@@ -11,12 +11,12 @@
 namespace simulated
 {
 
-/// Which calls go wrong, and how. A call is counted for a fault when operation and card fit.
+/// Which calls fail, and how. A call is counted for a fault when operation and card match.
 struct Fault
 {
     std::optional<Operation> operation; ///< none: every operation
     std::optional<quint32> card;        ///< index of the card; none: any card, and calls without a card
-    std::optional<NvAPI_Status> status; ///< answered instead of doing anything; none: the call is only late
+    std::optional<NvAPI_Status> status; ///< returned without any effect; none: the call is only late
     quint64 from = 1;                   ///< number of the first call that goes wrong, counted from 1
     quint64 count = 0;                  ///< how many calls go wrong; 0: all from there on
     quint64 every = 0;                  ///< repeat `from` and `count` after this many calls; 0: never
@@ -27,13 +27,13 @@ struct Fault
 struct OperationKnowledge
 {
     bool missing = false;          ///< the library has no such entry point
-    std::vector<quint32> versions; ///< version words answered; any other gets -9
+    std::vector<quint32> versions; ///< version words that it accepts; any other gets -9
 };
 
 /// Ways in which a broken driver could harm a careless caller.
 struct Hostility
 {
-    quint32 count = 0;              ///< put in place of every count in an answer; 0: counts are true
+    quint32 count = 0;              ///< replaces every count in a result; 0: counts are true
     bool unterminatedTexts = false; ///< texts fill their 64 bytes without a terminating zero
 };
 

@@ -11,14 +11,14 @@ namespace simulated
 struct ScenarioResult
 {
     Scenario scenario;
-    std::string error; ///< empty when all is well; otherwise the scenario has no card
+    std::string error; ///< empty for a valid scenario; otherwise the scenario has no card
 };
 
 /// `fileName` only serves the message.
 ScenarioResult readScenarioText(const std::string &text, const std::string &fileName);
 ScenarioResult readScenarioFile(const std::string &path);
 
-/// The scene that stands when none is asked for: one card with LEDs, LCD and board sensors, and a plain one.
+/// The default scene: one card with LEDs, LCD and board sensors, and a plain one.
 Scenario builtInScenario();
 
 } // namespace simulated

@@ -7,7 +7,7 @@
 namespace simulated
 {
 
-/// Time since the driver was loaded. Either runs with the wall clock or only when it is pushed.
+/// Time since the driver was loaded. It runs with the wall clock, or only when it is advanced.
 class SimulatedClock
 {
 public:

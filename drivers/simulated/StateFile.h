@@ -14,7 +14,7 @@ class StateFile
 {
 public:
     explicit StateFile(const std::string &statePath) : path(statePath) {}
-    /// False without a file, and within 100 ms of the last write unless that does not matter.
+    /// False without a file, and within 100 ms of the last write unless `evenIfRecent` is set.
     [[nodiscard]] bool isDue(bool evenIfRecent) const;
     void write(const std::string &text);
 

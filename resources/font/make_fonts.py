@@ -167,9 +167,8 @@ def make_wide(arguments):
     save(font, "SpaceAge.ttf", "Ovryn Wide", "Regular", 400)
 
 
-# Letters of the units, drawn as polygons in a cell of 620 by 820: the source's fourteen segments give an M that
-# looks like a B, a B that looks like a D, a capital z
-# and a torn %. Clockwise outlines; a hole runs the other way.
+# Letters of the units, drawn as polygons in a cell of 620 by 820: the source's fourteen segments give an M that looks
+# like a B, a B that looks like a D, a capital z and an incomplete %. Clockwise outlines; a hole runs the other way.
 SEGMENT_CELL = 620
 SEGMENT_LETTERS = {
     "M": [
@@ -224,7 +223,7 @@ def make_segment(_arguments):
     cut_down(font, sorted({*ASCII, 0xB0}))
     drop_hints(font)
     across, up = 0.76, 0.82
-    # The source's own blank is a sliver of 0.15 em.
+    # The source's own blank is too narrow: 0.15 em.
     blank = 340
 
     characters = font.getBestCmap()

@@ -14,7 +14,7 @@ constexpr int kLcdProbeSeconds = 10;
 const QString kOvrynPrefix = QStringLiteral("Ovryn ");
 const QString kStormPrefix = QStringLiteral("StormPIKE ");
 
-/// What stands behind "GeForce ", else the whole name.
+/// The text after "GeForce "; the whole name where it lacks that.
 QString withoutBrand(const QString &gpuName)
 {
     const QString brand = QStringLiteral("GeForce ");
@@ -28,7 +28,7 @@ QString makerDisplayName(const QString &gpuName, const QString &prefix)
     const int at = gpuName.indexOf(series);
     if (at < 0)
         return withoutBrand(gpuName);
-    return prefix + gpuName.mid(at + series.size() + 1); // the blank behind the series goes too
+    return prefix + gpuName.mid(at + series.size() + 1); // the blank after the series goes too
 }
 
 qint32 knownSeries(quint32 device)
@@ -50,7 +50,7 @@ qint32 knownVariant(quint32 device)
     return code == 1 || code == 2 || code >= 8 ? qint32(code) : 0;
 }
 
-/// Boards outside the Ovryn family tell their variant by bit 0, else by bit 1 in its place.
+/// The variant of a board outside the Ovryn family: bit 0 decides, and where it is not set bit 1 does.
 qint32 plainVariant(quint32 device)
 {
     return (device & 1) ? 1 : qint32(device & 2);
@@ -132,7 +132,7 @@ QList<GpuCardInfo> detectCards(NvGpuControl &control)
     for (quint32 index = 0; index < count; ++index) {
         control.setCurrentGpu(qint32(index));
         NvPciIds ids;
-        control.getPciIdentifiers(ids); // a card that fails to tell keeps zeros and counts as foreign
+        control.getPciIdentifiers(ids); // after a failed read the identifiers are 0, and the card counts as foreign
         GpuCardInfo card = identifyCard(printableName(control.getGpuName()), ids.subSystemId);
         card.gpuIndex = qint32(index);
         card.hasLed = control.i2cWriteFramed(nullptr, 0, kLedProbeEffect, 0, 0, false);

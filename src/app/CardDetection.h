@@ -9,7 +9,7 @@ class NvGpuControl;
 /// What the main dialog knows of a card that it found. Kept in detection order.
 struct GpuCardInfo
 {
-    QString gpuName;         ///< the driver's full name, with " N" behind the N-th repetition
+    QString gpuName;         ///< the driver's full name, with " N" after the N-th repetition
     QString displayName;     ///< short name for the selector, numbered likewise
     quint32 subSystemId = 0; ///< vendor in the low half, device in the high half
     qint32 family = 0;       ///< kFamilyOvryn, kFamilyStorm, 0 for another board of the maker, kFamilyForeign
@@ -25,7 +25,7 @@ constexpr qint32 kFamilyOvryn = 0x1000;
 constexpr qint32 kFamilyStorm = 0x2000;
 constexpr qint32 kFamilyForeign = 0xFFFF;
 
-/// Names and codes of a card from what the driver tells of it; pure.
+/// Names and codes of a card from what the driver reports of it. Pure function.
 GpuCardInfo identifyCard(const QString &gpuName, quint32 subSystemId);
 
 /// Gives `card` its numbers after the cards found before it in this run. `earlier` holds the names as

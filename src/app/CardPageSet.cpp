@@ -184,7 +184,7 @@ void CardPageSet::requestEnd()
     adjustPage->requestEnd();
 }
 
-void CardPageSet::handFanBack()
+void CardPageSet::returnFanToDriver()
 {
-    adjustPage->handFanBack();
+    adjustPage->returnFanToDriver();
 }

@@ -23,12 +23,12 @@ class Ovryn_SendNvCardInfoThread;
 class QWidget;
 struct PageTimings;
 
-/// Everything that one card has in the program: its device object, its pages and its sampling worker. The one class
-/// that knows all pages of a card; to the main dialog they are numbers of `Page`.
+/// Everything that the program has for one card: its device object, its pages and its sampling worker. This is the
+/// only class that knows all pages of a card; the main dialog knows them as numbers of `Page`.
 ///
 /// The dialog owns every set. The pages are children of the dialog's window from the start; the set deletes those
-/// that have a worker, and its own worker, in a fixed order, and the others go with the window. GUI thread only. What
-/// fails on the card shows as zeros on its pages.
+/// that have a worker, and its own worker, in a fixed order, and the window deletes the others. GUI thread only. A
+/// failed read of the card shows as zeros on its pages.
 class CardPageSet
 {
 public:
@@ -51,7 +51,7 @@ public:
         QWidget *page;   ///< null for the home page
         QWidget *beside; ///< at the gauge's place
     };
-    /// What stands for a page of this card. A card without LEDs or an LCD shows its information in their place.
+    /// The widgets of a page of this card. A card without LEDs or an LCD shows its information in their place.
     [[nodiscard]] View view(Page page) const;
 
     void setLanguage(const Ovryn_LanguageTable &texts);
@@ -59,8 +59,8 @@ public:
     void setRefreshTime(unsigned int ms);
     void keepSettings(Ovryn_ConfigFile &file) const; ///< each page's section, under the card's name and subsystem
 
-    void requestEnd();  ///< asks every worker of the card to end; waits for nothing
-    void handFanBack(); ///< to the driver, where the user's curve drives it; the adjust page's work ends with that
+    void requestEnd();        ///< asks every worker of the card to end; waits for nothing
+    void returnFanToDriver(); ///< to the driver, where the user's curve drives it; this ends the adjust page's work
 
 private:
     void connectPages();
@@ -75,5 +75,5 @@ private:
     Ovryn_GpuFixedInfo *fixedInfoPage = nullptr;
     Ovryn_SendNvCardInfoThread *infoWorker = nullptr;
     std::shared_ptr<NvGpuControl> gpuControl;           ///< the workers have shares of it
-    Ovryn_BoardInfoMainWidget *boardInfoPage = nullptr; ///< nothing feeds it and nothing leads to it
+    Ovryn_BoardInfoMainWidget *boardInfoPage = nullptr; ///< it gets no data, and no button leads to it
 };

@@ -5,7 +5,7 @@
 namespace
 {
 
-constexpr int kSlideStep = 10; // pixels a tick of the gauge box
+constexpr int kSlideStep = 10; // pixels per tick, of the gauge box
 
 constexpr int kPanelRightMargin = 40;
 constexpr int kPanelDrop = 46; // below the middle, clear of the rail

@@ -4,7 +4,7 @@
 #include <QRect>
 #include <QSize>
 
-/// Where everything of the main dialog lies, in dialog pixels. Integer divisions and products truncate.
+/// The rectangles of the main dialog's parts, in dialog pixels. Integer divisions and products truncate.
 struct MainDialogLayout
 {
     QRect selector;

@@ -40,7 +40,7 @@ OvrynDeck2::OvrynDeck2(QWidget *parent, const PageTimings &pauses)
                             this)),
       configFile(Ovryn_ConfigFile::usualPath(), syncToDisk)
 {
-    // First, since the start shows a box and takes its time.
+    // First, because the construction shows a box and may take long.
     connect(new EndSignals(this), SIGNAL(endDemanded()), this, SLOT(onEndDemanded()));
     setObjectName(QStringLiteral("OvrynDeck2"));
     buildWidgets();
@@ -54,7 +54,7 @@ OvrynDeck2::OvrynDeck2(QWidget *parent, const PageTimings &pauses)
         cards = detectCards(control);
     }
 
-    configFile.load(); // a file that can't be used leaves the defaults
+    configFile.load(); // the defaults stay where the file can't be used
     configFile.getGeneralSetting(generalSetting);
     configFile.getUpdateSetting(updateSetting);
     languageTable.setLanguage(languageNumberOf(generalSetting.Language));
@@ -226,7 +226,7 @@ void OvrynDeck2::mousePressEvent(QMouseEvent *event)
     if (event->button() != Qt::LeftButton)
         return;
     dragging = true;
-    // From the event, not from pos(): some window managers place the window without telling the toolkit.
+    // From the event, not from pos(): some window managers move the window without a report to the toolkit.
     dragOffset = event->pos();
 }
 

@@ -32,9 +32,9 @@ class UpdateFlow;
 /// The program's one main window: frameless, translucent, dragged by any free spot.
 ///
 /// Its constructor finds the cards and makes a set of pages for each, so that `main` can ask it for the number of
-/// cards. It owns the sets and knows of their pages by number alone; its own matters are the window with its page
-/// buttons and the card selector, the settings panel, the tray and the file of settings.
-/// GUI thread only; a failing card or driver shows as zeros, never as an error of this class.
+/// cards. It owns the sets and knows their pages by number only. The dialog itself manages the window with its page
+/// buttons and the card selector, the settings panel, the tray and the settings file. GUI thread only; a failing card
+/// or driver shows as zeros, never as an error of this class.
 class OvrynDeck2 : public QDialog
 {
     Q_OBJECT
@@ -50,13 +50,13 @@ public:
     /// True once `closed` was emitted. The constructor shows the update log, and the tray can close the program then.
     [[nodiscard]] bool wasClosed() const { return closedOnce; }
 
-    /// To be run after the window came up: the one-time prompt of the high-performance mode.
+    /// Shows the one-time prompt of the high-performance mode. To be called after the window is shown.
     void afterShow();
 
 public slots:
-    /// The end of everything that outlives the window, whoever ended the program: keeps the settings where no close
-    /// has done so, ends the workers of all cards side by side and hands the fans back. Touches nothing of the
-    /// screen, so that it serves a process that has lost its display, too. Nothing the second time.
+    /// Ends everything that outlives the window, whoever ended the program: saves the settings unless a close event
+    /// has done so, ends the workers of all cards in parallel and returns the fans to the driver. It uses nothing of
+    /// the screen, so a process that has lost its display can call it too. A second call does nothing.
     void endWork();
     void manualDetectUpdate();
     void onBtnMonitorClicked(bool bChecked);
@@ -84,7 +84,7 @@ public slots:
     void onCommitDataRequest(); ///< the session may end; the program goes on until it does
 
 signals:
-    /// The close event has saved everything, whoever closed the window: the program is to end.
+    /// The close event has saved everything, whoever closed the window: the program must end now.
     void closed();
 
 protected:
@@ -116,12 +116,12 @@ private:
 
     // settings and language
     void pullSettings();
-    void applyLanguage(); ///< gives the texts in force to the dialog, the panel and every page
+    void applyLanguage(); ///< gives the current texts to the dialog, the panel and every page
     void applyPageEffects();
 
     void bringBack();      ///< from the tray
     void keepEverything(); ///< settings and pages, into config.xml and the auto-start value
-    void endWorkers();     ///< of all cards side by side, then hands the fans back; nothing the second time
+    void endWorkers();     ///< of all cards in parallel, then returns the fans; a second call does nothing
 
     const PageTimings pageTimings;
     int detectedCards = 0;

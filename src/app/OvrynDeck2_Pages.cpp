@@ -13,7 +13,7 @@
 namespace
 {
 
-// Both questions are asked once a run, whichever window asks them.
+// Each of the two questions is asked at most once in a run.
 bool firstAdjustPrompt = true;
 bool firstHighPerformancePrompt = true;
 
@@ -26,7 +26,7 @@ void OvrynDeck2::onBtnMonitorClicked(bool)
 
 void OvrynDeck2::onBtnAdjustClicked(bool bChecked)
 {
-    // The warning guards the way in only; a click that closes the page asks nothing.
+    // The warning comes only before the page opens; a click that closes the page asks nothing.
     if (bChecked && firstAdjustPrompt) {
         if (!ask(languageTable.mainDialog.adjustWarning, languageTable.language(), this)) {
             pageButtons[AdjustButton]->setChecked(false);
@@ -49,8 +49,8 @@ void OvrynDeck2::onBtnLCDClicked(bool)
 {
     if (settingPanel->isShowing())
         settingPanel->setShowSettingWidget(false);
-    // The second slot, also where the first one carries the LCD: the page change then unchecks the very
-    // button that was clicked. Wanted: cards with an LCD alone have always behaved so.
+    // The second slot, also where the first one carries the LCD: the page change then unchecks the very button that
+    // was clicked. This is intended: cards with an LCD only have always behaved so.
     openPage(SecondSlotButton);
     update();
 }
@@ -109,8 +109,8 @@ void OvrynDeck2::onMoveCircleWidgetTimerTimeout()
         selectPage();
 }
 
-/// A field that goes out of sight with the keyboard's focus would pass it on to the next one, which then stands
-/// marked although nobody has been there.
+/// A field that is hidden while it has the keyboard's focus passes the focus to the next field. That one would then
+/// look selected although the user has not touched it.
 void OvrynDeck2::leaveFields()
 {
     setFocus();
@@ -136,7 +136,7 @@ void OvrynDeck2::onBtnHighPerformanceClicked(bool checked)
     if (!pages || checked == pages->adjust()->isHighPerformance())
         return;
     pages->adjust()->setHighPerformance(checked);
-    btnHighPerformance->setChecked(pages->adjust()->isHighPerformance()); // back where the card refused
+    btnHighPerformance->setChecked(pages->adjust()->isHighPerformance()); // off again after a refusal
 }
 
 void OvrynDeck2::onHighPerformanceModeChanged(bool bEnable)

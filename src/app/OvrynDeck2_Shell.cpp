@@ -17,8 +17,8 @@
 namespace
 {
 
-/// With a cycle of a worker when the system ends the session: Windows gives a process five seconds in all.
-constexpr unsigned long kPatienceOfTheSystemMs = 2000;
+/// Wait for a worker's cycle when the system ends the session: Windows gives a process five seconds in total.
+constexpr unsigned long kCycleWaitAtSystemEndMs = 2000;
 
 } // namespace
 
@@ -64,7 +64,7 @@ void OvrynDeck2::onBtnCloseClick()
 void OvrynDeck2::closeEvent(QCloseEvent *event)
 {
     keepEverything();
-    tray->hide(); // the workers may take their time; nothing of the program is to be seen meanwhile
+    tray->hide(); // the workers may need seconds to end, and nothing of the program is visible in that time
     QDialog::closeEvent(event);
     closedOnce = true;
     emit closed();
@@ -72,7 +72,7 @@ void OvrynDeck2::closeEvent(QCloseEvent *event)
 
 void OvrynDeck2::onEndDemanded()
 {
-    WorkerThread::setPatience(kPatienceOfTheSystemMs);
+    WorkerThread::setCycleWait(kCycleWaitAtSystemEndMs);
     if (!closedOnce)
         close();
 }
@@ -90,12 +90,12 @@ void OvrynDeck2::endWorkers()
     for (const std::unique_ptr<CardPageSet> &pages : cardPageSets)
         pages->requestEnd();
     for (const std::unique_ptr<CardPageSet> &pages : cardPageSets)
-        pages->handFanBack();
+        pages->returnFanToDriver();
 }
 
 void OvrynDeck2::onCommitDataRequest()
 {
-    keepEverything(); // the others of the session, or the user, may still call its end off
+    keepEverything(); // another program or the user may still cancel the end of the session
 }
 
 void OvrynDeck2::keepEverything()
@@ -107,7 +107,7 @@ void OvrynDeck2::keepEverything()
         pages->keepSettings(configFile);
     setStartOnBoot(generalSetting.StartOnBoot, QCoreApplication::applicationFilePath());
     configFile.setLastCloseDate(QDate::currentDate());
-    configFile.save(); // a failed write goes unnoticed by design
+    configFile.save(); // a failed write is not reported, by design
 }
 
 // ---- settings ---------------------------------------------------------------------------------------

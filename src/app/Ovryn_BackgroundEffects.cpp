@@ -8,7 +8,7 @@ namespace
 
 constexpr int kMoveIntervalMs = 15;
 constexpr int kDelayMs = 3000;
-constexpr int kMoveStep = 15;        // pixels a tick
+constexpr int kMoveStep = 15;        // pixels per tick
 constexpr int kLogoMarginShare = 20; // the margin around a resting logo is this part of the picture
 constexpr int kCenterTopShare = 30;  // likewise the space above the centre logo
 constexpr int kCenterLogoShift = 10; // pixels to the right of the middle

@@ -32,9 +32,9 @@ struct BackgroundEffectImages
     static BackgroundEffectImages fromResources();
 };
 
-/// The main dialog's start-up picture: two logos slide in from the right when it is made, and the second
-/// one goes three seconds after they have arrived. moveOut() clears the picture while a page is open,
-/// moveIn() brings the logos back. Owned by the dialog, GUI thread, transparent for the mouse; nothing fails.
+/// The main dialog's start-up picture: two logos slide in from the right when it is made, and the second one leaves
+/// three seconds after they have arrived. moveOut() clears the picture while a page is open, moveIn() brings the
+/// logos back. Owned by the dialog; GUI thread. It ignores the mouse. No operation fails.
 class Ovryn_BackgroundEffects : public QWidget
 {
     Q_OBJECT
@@ -48,13 +48,13 @@ public:
 
 public slots:
     void onMoveTimerTimeout();  ///< one step of a slide
-    void onDelayTimerTimeout(); ///< the second logo goes
+    void onDelayTimerTimeout(); ///< the second logo leaves
 
 protected:
     void paintEvent(QPaintEvent *event) override;
     void showEvent(QShowEvent *event) override;
 
-    // its parts and state, open to a derived class
+    // parts and state, which a derived class may use
     QTimer *moveTimer;
     QTimer *delayTimer;
     BackgroundEffectImages images;

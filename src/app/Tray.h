@@ -7,8 +7,8 @@
 struct Lang_MainDialog;
 class QAction;
 
-/// The program's icon in the tray with its menu of two items. Shown as long as the object lives and `hide` was not
-/// called. Owned by the main dialog; GUI thread only. A system without a tray shows nothing.
+/// The program's icon in the tray with its menu of two items. Visible until `hide` is called or the object is
+/// deleted. Owned by the main dialog; GUI thread only. A system without a tray shows nothing.
 class Tray : public QObject
 {
     Q_OBJECT

@@ -32,7 +32,7 @@ void UpdateFlow::checkOnStart(const char *answeringSlot)
         returnFromUpdater();
         return;
     }
-    QDate lastCheck = QDate::currentDate(); // stands where no config.xml could be read
+    QDate lastCheck = QDate::currentDate(); // used where no config.xml could be read
     configFile.getLastCheckDate(lastCheck);
     if (isUpdateCheckDue(lastCheck, updateSetting.CheckInterval, QDate::currentDate()))
         startCheck(answeringSlot);
@@ -45,9 +45,9 @@ void UpdateFlow::startCheck(const char *answeringSlot)
     downloader->startDownload();
 }
 
-void UpdateFlow::answer(bool manifestStands, UpdateTrigger trigger)
+void UpdateFlow::answer(bool manifestDownloaded, UpdateTrigger trigger)
 {
-    if (!manifestStands) // silence in both cases; the date stays, so that the next start tries again
+    if (!manifestDownloaded) // no message in both cases; the date stays, so that the next start tries again
         return;
     configFile.setLastCheckDate(QDate::currentDate());
     configFile.save(); // a failed write goes unnoticed by design
@@ -59,24 +59,24 @@ void UpdateFlow::answer(bool manifestStands, UpdateTrigger trigger)
                          manifest.getManualDownloadVersion())) {
     case UpdateAction::Nothing:
         break;
-    case UpdateAction::TellTooOld:
+    case UpdateAction::ReportTooOld:
         tell(words.updateTooOld, languageTable.language(), dialog);
         break;
     case UpdateAction::AskThenUpdate:
         if (ask(words.updateAsk, languageTable.language(), dialog))
-            handOverToUpdater();
+            startUpdater();
         break;
     case UpdateAction::Update:
-        handOverToUpdater();
+        startUpdater();
         break;
-    case UpdateAction::TellLatest:
+    case UpdateAction::ReportLatest:
         clearFolder(QString::fromLatin1(kUpdateFolder));
         tell(words.updateLatest, languageTable.language(), dialog);
         break;
     }
 }
 
-void UpdateFlow::handOverToUpdater()
+void UpdateFlow::startUpdater()
 {
     const QStringList arguments = {QString::fromLatin1(kCalledByProgram), generalSetting.Language};
     if (!QProcess::startDetached(updaterProgram(QCoreApplication::applicationDirPath()), arguments)) {
@@ -94,11 +94,11 @@ void UpdateFlow::returnFromUpdater()
 
     Ovryn_UpdateInfoReader manifest;
     manifest.read(QString::fromLatin1(kManifestPath)); // a broken one lists no updater
-    takeOutUpdater(manifest.getFileInfos());
+    extractUpdater(manifest.getFileInfos());
     clearFolder(QString::fromLatin1(kUpdateFolder));
 
     Ovryn_UpdateLogWidget updateLog(languageTable.language(), dialog);
-    // In the middle of the screen: the dialog is not shown yet and has no place that the log could stand over.
+    // No parent, so the log is in the middle of the screen: the dialog is not shown yet and has no position.
     updateLog.move(QGuiApplication::primaryScreen()->availableGeometry().center() - updateLog.rect().center());
     connect(dialog, SIGNAL(closed()), &updateLog, SLOT(reject())); // from the tray
     updateLog.exec();

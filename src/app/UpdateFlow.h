@@ -11,9 +11,9 @@ class QWidget;
 struct GeneralSettingInfo;
 struct UpdateSettingInfo;
 
-/// The program's part in live update: asks the server, decides, tells or asks the user, and hands over to the
-/// updater; at the start after an update it finishes that. Everything that it borrows belongs to the main dialog,
-/// which owns it and over which its boxes stand. GUI thread only. A check that fails says nothing.
+/// The program's part in live update: asks the server, decides, informs or asks the user, and starts the updater; at
+/// the start after an update it completes the update. The main dialog owns this object and everything that it
+/// borrows, and is the parent of its boxes. GUI thread only. A failed check shows nothing.
 class UpdateFlow : public QObject
 {
     Q_OBJECT
@@ -22,16 +22,17 @@ public:
     UpdateFlow(Ovryn_ConfigFile &file, const GeneralSettingInfo &general, const UpdateSettingInfo &update,
                const Ovryn_LanguageTable &texts, QWidget *window);
 
-    /// At the start of the program: finishes an update, or looks for one when that is due. `answeringSlot` of the
-    /// dialog is then called with the check's result.
+    /// At the start of the program: completes an update, or looks for one when a check is due. The check calls
+    /// `answeringSlot` of the dialog with its result.
     void checkOnStart(const char *answeringSlot);
-    /// Looks for an update. That slot of the dialog alone answers, also for a check that is running already.
+    /// Looks for an update. Only this slot of the dialog gets the result, also that of a check that is running
+    /// already.
     void startCheck(const char *answeringSlot);
-    /// What follows a check. `manifestStands` is its result.
-    void answer(bool manifestStands, UpdateTrigger trigger);
+    /// What follows a check. `manifestDownloaded` is its result.
+    void answer(bool manifestDownloaded, UpdateTrigger trigger);
 
 private:
-    void handOverToUpdater();
+    void startUpdater();
     void returnFromUpdater();
 
     Ovryn_ConfigFile &configFile;

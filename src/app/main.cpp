@@ -26,10 +26,10 @@ namespace
 const char *const kApplicationId = "Brindlex_OvrynDeck2";
 constexpr int kMessageTimeoutMs = 5000;
 
-/// Neither language is known yet when the installation folder can't be entered, so both stand there.
-int tellUnknownError()
+/// The user's language is not known yet when the installation folder can't be entered, so the text has both.
+int reportUnknownError()
 {
-    registerApplicationFonts(); // the system may have none for the Chinese half
+    registerApplicationFonts(); // the system may have no font for the Chinese text
     Ovryn_MessageBox box(0, QString(), QStringLiteral("未知错误发生\r\nAn unknown error has occurred"),
                          kLanguageChinese, nullptr, Qt::WindowFlags(Ovryn_MessageBox::usualWindowFlags));
     box.setYesText(QStringLiteral("确定/Comfirm"));
@@ -37,8 +37,8 @@ int tellUnknownError()
     return 0;
 }
 
-/// Stamps the start into config.xml before any window exists and gives back the settings found there,
-/// or their defaults where the file can't be used.
+/// Writes the date of this start into config.xml before any window exists. Returns the settings in the file, or the
+/// defaults where the file can't be used.
 GeneralSettingInfo stampStart(Ovryn_ConfigFile &configFile)
 {
     configFile.load();
@@ -48,29 +48,29 @@ GeneralSettingInfo stampStart(Ovryn_ConfigFile &configFile)
     GeneralSettingInfo general;
     configFile.getGeneralSetting(general);
     UpdateSettingInfo update;
-    configFile.getUpdateSetting(update); // part of each start; the dialog takes its own copy
+    configFile.getUpdateSetting(update); // each start reads it; the dialog reads its own copy
     return general;
 }
 
 /// How long a start waits for an instance that is ending: as long as limitShutdown gives one with eight cards.
 constexpr int kWaitForEndMs = 110 * kMillisecondsPerSecond;
 
-/// True when this start is to go on. A running instance is brought to the front instead; one that is ending takes no
-/// message any more, and its place is waited for.
+/// True when this start continues. A running instance is brought to the front instead. An instance that is ending
+/// takes no more messages; this start waits for its end.
 bool becomeTheInstance(QtSingleApplication &application)
 {
     if (!application.isRunning() || application.waitForEndOfFirst(kWaitForEndMs))
         return true;
     const bool shown = application.sendMessage(QStringLiteral("show"), kMessageTimeoutMs);
-    return !shown && application.waitForEndOfFirst(kWaitForEndMs); // its end may have begun just now
+    return !shown && application.waitForEndOfFirst(kWaitForEndMs); // it may have begun to end just now
 }
 
-/// What is left to do is calls of the driver: the fan and the LEDs of each card, and letting it go. One that hangs
-/// would keep a process that nobody sees and that turns every further start away. Everything kept is on the disk.
+/// Ends the process after a limit. Only driver calls are left: the fan and the LEDs of each card, and the unload. One
+/// that hangs would leave an invisible process that prevents every later start. The settings are on the disk already.
 void limitShutdown(int exitCode, int cards)
 {
     constexpr int kBaseSeconds = 30;    // for the last cycles of all workers, see WorkerThread::kCycleWaitMs
-    constexpr int kSecondsPerCard = 10; // for the orders of the end, on a slow driver
+    constexpr int kSecondsPerCard = 10; // for the last orders to the card, on a slow driver
     const std::chrono::seconds limit(kBaseSeconds + kSecondsPerCard * cards);
     std::thread([exitCode, limit] {
         std::this_thread::sleep_for(limit);
@@ -88,7 +88,7 @@ void endWithoutTheDisplay()
         return;
     limitShutdown(EXIT_FAILURE, dialogOfTheLoop->cardCount());
     dialogOfTheLoop->endWork();
-    std::_Exit(EXIT_FAILURE); // the toolkit's own destructors would go on with a display that is gone
+    std::_Exit(EXIT_FAILURE); // the toolkit's own destructors would use a display that is gone
 }
 
 int run(int argc, char **argv)
@@ -97,11 +97,11 @@ int run(int argc, char **argv)
     if (!becomeTheInstance(application))
         return 0;
 
-    // The window may be hidden in the tray while a box closes; the close event alone ends the program.
+    // The window may be hidden in the tray while a box closes. Only the close event ends the program.
     QApplication::setQuitOnLastWindowClosed(false);
     substituteFontFamilies();
     if (!QDir::setCurrent(QCoreApplication::applicationDirPath()))
-        return tellUnknownError();
+        return reportUnknownError();
 
     GeneralSettingInfo general;
     {
@@ -126,7 +126,7 @@ int run(int argc, char **argv)
         QApplication::quit();
     });
     // A session manager may end the program without closing its window.
-    QApplication::setFallbackSessionManagementEnabled(false); // it would close what is shown, but not what is hidden
+    QApplication::setFallbackSessionManagementEnabled(false); // it would close visible windows, but not hidden ones
     QObject::connect(&application, SIGNAL(commitDataRequest(QSessionManager &)), &dialog, SLOT(onCommitDataRequest()),
                      Qt::DirectConnection);
     QObject::connect(&application, &QApplication::aboutToQuit, &dialog, [&dialog] {
@@ -136,8 +136,8 @@ int run(int argc, char **argv)
     dialog.setWindowOpacity(1.0);
     dialog.setAttribute(Qt::WA_TranslucentBackground, true);
     dialog.setWindowFlags(Qt::FramelessWindowHint | Qt::WindowMinimizeButtonHint);
-    // Placed by the program: a place that the window manager chose for a frameless window may never be told to the
-    // toolkit, and boxes would then stand beside the window instead of over it.
+    // The program sets the position. The window manager may never report a position of its own choice for a frameless
+    // window to the toolkit, and boxes would then appear beside the window instead of over it.
     dialog.move(QGuiApplication::primaryScreen()->availableGeometry().center() - dialog.rect().center());
 
     if (dialog.wasClosed()) {
@@ -148,7 +148,7 @@ int run(int argc, char **argv)
         Ovryn_MessageBox box(0, QString(), languageTable.noCard, languageTable.language(), nullptr,
                              Qt::WindowFlags(Ovryn_MessageBox::usualWindowFlags));
         application.setActivationWindow(&box, true);
-        box.setWindowModality(Qt::WindowModal); // modal to the application, it would block the tray icon, too
+        box.setWindowModality(Qt::WindowModal); // a box modal to the application would block the tray icon too
         box.exec();
         return 0;
     }
@@ -156,12 +156,12 @@ int run(int argc, char **argv)
         dialog.hide();
     } else {
         dialog.show();
-        // Inside the event loop: an update that takes over while the question stands must be able to end it.
+        // Inside the event loop: an update that starts while the question is open must be able to close it.
         QTimer::singleShot(0, &dialog, [&dialog] { dialog.afterShow(); });
     }
     dialogOfTheLoop = &dialog;
     std::atexit(endWithoutTheDisplay);
-    const int exitCode = QApplication::exec(); // with the end of the dialog's work in it
+    const int exitCode = QApplication::exec(); // includes the end of the dialog's work
     dialogOfTheLoop = nullptr;
     return exitCode;
 }
@@ -171,8 +171,8 @@ int run(int argc, char **argv)
 int main(int argc, char **argv)
 {
     const int exitCode = run(argc, argv);
-    // A thread that hangs in the driver may wake up at any time: nothing that it may touch is destroyed.
-    if (WorkerThread::leftBehind() > 0)
+    // A thread that hangs in the driver may continue at any time: nothing that it may use is destroyed.
+    if (WorkerThread::abandonedCount() > 0)
         std::_Exit(exitCode);
     return exitCode;
 }

@@ -22,8 +22,8 @@ struct GeneralSettingInfo
     QString PageEffects = QStringLiteral("normal"); ///< "normal" or "advanced"
 };
 
-/// What becomes of a newer version that the program finds by itself. The settings page offers the first and the last;
-/// a file may hold any number, of which these two ask the user and every other installs.
+/// What the program does with a newer version that its own check finds. The settings page offers the first and the
+/// last. A file may hold any number: the first two ask the user, every other installs.
 constexpr qint32 kUpdateModeInstall = 0;
 constexpr qint32 kUpdateModeAsk = 1;
 constexpr qint32 kUpdateModeNotify = 2;
@@ -73,7 +73,7 @@ struct LcdModuleInfo
     bool EnableLcd = true;
 };
 
-/// Everything remembered of one card, which is known by the pair of name and subsystem identifier.
+/// Everything that is saved for one card. The pair of name and subsystem identifier identifies the card.
 struct GpuSettingInfo
 {
     QString GpuName;

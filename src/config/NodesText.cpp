@@ -28,7 +28,7 @@ QList<QPoint> nodesFromText(const QString &text)
     for (const QStringRef &part : parts) {
         const QVector<QStringRef> fields = part.split(kFieldSeparator);
         if (fields.size() != 2)
-            continue; // among them the empty part behind the last bar
+            continue; // also the empty part after the last bar
         const QPoint node(fields.at(0).toInt(), fields.at(1).toInt());
         if (!isOnScale(node) || (!nodes.isEmpty() && falls(nodes.last(), node)))
             return {};

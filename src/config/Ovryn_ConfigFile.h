@@ -12,22 +12,22 @@ struct AttributeTable;
 
 /// The settings file config.xml, as records in memory and as the document that it is written from.
 ///
-/// Made by whoever needs it for as long as it is needed: the start-up code for a moment, the main dialog for its
-/// life. GUI thread only. Nothing here tells the user of a failure: operations answer false, and after a `load` that
-/// failed every getter answers false and leaves its output as it was, so that callers go on with their defaults.
+/// Each user makes its own object: the start-up code for a moment, the main dialog for its lifetime. GUI thread only.
+/// Nothing here reports a failure to the user: operations return false. After a failed `load` every getter returns
+/// false and leaves its output as it was, so that callers keep their defaults.
 ///
 /// A card is known by its name (case matters) and its subsystem identifier; of several entries with the same pair the
 /// first one counts.
 class Ovryn_ConfigFile : public QDomDocument
 {
 public:
-    /// Sends what was written to an open file on to the disk; false where that fails.
+    /// Writes the buffered content of an open file to the disk; false on failure.
     using SyncToDisk = bool (*)(QFile &file);
 
     static QString usualPath() { return QStringLiteral("config.xml"); }
 
-    /// Holds the defaults and today's dates until `load`; the file is not touched. The system's own way to the disk
-    /// comes from outside, since this folder knows no system; without one the system writes when it likes.
+    /// Holds the defaults and today's dates until `load`; the file is not touched. `sync` comes from the caller,
+    /// because this folder has no code for one system; without it the system decides when it writes to the disk.
     explicit Ovryn_ConfigFile(const QString &path = usualPath(), SyncToDisk sync = nullptr);
 
     /// Reads the file. One that is missing or not well-formed is replaced by a fresh one, one that cannot be read or
@@ -53,7 +53,7 @@ public:
     bool getLedModule(const QString &gpuName, quint32 subSystemId, LedModuleInfo &info) const;
     bool getMonitorModule(const QString &gpuName, quint32 subSystemId, quint32 &selectOption) const;
 
-    // A card that is not known yet is added behind the others, with defaults in its other modules.
+    // A card that is not known yet is added after the others, with defaults in its other modules.
     void setAdjustModule(const QString &gpuName, quint32 subSystemId, const AdjustModuleInfo &info);
     void setLcdModule(const QString &gpuName, quint32 subSystemId, const LcdModuleInfo &info);
     void setLedModule(const QString &gpuName, quint32 subSystemId, const LedModuleInfo &info);
@@ -93,7 +93,7 @@ private:
     XmlError parseError; ///< of the last text that was no XML
     GeneralSettingInfo general;
     UpdateSettingInfo update;
-    QList<GpuSettingInfo> gpuList; ///< in the file's order, new cards behind
+    QList<GpuSettingInfo> gpuList; ///< in the file's order, then new cards
     QDate LastStartDate;
     QDate LastCloseDate;
     QDate LastUpdateDate;
@@ -101,6 +101,6 @@ private:
     bool NotPromptHPS = false;
     QString fileName;
     SyncToDisk syncToDisk;
-    bool unreadable = false; ///< `load` found a file and could not read it: what it holds is nobody's to replace
-    bool loaded = false;     ///< the records come from a good file, or stand in a fresh one
+    bool unreadable = false; ///< `load` found a file that it could not read: it must not be replaced
+    bool loaded = false;     ///< the records come from a valid file, or were written to a new one
 };

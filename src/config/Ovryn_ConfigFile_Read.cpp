@@ -8,8 +8,8 @@
 namespace
 {
 
-/// One card with its modules. Reading ends at the first child that is no module, a comment or text included; modules
-/// behind it keep their defaults.
+/// One card with its modules. Reading ends at the first child that is no module (a comment or a text counts too); the
+/// modules after it keep their defaults.
 GpuSettingInfo readGpu(const QDomElement &gpu)
 {
     GpuSettingInfo card;
@@ -45,7 +45,7 @@ bool Ovryn_ConfigFile::load()
     if (!file.exists())
         return startFresh();
     loaded = false;
-    unreadable = true; // what a failing disk gives of it says nothing about the file
+    unreadable = true; // an incomplete read says nothing about the file's content
     if (!file.open(QIODevice::ReadOnly))
         return false;
     const QByteArray text = file.readAll();
@@ -96,8 +96,8 @@ void Ovryn_ConfigFile::readSection(const QDomElement &section)
         *date = QDate::fromString(section.text(), kDateFormat);
 }
 
-/// Reading ends at the first child that is no card, a comment or text included: the cards behind it are forgotten,
-/// and gone from the file with the next save.
+/// Reading ends at the first child that is no card (a comment or a text counts too). The cards after it are not
+/// loaded, and the next save removes them from the file.
 void Ovryn_ConfigFile::readGpuSettings(const QDomElement &section)
 {
     for (QDomNode child = section.firstChild(); !child.isNull(); child = child.nextSibling()) {

@@ -16,13 +16,13 @@ namespace
 
 constexpr int kIndentation = 4; // blanks for each level
 
-/// Finds the elements of the old `GpuSettings` that are used again, with whatever foreign they hold, for the cards
-/// that are written one after the other. An old element is used again where it stands at the place in `GpuSettings`,
-/// counted at that moment, at which the list has the same card. Using one moves those behind it up by a place, so it
-/// is the first card as a rule and others where neighbours are equal.
+/// Finds the elements of the old `GpuSettings` that are used again, with their unknown content, while the cards are
+/// written in order. An old element is used again when its index in `GpuSettings` at that moment is the index of the
+/// same card in the list. Each use moves the elements after it up by one. So usually only the first card is found,
+/// and others where neighbours are equal.
 ///
-/// What was passed over without a match can never match later, since only places behind a used element move: one walk
-/// serves all cards.
+/// An element that was passed over can never match later, because only indices after a used element change. So one
+/// walk is enough for all cards.
 class OldCards
 {
 public:
@@ -57,13 +57,13 @@ private:
     const QList<GpuSettingInfo> &list;
 };
 
-/// False where the disk says that the text doesn't fit into what is free now. What the old file gives back when it is
-/// removed is not counted: somebody else may take it first.
+/// False where the disk reports less free space than the text needs. The space of the old file is not counted:
+/// another program may take it after the removal.
 bool hasRoomFor(const QByteArray &text, const QString &path)
 {
     const QStorageInfo disk(QFileInfo(path).absolutePath());
     if (!disk.isValid() || disk.bytesTotal() <= 0)
-        return true; // some network disks tell no figures
+        return true; // some network disks report no figures
     const qint64 block = std::max(disk.blockSize(), 1);
     const qint64 size = text.size() + text.count('\n'); // a line's end is two bytes on some systems
     return (size + block - 1) / block * block <= disk.bytesAvailable();
@@ -80,15 +80,15 @@ QByteArray contentOf(const QString &path)
 
 bool Ovryn_ConfigFile::save()
 {
-    // The root goes behind everything else in the document. Beside a foreign root the file is not well-formed, and
-    // the next load replaces it.
+    // The root goes after everything else in the document. Beside a foreign root the file is not well-formed, and the
+    // next load replaces it.
     QDomElement root = takeOrCreate(*this, kRootElement);
     writeSections(root);
     appendChild(root);
     return writeFile();
 }
 
-/// Each section is moved behind all others as it is written, which gives the file its order whatever it was before.
+/// Each section is moved to the end when it is written. That gives the file its order, whatever the order was before.
 void Ovryn_ConfigFile::writeSections(QDomElement &root)
 {
     writeElement(root, kGeneralSettingElement, kGeneralSettingAttributes, general);
@@ -127,7 +127,7 @@ void Ovryn_ConfigFile::writeDate(QDomElement &root, const QString &name, const Q
 {
     QDomElement element = takeOrCreate(root, name);
     element.removeChild(element.firstChild());
-    // Digits of ASCII whichever locale is the user's; the empty text for an invalid date.
+    // ASCII digits in every locale; the empty text for an invalid date.
     element.appendChild(createTextNode(QLocale::c().toString(date, kDateFormat)));
     root.appendChild(element);
 }
@@ -177,8 +177,8 @@ bool Ovryn_ConfigFile::writeFile() const
         return false;
     if (writeWhole(file, text))
         return true;
-    // The figure of the free space is no promise: quotas and other programs take from it. The old text was on the
-    // disk a moment ago, so that there is room for it.
+    // The free space may be wrong: quotas and other programs reduce it. The old text was on the disk a moment ago, so
+    // there is room for it.
     if (former.isEmpty())
         file.remove();
     else if (file.open(QIODevice::WriteOnly | QIODevice::Truncate))

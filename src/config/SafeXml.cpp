@@ -15,30 +15,30 @@ const QTextCodec *codecOf(const QByteArray &bytes)
     if (codec)
         return codec;
     QXmlStreamReader start(bytes.left(kDeclarationBytesMax));
-    start.readNext(); // the XML declaration, also where there is none
+    start.readNext(); // reads the XML declaration; does no harm where there is none
     codec = QTextCodec::codecForName(start.documentEncoding().toLatin1());
-    return codec ? codec : QTextCodec::codecForName("UTF-8"); // the parser refuses an encoding that nobody knows
+    return codec ? codec : QTextCodec::codecForName("UTF-8"); // the parser refuses an unknown encoding
 }
 
-/// The place behind the next `end`, or the text's end.
-int behind(const QString &text, int from, QLatin1String end)
+/// The position after the next `end`, or the text's end.
+int positionAfter(const QString &text, int from, QLatin1String end)
 {
     const int at = text.indexOf(end, from);
     return at < 0 ? text.size() : at + end.size();
 }
 
-bool standsAt(const QString &text, int at, QLatin1String wanted)
+bool beginsAt(const QString &text, int at, QLatin1String wanted)
 {
     return QStringView(text).mid(at, wanted.size()) == wanted;
 }
 
-/// The place behind the comment or processing instruction at `at`; `at` itself where there is none.
-int behindRemark(const QString &text, int at)
+/// The position after the comment or processing instruction at `at`; `at` itself where there is none.
+int afterRemark(const QString &text, int at)
 {
-    if (standsAt(text, at, QLatin1String("<!--")))
-        return behind(text, at + 4, QLatin1String("-->"));
-    if (standsAt(text, at, QLatin1String("<?")))
-        return behind(text, at + 2, QLatin1String("?>"));
+    if (beginsAt(text, at, QLatin1String("<!--")))
+        return positionAfter(text, at + 4, QLatin1String("-->"));
+    if (beginsAt(text, at, QLatin1String("<?")))
+        return positionAfter(text, at + 2, QLatin1String("?>"));
     return at;
 }
 
@@ -48,24 +48,24 @@ bool declaresEntities(const QString &text)
 {
     int at = 0;
     while ((at = text.indexOf(QLatin1Char('<'), at)) >= 0) {
-        const int next = behindRemark(text, at);
+        const int next = afterRemark(text, at);
         if (next == at)
             break;
         at = next;
     }
-    if (at < 0 || !standsAt(text, at, QLatin1String("<!DOCTYPE")))
+    if (at < 0 || !beginsAt(text, at, QLatin1String("<!DOCTYPE")))
         return false;
 
     bool inSubset = false; // between the square brackets, where entities are declared
     while (++at < text.size()) {
-        const int next = behindRemark(text, at);
+        const int next = afterRemark(text, at);
         const QChar character = text.at(at);
         if (next > at)
             at = next - 1;
-        else if (standsAt(text, at, QLatin1String("<!ENTITY")))
+        else if (beginsAt(text, at, QLatin1String("<!ENTITY")))
             return true;
         else if (character == QLatin1Char('"') || character == QLatin1Char('\''))
-            at = behind(text, at + 1, QLatin1String(character == QLatin1Char('"') ? "\"" : "'")) - 1;
+            at = positionAfter(text, at + 1, QLatin1String(character == QLatin1Char('"') ? "\"" : "'")) - 1;
         else if (character == QLatin1Char('['))
             inSubset = true;
         else if (character == QLatin1Char(']'))

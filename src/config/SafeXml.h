@@ -25,8 +25,8 @@ constexpr int kXmlDepthMax = 200;
 constexpr int kXmlCharactersMaxWithEntities = 16 * 1024;
 
 /// Elements up to which a text is accepted. The DOM library takes some 3 KB for each with its attributes, and a
-/// settings file of this size would hold fifty thousand cards: a text beyond it is no settings file but damage, and
-/// building its document would run the machine out of memory.
+/// settings file of this size would hold fifty thousand cards. A larger text is a damaged file, and its document
+/// would use up the machine's memory.
 constexpr int kXmlElementsMax = 250000;
 
 /// The characters of a text in any encoding: that of its byte order mark, else the one that its XML declaration

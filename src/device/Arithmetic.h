@@ -8,7 +8,7 @@
 /// \file
 /// Conversions between the driver's words and the records' signed integers that are defined for every input.
 
-/// The fraction dropped. Values beyond 32 bits become the nearest 32-bit integer, no number becomes 0.
+/// Drops the fraction. Values beyond 32 bits become the nearest 32-bit integer, NaN becomes 0.
 [[nodiscard]] inline qint32 cutToInt(double value)
 {
     if (std::isnan(value))
@@ -27,8 +27,8 @@
     return notAbove < minimum ? minimum : notAbove;
 }
 
-/// Sum, difference and product of 32-bit integers that wrap instead of overflowing: what comes from the
-/// driver has no bounds.
+/// Sum, difference and product of 32-bit integers that wrap instead of overflowing: the driver's numbers have no
+/// bounds.
 [[nodiscard]] constexpr qint32 wrappingSum(qint32 left, qint32 right)
 {
     return static_cast<qint32>(static_cast<quint32>(left) + static_cast<quint32>(right));

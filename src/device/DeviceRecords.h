@@ -35,9 +35,9 @@ struct NvMonitorValue
 /// One live sample of a card. Plain value: copied, compared, sent between threads.
 struct NvCardBaseInfo
 {
-    NvMonitorValue gpuClock;           ///< MHz; scale 2000, for good 3000 after a sample above 2000
-    NvMonitorValue memoryClock;        ///< MHz; scale 5000, for good 10000 after a sample above 5000
-    NvMonitorValue fanSpeed;           ///< rpm; scale 3000, for good 5000 after a sample above 1500
+    NvMonitorValue gpuClock;           ///< MHz; scale 2000, permanently 3000 after a sample above 2000
+    NvMonitorValue memoryClock;        ///< MHz; scale 5000, permanently 10000 after a sample above 5000
+    NvMonitorValue fanSpeed;           ///< rpm; scale 3000, permanently 5000 after a sample above 1500
     NvMonitorValue temperature;        ///< degrees Celsius; scale 104
     NvMonitorValue memoryUsagePercent; ///< percent of dedicated memory; scale 100
     NvMonitorValue gpuUsage;           ///< percent; scale 100
@@ -67,8 +67,8 @@ struct NvInfo
     std::string gpuFreClock;       ///< "%dMHz", default clock
     std::string memFreClock;       ///< "%dMHz", default clock
     std::string customGpuFreClock; ///< "%dMHz", with the user's offset
-    qint32 gpuFreClockChanged = 0; ///< MHz, customised less default
-    qint32 memFreClockChanged = 0; ///< MHz, customised less default
+    qint32 gpuFreClockChanged = 0; ///< MHz, customised minus default
+    qint32 memFreClockChanged = 0; ///< MHz, customised minus default
     std::string customMemFreClock; ///< "%dMHz", with the user's offset
     std::string driverVersion;     ///< the driver's integer as digits, without a point
     std::string biosVersion;       ///< upper case
@@ -80,8 +80,8 @@ struct NvClockSet
     qint32 gpuClock = 0;
     qint32 memoryClock = 0;
     qint32 processorClock = 0;
-    /// The base frequencies were not read, so these are the tops of P0, boost included: no figures to compare with a
-    /// base clock.
+    /// The base frequencies were not read, so these are the maximum clocks of P0, boost included. They can't be
+    /// compared with a base clock.
     bool fromPstates = false;
 };
 
@@ -125,15 +125,15 @@ struct NvCoolerInfo
     qint32 currentPolicy = kCoolerPolicyDefault; ///< one of kCoolerPolicies; the driver's control until read
 };
 
-/// What offset a clock allows, MHz.
+/// The offsets that a clock allows, MHz.
 struct NvClockOffsetRange
 {
     qint32 baseClock = 0;
     qint32 minOffset = 0;
     qint32 maxOffset = 0;
     bool editable = false;
-    /// The part of `baseClock` that is the offset now in force. Not 0 only for a memory clock of single type, whose
-    /// base frequency the driver gives with the offset in it.
+    /// The part of `baseClock` that is the present offset. It is not 0 only for a memory clock of single type: the
+    /// driver reports that base frequency with the offset in it.
     qint32 offsetInBase = 0;
 };
 
@@ -143,7 +143,7 @@ struct NvVoltageInfo
     qint32 maxVoltage = 0;
     qint32 minVoltage = 0;
     qint32 baseVoltage = 0;      ///< without the user's offset
-    qint32 baseVoltageAgain = 0; ///< the same once more
+    qint32 baseVoltageAgain = 0; ///< the same value again
     qint32 currentVoltage = 0;
     bool editable = false;
 };
@@ -226,7 +226,7 @@ struct NvExtremes
     std::array<NvExtreme, ExtremeCount> pairs;
 };
 
-/// What the LED controller answers to a status read. A caller prepares it with these defaults.
+/// The LED controller's response to a status read. A caller prepares it with these defaults.
 struct LedControllerState
 {
     /// seven triples of red, green, blue

@@ -20,7 +20,7 @@ struct SwitchTimeCode
 constexpr SwitchTimeCode kSwitchTimeCodes[] = {
     // up to   code
     {  0,      0x1 },
-    {  1,      0xB }, // wanted: one second has the code of the longest time
+    {  1,      0xB }, // intended: one second has the code of the longest time
     {  2,      0x2 },
     {  3,      0x3 },
     {  4,      0x4 },
@@ -45,7 +45,7 @@ constexpr quint32 kFanFlagBoards = 0x13; ///< upper byte of the subsystem device
 
 const char kModelMark[] = "GTX";
 const char kTiMark[] = "Ti";
-constexpr std::size_t kModelMarkAndBlank = 4; ///< characters of "GTX" and the blank behind it
+constexpr std::size_t kModelMarkAndBlank = 4; ///< characters of "GTX" and the blank after it
 
 bool hasTi(const std::string &text)
 {
@@ -75,7 +75,7 @@ LcdModel lcdModelOf(const std::string &gpuName)
     const std::string tail = gpuName.substr(std::min(mark + kModelMarkAndBlank, gpuName.size()));
     const std::size_t blank = tail.find(' ');
     model.isTi = hasTi(tail);
-    // "1080Ti" in one word is no number; without "Ti" the number may be the last word of the name.
+    // "1080Ti" as one word is no number. In a name without "Ti" the number may be the last word.
     if (model.isTi && blank == std::string::npos)
         return model;
 

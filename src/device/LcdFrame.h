@@ -7,9 +7,9 @@
 #include <string>
 
 /// \file
-/// The frame that tells the LCD controller on the card's I2C bus what to show. The controller draws; it gets
-/// the readings and a command byte that selects the page. Multi-byte fields are little-endian; a field of
-/// two bytes holds the low 16 bits of its value.
+/// The frame for the LCD controller on the card's I2C bus. The controller draws; it gets the readings and a command
+/// byte that selects the page. Multi-byte fields are little-endian; a field of two bytes holds the low 16 bits of its
+/// value.
 
 constexpr quint8 kLcdAddress = 0xAC;    ///< 8-bit form; nothing is ever read from it
 constexpr quint8 kLcdRegister = 0;      ///< never sent: the controller has no registers
@@ -39,7 +39,7 @@ constexpr std::size_t kLcdModelDigitCount = 4;
 constexpr quint8 kLcdCommandOff = 0xF0;        ///< the LCD goes dark
 constexpr quint8 kLcdCommandAutoSwitch = 0xF0; ///< ORed with the code of the switch time
 
-/// What the name of a card says about its model.
+/// The model of a card, from its name.
 struct LcdModel
 {
     std::array<quint8, kLcdModelDigitCount> digits{}; ///< values 0 to 9, right-aligned; zeros without a number
@@ -52,7 +52,7 @@ struct LcdModel
 /// The command byte: off, the page `mode`, or the switch time (in seconds) at which the controller rotates.
 [[nodiscard]] quint8 lcdCommand(bool enable, bool autoSwitch, int timeSeconds, int mode);
 
-/// Whether the frame tells of a turning fan: only on cards of one maker, and only where the name has no "Ti".
+/// Whether the frame reports a turning fan: only on cards of one maker, and only when the name has no "Ti".
 [[nodiscard]] bool lcdFanFlag(quint32 subSystemId, const std::string &gpuName, qint32 fanRpm);
 
 /// Everything that a frame carries.

@@ -11,8 +11,8 @@
 /// \file
 /// The messages of the LED controller on the card's I2C bus.
 ///
-/// A write frame: size, effect, level, interval, three bytes (red, green, blue) a colour, checksum. The
-/// controller keeps running the last effect that it was told.
+/// A write frame: size, effect, level, interval, three bytes (red, green, blue) a colour, checksum. The controller
+/// keeps running the last effect that it received.
 
 constexpr quint8 kLedWriteAddress = 0xA0; ///< 8-bit form
 constexpr quint8 kLedReadAddress = 0xA1;  ///< 8-bit form, with the direction bit
@@ -27,7 +27,7 @@ constexpr std::size_t kLedColoursOffset = 4;
 constexpr std::size_t kLedChecksumSize = 1;
 constexpr std::size_t kLedFrameOverhead = kLedColoursOffset + kLedChecksumSize; ///< a frame without colours
 
-constexpr quint8 kLedClosingFlag = 0x80; ///< in the size byte of the frame that is sent as the page goes
+constexpr quint8 kLedClosingFlag = 0x80; ///< in the size byte of the frame that is sent when the page is deleted
 
 constexpr std::size_t kLedMaxColours = 7;
 constexpr std::size_t kLedBytesPerColour = 3;

@@ -27,8 +27,8 @@ struct TemperatureLine
     float maxTemp = 0;
 };
 
-/// How far along a span a value lies. At its start it is 0 also where the span has no length; anywhere else a
-/// span without length gives an infinity, which the bound of the other line cuts where there is one.
+/// The position of a value in a span. At the span's start it is 0, also for a span without length. Anywhere else a
+/// span without length gives an infinity, which the bound of the other line limits if it has one.
 [[nodiscard]] inline float shareOfSpan(float distance, float span)
 {
     return distance == 0.0F ? 0.0F : distance / span;
@@ -44,7 +44,7 @@ struct TemperatureLine
 [[nodiscard]] inline float temperatureForPower(float percent, const PowerLine &power, const TemperatureLine &line)
 {
     const float target = percent * kThousandths;
-    // The bound is the first argument of min and max, so that it also stands for what is no number.
+    // The bound is the first argument of min and max, so that it also replaces NaN.
     if (isAboveDefaultPower(percent, power)) {
         const float share = shareOfSpan(target - power.defaultPower, power.maxPower - power.defaultPower);
         return std::min(line.maxTemp, line.defaultTemp + share * (line.maxTemp - line.defaultTemp));

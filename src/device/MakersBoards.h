@@ -3,7 +3,8 @@
 #include <QtGlobal>
 
 /// \file
-/// How the maker's own boards are known: by the words of their PCI subsystem identifier and by the name of the chip.
+/// How the maker's own boards are recognised: by the halves of their PCI subsystem identifier and by the name of the
+/// chip.
 
 constexpr quint32 kMakerSubSystemVendor = 0x7377; ///< in PCI's list of vendors
 

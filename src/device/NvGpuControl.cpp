@@ -5,13 +5,13 @@
 
 #include <algorithm>
 
-// The frame: start and end, enumeration, the current card. The families of operations have a source each.
+// Start and end, enumeration, the current card. Each family of operations has its own source.
 
 namespace
 {
 
-// A driver ends the walk over the displays itself. One that never does must not hang the program; no machine
-// comes near this many displays.
+// The driver ends the enumeration of the displays. A driver that never does must not hang the program; no machine has
+// this many displays.
 constexpr quint32 kMaxDisplayWalk = 4096;
 
 } // namespace
@@ -23,7 +23,7 @@ NvGpuControl::NvGpuControl()
 
 NvGpuControl::~NvGpuControl()
 {
-    if (startStands) // a second end would be another instance's
+    if (driverStarted) // a second unload would take another instance's count
         NvAPI_Unload();
 }
 
@@ -45,9 +45,10 @@ bool NvGpuControl::initNvApi()
         NvAPI_Unload();
         return false;
     }
-    startStands = true;
-    // Other failures go on: a driver that still enumerates its cards is usable, and one that does not fails there.
-    enumDisplays(); // a card without a display is a card all the same
+    driverStarted = true;
+    // The program continues after other failures: a driver that enumerates its cards is usable, and one that does not
+    // fails there.
+    enumDisplays(); // a card without a display counts too
     return enumGpus();
 }
 
@@ -78,7 +79,7 @@ bool NvGpuControl::enumGpus()
     usableGpuCount = 0;
     tccGpuCount = 0;
     const NvAPI_Status status = NvAPI_EnumPhysicalGPUs(gpuHandles.data(), &usableGpuCount);
-    NvAPI_EnumTCCPhysicalGPUs(tccGpuHandles.data(), &tccGpuCount); // unknown to some drivers: then there are none
+    NvAPI_EnumTCCPhysicalGPUs(tccGpuHandles.data(), &tccGpuCount); // some drivers lack it: no TCC cards
 
     usableGpuCount = std::min(usableGpuCount, maxGpus);
     tccGpuCount = std::min(tccGpuCount, maxGpus);
@@ -102,7 +103,7 @@ quint32 NvGpuControl::gpuCount()
 void NvGpuControl::setCurrentGpu(qint32 index)
 {
     const std::lock_guard<std::mutex> guard(lock);
-    // Without a card the bound wraps to all ones and the index stays: currentHandle() finds nothing there.
+    // Without a card the bound wraps to its largest value and the index stays: currentHandle() finds no card for it.
     currentGpu = std::min(static_cast<quint32>(std::max(index, 0)), usableGpuCount - 1);
 }
 

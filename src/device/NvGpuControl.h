@@ -17,10 +17,10 @@
 /// workers. Every operation may be called from any thread: the lock covers only the look-up of the
 /// card's handle and the running extremes, and driver calls of different threads may overlap.
 ///
-/// A worker keeps the instance alive that it was given (`shareOf`), so a thread that can't be ended never meets a dead
-/// one. An instance that nobody shares, on a stack, must outlive its workers.
+/// A worker keeps its instance alive (`shareOf`), so a thread that can't be ended never uses a deleted one. An
+/// instance without shared ownership, such as a local object, must outlive its workers.
 ///
-/// Failure is a false, or zeros in a result record that the operation clears first. Nothing raises,
+/// A failure is the result false, or zeros in a result record that the operation clears first. Nothing throws,
 /// nothing is logged. A handle that the driver has invalidated is not refreshed.
 ///
 /// Records of the driver are tried newest version first; see nvapi/VersionLadder.h.
@@ -36,7 +36,7 @@ public:
     // ---- frame ----
     bool initNvApi();    ///< false when the driver is missing or enumerating the cards failed
     bool enumDisplays(); ///< true when the walk ended orderly and the first display has an output
-    bool enumGpus();     ///< ordinary cards, the TCC cards behind them; false when the first call failed
+    bool enumGpus();     ///< ordinary cards, then the TCC cards; false when the first call failed
     [[nodiscard]] bool isReady() const { return nvApiReady; }
     [[nodiscard]] quint32 gpuCount(); ///< usable cards, TCC cards included
     void setCurrentGpu(qint32 index); ///< below 0 becomes 0; beyond the last card becomes the last
@@ -51,7 +51,7 @@ public:
     // ---- live telemetry; each read folds its value into the extremes ----
     bool getClockFrequencies(NvClockSet &out,
                              quint32 clockType); ///< MHz; 0 current, 1 base, 2 boost; `out` kept on failure
-    void getCurrentClocks(NvClockSet &out);      ///< MHz; a failed read folds what `out` held
+    void getCurrentClocks(NvClockSet &out);      ///< MHz; a failed read folds the former values of `out`
     bool getGpuUsage(NvUsageInfo &out);          ///< percent; zeros on failure
     /// Degrees Celsius; zeros and false on failure or without a GPU sensor.
     bool getThermalSensor(NvThermalInfo &out);
@@ -67,10 +67,10 @@ public:
     bool getVoltageInfo(NvVoltageInfo &out);               ///< millivolts
     bool setGpuClockOffset(qint32 offsetMHz);              ///< cut to the card's range
     bool setMemoryClockOffset(qint32 offsetMHz);           ///< cut to the card's range
-    /// Cut to the range of P0's core voltage, and to 0 where that can't be read. 0 goes down in any case.
+    /// Cut to the range of P0's core voltage, and to 0 where that can't be read. 0 is sent in any case.
     bool setVoltageOffset(qint32 offsetMicroVolt);
-    bool setOverVoltage(qint32 offsetMicroVolt); ///< goes down as given
-    /// Every step is tried, save those whose default can't be read; true exactly when the power write succeeded.
+    bool setOverVoltage(qint32 offsetMicroVolt); ///< sent as given, without a limit
+    /// Every step is tried, except those whose default can't be read; true exactly when the power write succeeded.
     bool restoreDefaults();
 
     // ---- power and thermal policy ----
@@ -87,7 +87,7 @@ public:
     bool getCoolerInfo(NvCoolerInfo &out);
     /// Percent, cut to the cooler's range, or to 0 to 100 where that can't be read; -1 for the card's default.
     bool setCoolerLevel(qint32 level, qint32 policy);
-    bool setCoolerAuto(); ///< hands the fan back to the driver
+    bool setCoolerAuto(); ///< returns the fan to the driver
 
     // ---- I2C, port 1 of the card at 400 kHz ----
     bool i2cRead(quint8 address, quint8 reg, quint32 regSize, quint8 *data, quint32 size);
@@ -120,10 +120,10 @@ private:
     /// information.
     std::atomic<qint32> memoryRateFactor{2};
     bool nvApiReady = false;
-    bool startStands = false; ///< a start that has not been ended: the destructor ends it
+    bool driverStarted = false; ///< the driver was started: the destructor unloads it
 };
 
-/// A share in the life of a device object; empty for null and for an object that nobody shares.
+/// Shared ownership of a device object; empty for null and for an object without a shared owner.
 [[nodiscard]] inline std::shared_ptr<NvGpuControl> shareOf(NvGpuControl *control)
 {
     return control ? control->weak_from_this().lock() : nullptr;

@@ -15,7 +15,7 @@ namespace
 using Pstates = NV_GPU_PERF_PSTATES20_INFO;
 
 constexpr std::array<quint32, 3> kPstatesVersions = {kPstates20Version3, kPstates20Version2, kPstates20Version1};
-/// The memory offset goes out at the oldest version first: a driver that takes it never sees the newest record.
+/// The memory offset is sent with the oldest version first: a driver that accepts it never gets the newest record.
 constexpr std::array<quint32, 3> kMemoryOffsetVersions = {kPstates20Version1, kPstates20Version2, kPstates20Version1};
 constexpr std::array<quint32, 1> kPowerPoliciesSetVersions = {kPowerPoliciesStatusVersion1};
 
@@ -86,9 +86,9 @@ void addOffsets(const Pstates &record, NvClockSet &clocks)
     });
 }
 
-/// The clocks as the P-states tell them, for a card whose base frequencies cannot be read. P0's list decides which
-/// clocks there are; the figures are those of the first entry's first two clocks, graphics and memory, and the
-/// second one's type decides for both.
+/// The clocks from the P-states, for a card whose base frequencies cannot be read. P0's list decides which clocks
+/// exist. The figures are those of the first entry's first two clocks, graphics and memory, and the type of the
+/// second one decides for both.
 void clocksOfPstates(const Pstates &record, NvClockSet &clocks)
 {
     const Pstates::Clock &graphics = record.pstates[0].clocks[0];
@@ -156,8 +156,7 @@ Pstates clockOffsetRecord(quint32 domainId, qint32 offsetMHz)
     return record;
 }
 
-/// Takes both clock offsets back in one record. The second write starts at the version at which the first one
-/// ended.
+/// Removes both clock offsets with one record. The second write starts at the version at which the first one ended.
 void clearClockOffsets(void *gpu)
 {
     Pstates record = clockOffsetRecord(kClockDomainGraphics, 0);
@@ -176,7 +175,7 @@ bool writeDefaultPower(void *gpu, const NvPowerInfo &power)
     return descend(kPowerPoliciesSetVersions, record, NvAPI_GPU_ClientPowerPoliciesSetStatus, gpu).succeeded();
 }
 
-/// Asks for the memory type and drops the answer: the question belongs to each read of the memory clock.
+/// Asks for the memory type and ignores the result: the call is part of each read of the memory clock.
 void askRamType(void *gpu)
 {
     quint32 unusedType = 0;
@@ -291,8 +290,8 @@ bool NvGpuControl::setVoltageOffset(qint32 offsetMicroVolt)
     void *const gpu = currentHandle();
     if (!gpu)
         return false;
-    // The page holds the range too. This is the last fence before the chip, so what the card doesn't allow never
-    // goes out. Taking the offset back needs no range: it must work on a card whose range can't be read.
+    // The page limits the value too. This is the last check before the chip, so no voltage that the card doesn't
+    // allow is ever sent. The offset 0 needs no range: it must work on a card whose range can't be read.
     if (offsetMicroVolt != 0) {
         const NvApiPstateDelta::Range range = coreVoltageRange(gpu);
         offsetMicroVolt = withinRange(offsetMicroVolt, range.min, range.max);
@@ -313,7 +312,7 @@ bool NvGpuControl::setOverVoltage(qint32 offsetMicroVolt)
     record.ov.numVoltages = 1;
     record.ov.voltages[0].domainId = kVoltageDomainCore;
     record.ov.voltages[0].voltDelta_uV.value = offsetMicroVolt;
-    // A missing card is left to the driver to refuse.
+    // For a missing card the driver itself refuses the call.
     return writePstates(currentHandle(), kPstatesVersions, record).succeeded();
 }
 
@@ -323,8 +322,8 @@ bool NvGpuControl::restoreDefaults()
     if (!gpu)
         return false;
 
-    // Every step whose figures could be read is tried, whatever became of those before it; only the power write is
-    // reported.
+    // Every step whose figures could be read is tried, whatever the result of the steps before; only the power write
+    // is reported.
     NvAPI_DriverEntry_B23B70EE(gpu, kPrepareRestore);
     clearClockOffsets(gpu);
 

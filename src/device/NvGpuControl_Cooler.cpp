@@ -7,7 +7,7 @@
 
 #include <algorithm>
 
-// Coolers: every call means all coolers of the card at once.
+// Coolers: every call addresses all coolers of the card at once.
 
 namespace
 {
@@ -37,9 +37,9 @@ bool writeCoolerLevels(void *gpu, const std::array<quint32, versionCount> &versi
     return descend(versions, record, NvAPI_GPU_SetCoolerLevels, gpu, kAllCoolers).succeeded();
 }
 
-/// The level that may go out: a percentage, and within the range of the first cooler, whose level is the one
-/// written. A range that can't be read, or one without a top above its bottom, tells nothing: kept to, it would hold
-/// the fan at its lowest level however hot the card is.
+/// The level that may be sent: a percentage within the range of the first cooler, whose level is the one written. A
+/// range that can't be read, or whose maximum is not above its minimum, is ignored: it would hold the fan at its
+/// lowest level however hot the card is.
 qint32 allowedLevel(void *gpu, qint32 level)
 {
     NvApiCoolerSettings settings{};
@@ -58,8 +58,8 @@ quint32 readTachometer(void *gpu)
     return rpm;
 }
 
-/// The read for telemetry. False for the failures that leave nothing to look at; after any other the record is
-/// read as the driver left it.
+/// The read for telemetry. False for the failures that leave an empty record; after any other failure the record is
+/// used as the driver left it.
 bool readCoolerTelemetry(void *gpu, NvApiCoolerSettings &record)
 {
     const NvAPI_Status status = readCoolerSettings(gpu, kNewestCoolerSettingsVersion, record).status;
@@ -95,8 +95,8 @@ bool NvGpuControl::getCoolerInfo(NvCoolerInfo &out)
         fold(ExtremeTachRpm, 0);
         return false;
     }
-    // Entries of the older versions are shorter, and yet walked as the newest ones: the first entry is right
-    // whichever version answered, and the cards that only know an older one have a single fan.
+    // The entries of the older versions are shorter, but they are read like the newest ones. The first entry is right
+    // in every version, and the cards that only know an older one have a single fan.
     const quint32 coolerCount = std::min<quint32>(static_cast<quint32>(record.count), std::size(record.cooler));
     for (quint32 index = 0; index < coolerCount; ++index) {
         const NvApiCoolerSettings::Cooler &cooler = record.cooler[index];
@@ -135,7 +135,7 @@ bool NvGpuControl::setCoolerLevel(qint32 level, qint32 policy)
         if (!writeCoolerLevels(gpu, kCoolerLevelsVersions, levels))
             return false;
     }
-    readTachometer(gpu); // follows each successful write; its answer is for nobody
+    readTachometer(gpu); // part of each successful write; its result is not used
     return true;
 }
 

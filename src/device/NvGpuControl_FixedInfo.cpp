@@ -52,7 +52,7 @@ const MemoryType &memoryTypeOf(quint32 driverType)
     return kMemoryTypes[driverType < std::size(kMemoryTypes) ? driverType : 0];
 }
 
-/// Formats a number. By Qt, whose decimal point does not depend on the user's locale.
+/// Formats a number. Qt's decimal point does not depend on the user's locale.
 template <typename Number>
 std::string formatted(const char *format, Number number)
 {
@@ -70,15 +70,15 @@ double memoryBandwidth(qint32 rateFactor, qint32 memoryClockMHz, quint32 widthBi
 
 std::string upperCase(std::string text)
 {
-    // ASCII only: the BIOS version is hexadecimal, and the user's locale has no say in it.
+    // ASCII only: the BIOS version is hexadecimal and does not depend on the user's locale.
     std::transform(text.begin(), text.end(), text.begin(), [](char letter) {
         return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
     });
     return text;
 }
 
-/// Asks for the chipset. Its name has no field of its own, since the BIOS version stands in the one that it once
-/// had, but the question stays part of each sample.
+/// Asks for the chipset. The result is not used, since the BIOS version is in the field that the chipset's name once
+/// had, but the call stays part of each sample.
 void readChipset()
 {
     NvApiChipsetInfo record{};
@@ -120,7 +120,7 @@ void NvGpuControl::getFixedInfo(NvInfo &info)
     info.gpuFreClock = formatted("%dMHz", base.gpuClock);
 
     quint32 version = 0;
-    // The driver's own integer, such as 38532; the point that is usual before its last two digits is left out.
+    // The driver's own integer, such as 38532; without the usual point before its last two digits.
     info.driverVersion = getDriverVersion(version) ? formatted("%d", static_cast<qint32>(version)) : kUnknown;
 
     readChipset();
@@ -150,7 +150,7 @@ bool NvGpuControl::getDriverVersion(quint32 &version)
 {
     version = 0;
     quint32 reported = 0;
-    DriverTextBuffer branch{}; // wanted by the call, shown nowhere
+    DriverTextBuffer branch{}; // the call needs it; shown nowhere
     if (NvAPI_SYS_GetDriverAndBranchVersion(&reported, branch.data()) != NVAPI_OK)
         return false;
     version = reported;

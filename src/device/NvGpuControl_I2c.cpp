@@ -10,7 +10,7 @@ namespace
 
 constexpr std::array<quint32, 3> kI2cInfoVersions = {kI2cInfoVersion3, kI2cInfoVersion2, kI2cInfoVersion1};
 
-constexpr quint8 kI2cPort = 1; ///< the one bus that the LED and LCD controllers and the board sensors hang on
+constexpr quint8 kI2cPort = 1; ///< the bus of the LED and LCD controllers and the board sensors
 
 using PlainTransfer = NvAPI_Status (*)(NvPhysicalGpuHandle gpu, NV_I2C_INFO *record);
 using ExtendedTransfer = NvAPI_Status (*)(NvPhysicalGpuHandle gpu, NV_I2C_INFO *record, quint32 *twoZeroWords);

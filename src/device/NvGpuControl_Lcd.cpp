@@ -23,7 +23,7 @@ bool NvGpuControl::sendCardInfoToLcd(bool enable, bool autoSwitch, int time, int
     if (!nvApiReady)
         return false;
 
-    // A reading that fails shows as 0.
+    // A failed reading shows as 0.
     NvClockSet baseClocks;
     NvClockSet currentClocks;
     NvCoolerInfo cooler;

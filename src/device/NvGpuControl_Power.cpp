@@ -8,7 +8,7 @@
 
 #include <algorithm>
 
-// Power and thermal policy. Where a record has several entries, the last one stands; cards have one.
+// Power and thermal policy. Of several entries of a record the last one is used; cards have one.
 
 namespace
 {
@@ -118,8 +118,8 @@ double toThousandths(float percent)
     return percent * double(kThousandthsPerPercent);
 }
 
-/// The draw that goes with policy `policy`. The channel beside the policy is the one compared in every round, so
-/// the first channel's draw is taken or none.
+/// The draw of policy `policy`. Every round compares the channel at the policy's own index, so the result is the
+/// first channel's draw or none.
 void takeTopologyPower(const NvApiPowerTopologyStatus &topology, const PowerInfo &info, std::size_t policy,
                        NvPowerInfo &out)
 {
@@ -155,8 +155,8 @@ bool readPowerLine(void *gpu, quint32 policyId, PowerLine &out)
     return true;
 }
 
-/// The second half: false when the card has no thermal policies. An unknown policy is no failure: what stands
-/// behind the last entry is used, which a driver leaves at zero.
+/// The second half: false when the card has no thermal policies. An unknown policy is no failure: the entry after the
+/// last one is used, which a driver leaves at zero.
 bool readTemperatureLine(void *gpu, quint32 policyId, TemperatureLine &out)
 {
     ThermalInfo info{};
@@ -291,7 +291,8 @@ bool NvGpuControl::setThermalLimit(quint32 policyId, float degrees, bool priorit
         return false;
 
     const ThermalInfo::Entry &entry = info.entries[policy];
-    // A limit above the card's range would let it run hotter than it was made for, so the range's top goes out.
+    // A limit above the card's range would let it run hotter than it was built for, so the maximum of the range is
+    // sent.
     qint32 raw = cutToInt(degrees * double(kRawPerDegree));
     if (raw > entry.maxTemp)
         raw = entry.maxTemp;
@@ -323,8 +324,8 @@ void NvGpuControl::setThermalPriority(quint32 policyId, quint8 value)
     const LadderResult read = readThermalStatus(gpu, status);
     if (!read.succeeded())
         return;
-    // The policy's own temperature goes back as it was read: that of another one may lie beyond its range. The
-    // entries of the older version are narrower than those walked here, so that only the first of them is known.
+    // The policy's own temperature is written back as it was read: that of another policy may be beyond its range.
+    // The entries of the older version are narrower than those walked here, so that only the first of them is known.
     if (policy != 0 && read.version != kThermalPoliciesStatusVersion2)
         return;
     status.entries[0] = status.entries[policy];

@@ -38,7 +38,7 @@ bool NvGpuControl::getClockFrequencies(NvClockSet &out, quint32 clockType)
 
     out.gpuClock = static_cast<qint32>(record.domain[kClockDomainGraphics].frequencyKHz / kKHzPerMHz);
     out.processorClock = static_cast<qint32>(record.domain[kClockDomainProcessor].frequencyKHz / kKHzPerMHz);
-    // By way of a 32-bit float, unlike the other two: frequencies above 16.7 GHz are rounded on the way.
+    // The conversion uses a 32-bit float, unlike the other two: frequencies above 16.7 GHz are rounded.
     out.memoryClock =
         cutToInt(static_cast<float>(record.domain[kClockDomainMemory].frequencyKHz) / double(kKHzPerMHz));
     return true;
@@ -47,10 +47,10 @@ bool NvGpuControl::getClockFrequencies(NvClockSet &out, quint32 clockType)
 void NvGpuControl::getCurrentClocks(NvClockSet &out)
 {
     void *const gpu = currentHandle();
-    getClockFrequencies(out, kClockTypeCurrent); // on failure what `out` held is folded in
+    getClockFrequencies(out, kClockTypeCurrent); // on failure the former values of `out` are folded
     if (gpu) {
         quint32 unusedType = 0;
-        NvAPI_GPU_GetRamType(gpu, &unusedType); // part of each sample, although nothing needs its answer
+        NvAPI_GPU_GetRamType(gpu, &unusedType); // part of each sample; the result is not used
     }
     fold(ExtremeGpuClock, out.gpuClock);
     fold(ExtremeMemoryClock, out.memoryClock);
@@ -104,7 +104,7 @@ bool NvGpuControl::getThermalSensor(NvThermalInfo &out)
         out.currentTemp = sensor->currentTemp;
     }
     fold(ExtremeTemperature, out.currentTemp);
-    return found; // 0 degrees that nobody measured must not drive a fan
+    return found; // 0 degrees without a measurement must not drive a fan
 }
 
 bool NvGpuControl::getMemoryInfo(NvMemoryInfo &out)
@@ -121,7 +121,7 @@ bool NvGpuControl::getMemoryInfo(NvMemoryInfo &out)
     }
 
     out.totalKB = static_cast<qint32>(record.dedicatedVideoMemory);
-    // The driver tells no availability for a TCC card, so only the total stands.
+    // The driver reports no free memory for a TCC card, so only the total is set.
     if (!isTccGpu(gpu)) {
         const bool hasCurrentAvailability = read.version != kMemoryInfoVersion1;
         out.availableKB = static_cast<qint32>(record.availableDedicatedVideoMemory);

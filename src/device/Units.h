@@ -3,8 +3,8 @@
 #include <QtGlobal>
 
 /// \file
-/// The driver's units in the program's units. A quotient has the sign of the value that is divided: an unsigned word
-/// stays unsigned, an offset stays signed.
+/// The driver's units in the program's units. A quotient has the type of the divided value: an unsigned word stays
+/// unsigned, an offset stays signed.
 
 constexpr qint32 kKHzPerMHz = 1000;
 constexpr qint32 kMicrovoltsPerMillivolt = 1000;

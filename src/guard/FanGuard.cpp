@@ -9,7 +9,7 @@ constexpr int kStartTimeoutMs = 2000;
 constexpr int kWriteTimeoutMs = 1000;
 constexpr int kEndTimeoutMs = 1000;
 
-/// A guard that dies again and again is given up.
+/// A guard that dies this often is not started again.
 constexpr int kRestartsMax = 10;
 
 } // namespace
@@ -66,7 +66,7 @@ void FanGuard::write(const std::string &line)
 {
     if (!guard || guard->state() == QProcess::NotRunning)
         return;
-    // In one piece, so that a death of this process never leaves half a line that reads as a whole one.
+    // One write, so that a crash of this process never leaves a part of a line that looks like a complete one.
     guard->write(QByteArray::fromStdString(line + '\n'));
     guard->waitForBytesWritten(kWriteTimeoutMs);
 }

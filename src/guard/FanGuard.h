@@ -9,10 +9,11 @@
 
 class QProcess;
 
-/// The program's side of its fan guard, a small process that hands fans back to the driver should this process die
-/// while they follow a curve. The guard runs only while a card is watched; it is started again when it dies.
+/// The program's side of its fan guard: a small process that returns fans to the driver when this process dies while
+/// they follow a curve. The guard runs only while a card is watched; it is started again when it dies.
 ///
-/// Owned by the main dialog; GUI thread only. A guard that can't be started is done without, silently.
+/// Owned by the main dialog; GUI thread only. When the guard can't be started the program continues without it and
+/// reports nothing.
 class FanGuard : public QObject
 {
     Q_OBJECT
@@ -20,12 +21,12 @@ class FanGuard : public QObject
 public:
     /// `program` is the guard's executable. Nothing is started yet.
     explicit FanGuard(const QString &program, QObject *parent = nullptr);
-    /// Lets the guard go. With a card still on the list it stays until this process has ended, and then does its
-    /// work.
+    /// Ends the guard. While a card is still on the list, the guard keeps running until this process has ended, and
+    /// then returns the fans.
     ~FanGuard() override;
 
-    /// From now on the guard hands this card's fan back if the process dies. To be called before the first order of a
-    /// curve; blocks for the few milliseconds of starting the guard.
+    /// From now on the guard returns this card's fan to the driver if the process dies. To be called before the first
+    /// order of a curve. Blocks for the few milliseconds that the start of the guard takes.
     void watch(qint32 gpuIndex);
     /// This card's fan follows no curve any more.
     void release(qint32 gpuIndex);

@@ -5,9 +5,9 @@
 #include <set>
 #include <string>
 
-/// What the program and its fan guard say to each other, and what the guard remembers of it: the cards whose fans
-/// follow a curve that somebody must watch. The lines go one way, over the guard's standard input; its end without an
-/// empty list is the program's death.
+/// The protocol between the program and its fan guard, and the guard's state: the cards whose fans follow a curve.
+/// The program writes lines to the guard's standard input. When the input ends while the list is not empty, the
+/// program has died.
 class WatchList
 {
 public:

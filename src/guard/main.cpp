@@ -8,7 +8,7 @@
 #include <string>
 #include <thread>
 
-// ovryn-fan-guard: waits for the end of the program that started it, and hands the fans back to the driver that the
+// ovryn-fan-guard: waits for the end of the program that started it. It then returns to the driver the fans that the
 // program left at the last level of a curve. It loads the driver only then.
 
 namespace
@@ -29,7 +29,7 @@ void limitRuntime()
     }).detach();
 }
 
-bool handBack(NvGpuControl &control, qint32 gpuIndex)
+bool returnFanToDriver(NvGpuControl &control, qint32 gpuIndex)
 {
     control.setCurrentGpu(gpuIndex);
     for (int tries = 0; tries < kTries; ++tries) {
@@ -56,6 +56,6 @@ int main()
     NvGpuControl control;
     bool allTaken = true;
     for (const qint32 gpuIndex : list.cards())
-        allTaken = handBack(control, gpuIndex) && allTaken;
+        allTaken = returnFanToDriver(control, gpuIndex) && allTaken;
     return allTaken ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -9,7 +9,7 @@ namespace AdjustPageStyle
 {
 
 QString fanButton(); ///< the fan modes, where the checked one glows, and the button that opens the curve
-QString linkBox();   ///< the picture alone, in the middle of the box
+QString linkBox();   ///< only the picture, in the middle of the box
 
 /// A small fan curve: bright, and grey for a disabled button.
 QIcon curveIcon(int size);

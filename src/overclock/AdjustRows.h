@@ -18,7 +18,7 @@ enum AdjustRowIndex
     AdjustRowCount,
 };
 
-/// What a row's slider runs over, in the row's unit. A driver may give a minimum above the maximum.
+/// The range of a row's slider, in the row's unit. A driver may report a minimum above the maximum.
 struct AdjustRange
 {
     qint32 minimum = 0;
@@ -33,7 +33,7 @@ struct AdjustRow
     qint32 &(*value)(OverClockingParam &param);
     AdjustRange (*range)(const OverClockingParam &param);
     bool (*editable)(const OverClockingParam &param);
-    bool (*wasRead)(const OverClockingParam &param); ///< false: value and range say nothing about the card
+    bool (*wasRead)(const OverClockingParam &param); ///< false: value and range were not read from the card
     qint32 AdjustModuleInfo::*saved;
 };
 

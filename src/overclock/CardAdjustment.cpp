@@ -39,7 +39,7 @@ CardAdjustment::CardAdjustment(NvGpuControl *control, const AdjustTimings &pause
 
 CardAdjustment::~CardAdjustment()
 {
-    handFanBack();
+    returnFanToDriver();
 }
 
 void CardAdjustment::startFromCard()
@@ -70,7 +70,8 @@ void CardAdjustment::startFromSaved(const AdjustModuleInfo &info)
 void CardAdjustment::startInHighPerformance()
 {
     if (setHighPerformance(true)) {
-        // What stood before the mode isn't known after a restart: switching it off leads to the card's defaults.
+        // The values from before the mode aren't known after a restart: the end of the mode restores the card's
+        // defaults.
         beforeHighPerformance = withCardDefaults(beforeHighPerformance);
     } else {
         // `applied` stays empty, so a card that lost the mode shows empty rows from the next showing on, until
@@ -153,7 +154,7 @@ void CardAdjustment::applyParam(OverClockingParam param)
     } else {
         startFanThread();
     }
-    // Should the card not be readable afterwards, the file gets what was ordered: what was read before could be
+    // If the card can't be read afterwards, the file gets the ordered values: those that were read before could be
     // higher.
     keepNumbers(limitedToRows(param));
     for (const CardWrite &write : writesFor(param)) {
@@ -180,7 +181,7 @@ void CardAdjustment::restoreDefaults()
     current.fanMode = FanAuto;
     current.linkOfPowerWithTemperature = false;
     readDevice();
-    // The operation says nothing of its order to the fan, the card does.
+    // The operation doesn't report its order to the fan; the card shows it.
     fanLeftCurve(kAdjustRows[RowFan].wasRead(current) && current.cooler.currentPolicy != kCoolerPolicyManual);
     applied = current;
     emit snapshotRead();
@@ -214,7 +215,7 @@ void CardAdjustment::fanLeftCurve(bool orderTaken)
 {
     if (!curveDrivesFan)
         return;
-    // Refused, the fan would stay at the last level of a curve that nobody follows any more.
+    // After a refusal the fan would stay at the last level of a curve that no longer drives it.
     if (!orderTaken && !gpuControl->setCoolerAuto())
         return;
     curveDrivesFan = false;
@@ -228,11 +229,11 @@ void CardAdjustment::requestEnd()
         fanThread->requestEnd();
 }
 
-void CardAdjustment::handFanBack()
+void CardAdjustment::returnFanToDriver()
 {
     if (!fanThread)
         return;
-    // First the worker, or its next cycle would take the fan again.
+    // The worker ends first: its next cycle would order a level again.
     const bool threadEnded = WorkerThread::endAndDelete(fanThread);
     fanThread = nullptr;
     // A settings file may hold any mode, and every one but the first two runs the curve.
@@ -240,7 +241,7 @@ void CardAdjustment::handFanBack()
     if (!gpuControl || !(modeOfCurve || curveDrivesFan))
         return;
     const bool handedBack = gpuControl->setCoolerAuto();
-    // The order of a worker that did not end may still reach the card: the watch over that fan goes on.
+    // The order of a worker that did not end may still reach the card, so the guard keeps watching that fan.
     if (handedBack && threadEnded && curveDrivesFan)
         fanLeftCurve(true);
 }

@@ -8,13 +8,13 @@
 namespace
 {
 
-/// MHz above the base clock. While that was not read the whole clock would be the offset, so there is none.
+/// MHz above the base clock. Without a base clock the whole clock would be the offset, so the result is 0.
 qint32 clockOffset(qint32 clock, const NvClockOffsetRange &range)
 {
     return range.baseClock == 0 ? 0 : wrappingDifference(clock, range.baseClock);
 }
 
-/// The base clock stands in for a clock that was not read: no offset.
+/// The base clock replaces a clock that was not read, so the offset is 0.
 qint32 clockOrBase(qint32 clock, bool wasRead, const NvClockOffsetRange &range)
 {
     return wasRead && clock != 0 ? clock : range.baseClock;
@@ -24,15 +24,14 @@ qint32 clockOrBase(qint32 clock, bool wasRead, const NvClockOffsetRange &range)
 
 std::vector<CardWrite> writesFor(const OverClockingParam &wanted)
 {
-    // A number box can't show what lies beyond the card's range, but a settings file can hold it.
+    // A number box can't show a value beyond the card's range, but a settings file can hold one.
     const OverClockingParam param = limitedToRows(wanted);
     const auto wasRead = [&param](AdjustRowIndex row) {
         return kAdjustRows[row].wasRead(param);
     };
 
     std::vector<CardWrite> writes;
-    // Nobody knows what a level by hand would mean to a cooler that was not read; the driver's control is always
-    // safe.
+    // The effect of a manual level on a cooler that was not read is unknown; the driver's control is always safe.
     if (param.fanMode == FanAuto || (param.fanMode == FanManual && !wasRead(RowFan)))
         writes.push_back({CardWrite::CoolerLevel, kCoolerPolicyDefault, param.cooler.currentLevel});
     else if (param.fanMode == FanManual)
@@ -75,7 +74,7 @@ OverClockingParam readSnapshot(NvGpuControl &gpu)
 {
     OverClockingParam param;
     gpu.getCoolerInfo(param.cooler);
-    // A limit without its range, or a range without its limit, is no base for an order.
+    // There is no order for a limit without its range, or for a range without its limit.
     if (!gpu.getThermalPolicyInfo(param.thermal))
         param.thermal = {};
     if (!gpu.getPowerInfo(param.power))
@@ -88,9 +87,9 @@ OverClockingParam readSnapshot(NvGpuControl &gpu)
     param.clocks.gpuClock = clockOrBase(param.clocks.gpuClock, clocksRead, param.gpuRange);
     param.clocks.memoryClock = clockOrBase(param.clocks.memoryClock, clocksRead, param.memoryRange);
     if (param.memoryRange.baseClock != 0) {
-        // With the offset in its base, the clock counts it twice. Kept in the settings file and set against the base
-        // of a card that was switched off meanwhile, that would order twice the offset, and double it with each such
-        // start.
+        // A base clock that contains the offset makes the clock count it twice. The settings file would keep that
+        // clock. After the card was switched off, the next start would compare it with the base without the offset
+        // and order twice the offset, and each such start would double it.
         param.clocks.memoryClock = wrappingDifference(param.clocks.memoryClock, param.memoryRange.offsetInBase);
         param.memoryRange.baseClock = wrappingDifference(param.memoryRange.baseClock, param.memoryRange.offsetInBase);
     }

@@ -25,14 +25,14 @@ struct CardWrite
 };
 
 /// The orders that bring a card to a snapshot, in the order in which they must reach it: the fan first, and the
-/// voltage last. The user's fan curve gets no order here, its thread drives the fan. No order goes beyond what its
-/// row shows, and none rests on a figure that was not read.
+/// voltage last. The user's fan curve gets no order here: its thread drives the fan. No order exceeds the range of
+/// its row, and none depends on a value that was not read.
 [[nodiscard]] std::vector<CardWrite> writesFor(const OverClockingParam &wanted);
 
-/// Gives one order. False when the driver refused it; what it made of one that it took shows when the card is read
+/// Gives one order. False when the driver refused it. The effect of an accepted order shows when the card is read
 /// again.
 bool send(const CardWrite &write, NvGpuControl &gpu);
 
-/// Everything of a card that a snapshot holds; the link and the fan mode are left at their defaults. Limits that were
-/// read in part count as absent, and a clock or voltage that was not read stands at its base.
+/// Reads everything of a card that a snapshot holds; the link and the fan mode keep their defaults. Limits that were
+/// read only in part count as absent, and a clock or voltage that was not read gets its base value.
 [[nodiscard]] OverClockingParam readSnapshot(NvGpuControl &gpu);

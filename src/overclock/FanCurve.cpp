@@ -30,7 +30,7 @@ int levelFor(const QList<QPoint> &curve, int temperature)
         const QPoint from = curve[i];
         const QPoint to = curve[i + 1];
         if (from.x() > degrees || to.x() < degrees)
-            continue; // at a node the walk stops at the segment that ends there
+            continue; // a node belongs to the segment that ends there
         if (from.x() == to.x())
             return to.y();
         const double width = double(to.x()) - from.x();

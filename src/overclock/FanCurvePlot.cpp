@@ -26,7 +26,7 @@ FanCurvePlot FanCurvePlot::forSize(QSize widget)
 
 QPoint FanCurvePlot::pixelOf(QPoint value) const
 {
-    // Only a list that falls somewhere has values beyond the scale; its nodes stay within reach of the mouse.
+    // Only a list that falls somewhere has values beyond the scale; the mouse can still reach its nodes.
     const int x = qBound(0, value.x(), kLargestValue);
     const int y = qBound(0, value.y(), kLargestValue);
     return {int(x / 100.0 * plotWidth + plotLeft), int((plotTop + plotHeight) - y / 100.0 * plotHeight)};

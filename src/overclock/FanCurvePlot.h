@@ -4,8 +4,8 @@
 #include <QPoint>
 #include <QSize>
 
-/// Where the fan curve's plot of 10 by 10 cells lies in its widget, in pixels, and how values (degrees
-/// Celsius, percent; 0 to 100 each) map to it. Without a widget; the divisions truncate toward zero.
+/// The plot of the fan curve: 10 by 10 cells, their place in the widget in pixels, and the mapping of values (degrees
+/// Celsius, percent; 0 to 100 each). Needs no widget; the divisions truncate toward zero.
 struct FanCurvePlot
 {
     int plotLeft = 0;
@@ -29,7 +29,7 @@ struct FanCurvePlot
 
     /// Pixel height of a new node: neither below its left neighbour nor above its right one.
     [[nodiscard]] static int heightBetween(int y, QPoint leftNode, QPoint rightNode);
-    /// Pixel of a dragged node: it can reach its neighbours' column and height, but not pass them.
+    /// Pixel of a dragged node: it can reach the column and height of its neighbours, but not pass them.
     [[nodiscard]] static QPoint placeBetween(QPoint pixel, QPoint leftNode, QPoint rightNode);
     /// Value of a placed node, cut to its neighbours' values. Two nodes on one pixel may differ by a unit
     /// lost in the mapping, and a curve that falls by that unit would be dropped when it is read back.

@@ -10,8 +10,8 @@ enum FanMode
     FanUserDefined = 2,
 };
 
-/// Snapshot of everything that the adjust page changes of one card: what the driver gave, with the values that the
-/// rows edit in it. Plain value, copied whole.
+/// Snapshot of everything that the adjust page changes of one card: the driver's records, in which the rows edit
+/// values. Plain value.
 struct OverClockingParam
 {
     NvClockSet clocks;                       ///< MHz; `gpuClock` and `memoryClock` are edited

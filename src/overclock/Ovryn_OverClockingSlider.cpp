@@ -50,7 +50,7 @@ void Ovryn_OverClockingSlider::mousePressEvent(QMouseEvent *event)
 {
     pressed = true;
     QSlider::mousePressEvent(event);
-    update(); // the toolkit repaints only its own handle's place
+    update(); // the toolkit repaints only the place of its own handle
 }
 
 void Ovryn_OverClockingSlider::mouseReleaseEvent(QMouseEvent *event)

@@ -11,7 +11,7 @@ struct SliderMarks
     QRect handle;  ///< shown only while the mouse is over the slider or holds it
 };
 
-/// A range of one value has no ratio: its fill and its handle stand at the left end.
+/// A range of one value has no ratio: its fill and its handle are at the left end.
 SliderMarks sliderMarksFor(QSize slider, int handleWidth, int handleHeight, int value, int minimum, int maximum);
 
 /// A horizontal slider painted from images. The fill's end marks the value; a handle appears only under

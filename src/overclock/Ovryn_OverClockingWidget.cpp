@@ -34,7 +34,7 @@ QPushButton *newButton(const char *name, const QString &style, QWidget *parent)
     auto *button = new QPushButton(parent);
     button->setObjectName(QString::fromLatin1(name));
     button->setStyleSheet(style);
-    // Return in a number box must not press a button of the page in place of the box.
+    // The Return key in a number box must not press a button of the page.
     button->setAutoDefault(false);
     return button;
 }
@@ -67,7 +67,7 @@ Ovryn_OverClockingWidget::Ovryn_OverClockingWidget(const AdjustModuleInfo *saved
 {
     build();
     connectAll();
-    Ovryn_LanguageTable table; // until the owner hands over its own texts
+    Ovryn_LanguageTable table; // until the owner sets its own texts
     table.setLanguage(kLanguageEnglish);
     setLanguage(table.overClock, table.language());
 
@@ -75,13 +75,13 @@ Ovryn_OverClockingWidget::Ovryn_OverClockingWidget(const AdjustModuleInfo *saved
         card.startFromSaved(*saved);
     else
         card.startFromCard();
-    showLink(card.snapshot().linkOfPowerWithTemperature); // saved values reach no snapshot without a card
+    showLink(card.snapshot().linkOfPowerWithTemperature); // without a card the saved values are not in the snapshot
     hideApplyAndCancel();
 }
 
 void Ovryn_OverClockingWidget::build()
 {
-    // A click beside the widgets takes the focus and so ends the editing of a number box.
+    // A click beside the widgets takes the focus and so ends the edit in a number box.
     setFocusPolicy(Qt::ClickFocus);
     setStyleSheet(UiStyle::numberBoxes());
 

@@ -22,33 +22,33 @@ class QCheckBox;
 class QPushButton;
 
 /// The page on which one card's clocks, voltage, targets and fan are adjusted. It has two faces, the rows and the fan
-/// curve editor. It shows and asks: the edits are in its widgets, everything else is CardAdjustment's. Nothing
-/// reaches the card until Apply is confirmed, and what the card made of it is read back and shown.
+/// curve editor. Its widgets hold the edits; CardAdjustment does everything else. Nothing reaches the card until
+/// Apply is confirmed; then the card is read back and the result is shown.
 ///
 /// Owned by the main dialog, which lends it the card; without a card it shows empty rows and changes nothing. GUI
-/// thread only: Apply, Default and the mode switch block it while the fan worker ends and the driver settles. A
-/// setting that the driver refuses is reported by nothing but the value read back.
+/// thread only: Apply, Default and the mode switch block it while the fan worker ends and the driver settles. Only
+/// the value that is read back shows a setting that the driver refused.
 class Ovryn_OverClockingWidget : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// Shows the card as it stands and changes nothing of it.
+    /// Shows the card's present values and changes nothing on the card.
     explicit Ovryn_OverClockingWidget(NvGpuControl *control, QWidget *parent = nullptr,
                                       const AdjustTimings &pauses = {}, FanWatch fanWatch = {});
-    /// Brings the card to the saved values first.
+    /// Sets the card to the saved values first.
     Ovryn_OverClockingWidget(const AdjustModuleInfo &saved, NvGpuControl *control, QWidget *parent = nullptr,
                              const AdjustTimings &pauses = {}, FanWatch fanWatch = {});
 
     void setLanguage(Lang_OverClock texts, LanguageType newLanguage);
 
-    // CardAdjustment's, for the main dialog.
+    // Operations of CardAdjustment, for the main dialog.
     void getParameter(AdjustModuleInfo &out) const { card.getParameter(out); }
     [[nodiscard]] bool isHighPerformance() const { return card.isHighPerformance(); }
     bool setHighPerformance(bool enable) { return card.setHighPerformance(enable); }
     void requestEnd() { card.requestEnd(); }
     /// The page must not be used afterwards. Its destructor does the same.
-    void handFanBack() { card.handFanBack(); }
+    void returnFanToDriver() { card.returnFanToDriver(); }
 
 public slots:
     void onSliderChanged(Ovryn_SliderWidget *sender);
@@ -65,9 +65,9 @@ public slots:
     void showPage();
 
 signals:
-    /// A slider is being dragged: the value in force, the value now, and the second less the first.
+    /// A slider is being dragged: the applied value, the new value, and the second minus the first.
     void adjustChanged(QString currentValue, QString changedValue, int changedSize);
-    void closeDisplayAdjustInfo(); ///< the slider was let go
+    void closeDisplayAdjustInfo(); ///< the slider was released
     void highPerformanceModeChanged(bool bChanged);
 
 protected:
@@ -76,7 +76,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private slots:
-    void showSnapshot(); ///< the card's own, which leaves nothing to apply
+    void showSnapshot(); ///< the card's own snapshot; then there is nothing to apply
 
 private:
     Ovryn_OverClockingWidget(const AdjustModuleInfo *saved, NvGpuControl *control, QWidget *parent,

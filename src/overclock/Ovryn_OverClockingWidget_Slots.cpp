@@ -11,7 +11,7 @@
 #include <algorithm>
 #include <optional>
 
-// What the page's widgets do: the rows, the buttons and the change of faces.
+// The slots of the page: the rows, the buttons and the change of faces.
 
 void Ovryn_OverClockingWidget::onSliderChanged(Ovryn_SliderWidget *sender)
 {
@@ -46,7 +46,7 @@ void Ovryn_OverClockingWidget::onSliderReleased(Ovryn_SliderWidget *)
 
 void Ovryn_OverClockingWidget::onLinkCheckBoxToggle(bool)
 {
-    // Once linked, the temperature follows the power target that stands.
+    // After the link is switched on, the temperature follows the present power target.
     onSliderChanged(rows[RowPower]);
 }
 
@@ -63,12 +63,12 @@ void Ovryn_OverClockingWidget::onBtnApplyClick()
 void Ovryn_OverClockingWidget::applySliders()
 {
     card.apply(readSliders());
-    hideApplyAndCancel(); // also without a card, which reads no snapshot
+    hideApplyAndCancel(); // also without a card, where no snapshot is read
 }
 
 void Ovryn_OverClockingWidget::applyCurve()
 {
-    card.setCurve(editor->getPoints()); // the fan mode is for the rows' face
+    card.setCurve(editor->getPoints()); // the fan mode is changed on the rows' face only
     leaveCurve();
     btnDefault->hide();
 }

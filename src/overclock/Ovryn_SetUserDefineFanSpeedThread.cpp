@@ -51,17 +51,18 @@ void Ovryn_SetUserDefineFanSpeedThread::followCurveOnce()
 {
     NvThermalInfo thermal;
     if (!gpuControl->getThermalSensor(thermal)) {
-        // A failed read leaves 0 degrees, and a level for those could stop the fan of a hot card. The driver knows
-        // how hot it is, so it has the fan until the next reading.
+        // A failed read leaves 0 degrees, and the level for 0 degrees could stop the fan of a hot card. The driver
+        // knows the temperature, so it controls the fan until the next reading.
         gpuControl->setCoolerAuto();
         return;
     }
-    // A worker whose call hung at its owner's end comes here after the fan was handed back, which must stand.
+    // A worker whose call hung at its owner's end continues here after the fan was returned to the driver. It must
+    // not take the fan again.
     if (isAbandoned())
         return;
     // Ordered every time, also unchanged: the driver may have taken the fan back meanwhile. A refused level
     // is ordered again by the next cycle.
     gpuControl->setCoolerLevel(FanCurve::levelFor(nodes, thermal.currentTemp), kCoolerPolicyManual);
     if (isAbandoned())
-        gpuControl->setCoolerAuto(); // the order itself was the call that hung
+        gpuControl->setCoolerAuto(); // the call that hung was the order itself
 }

@@ -12,9 +12,9 @@ class NvGpuControl;
 /// The fan worker of one card: once per interval it reads the GPU temperature, looks it up on the user's
 /// curve and orders that level. The driver holds no curve: it acts only as long as this thread runs.
 ///
-/// Owned by CardAdjustment, which calls its operations on the GUI thread. They wait for a running cycle,
-/// since the mutex is held through it, but never for the sleep. For a cycle without a temperature the driver
-/// gets the fan, and a level that the card refuses is ordered again by the next cycle.
+/// Owned by CardAdjustment, which calls its operations on the GUI thread. They wait for a running cycle, since the
+/// mutex is held through it, but never for the sleep. A cycle without a temperature returns the fan to the driver,
+/// and the next cycle repeats a level that the card refused.
 class Ovryn_SetUserDefineFanSpeedThread : public WorkerThread
 {
     Q_OBJECT
@@ -35,8 +35,8 @@ public:
     /// Only asks: the loop ends after its next level. Wait for the thread before starting it again.
     void stopWork();
 
-    /// One cycle: reads the temperature and orders the level, or hands the fan to the driver. The loop calls it under
-    /// the mutex; the card must be there.
+    /// One cycle: reads the temperature and orders the level, or returns the fan to the driver. The loop calls it
+    /// under the mutex; the card must be there.
     void followCurveOnce();
 
 protected:

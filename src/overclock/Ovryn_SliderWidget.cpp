@@ -52,7 +52,7 @@ void Ovryn_SliderWidget::setRange(int newMinimum, int newMaximum)
     slider->setRange(minimum, maximum);
     if (slider->value() != sliderValueBefore)
         currentValue = slider->value(); // the new range has cut it
-    // A card's limits may lie further apart than an int can tell.
+    // The difference of a card's limits may exceed an int.
     slider->setPageStep(int((qint64(maximum) - minimum) / kPageStepsInRange));
     spinBox->setRange(minimum, maximum);
 }
@@ -66,8 +66,8 @@ void Ovryn_SliderWidget::setValue(int newValue)
 
 void Ovryn_SliderWidget::onSliderValueChanged(int newValue)
 {
-    // The slider cuts a value from outside its range: that echo differs from the row's value and is none of
-    // the user's doing either.
+    // The slider cuts a value outside its range. Its signal then has another value than the row, but it is no change
+    // by the user either.
     if (newValue == currentValue || changedByProgram)
         return;
     currentValue = newValue;

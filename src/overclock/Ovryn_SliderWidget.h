@@ -9,8 +9,8 @@
 class ModifySpinBox;
 class Ovryn_OverClockingSlider;
 
-/// One row of the adjust page: a caption, a slider and a number box that follows it. A number typed into
-/// the box reaches the slider, and so the row, at the end of the edit.
+/// One row of the adjust page: a caption, a slider and a number box that follows it. A number typed into the box
+/// changes the slider, and so the row, at the end of the edit.
 ///
 /// The signals report the user's changes only; what the program sets is silent. GUI thread.
 class Ovryn_SliderWidget : public QWidget
@@ -52,5 +52,5 @@ private:
     int currentValue = 0;
     int maximum = 0;
     int minimum = 0;
-    bool changedByProgram = false; ///< while the slider's signals are echoes of the program's own calls
+    bool changedByProgram = false; ///< while the slider's signals come from the program's own calls
 };

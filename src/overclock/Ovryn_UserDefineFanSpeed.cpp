@@ -50,7 +50,7 @@ void paintScaleAndGrid(QPainter &painter, const FanCurvePlot &plot)
         painter.drawLine(plot.plotLeft, y, plot.right(), y);
         painter.drawLine(x, plot.bottom(), x, plot.plotTop);
     }
-    // The axes once more: the second coat of the translucent pen sets them off from the grid.
+    // The axes once more: with the translucent pen twice they are brighter than the grid.
     painter.drawLine(plot.plotLeft, plot.plotTop, plot.plotLeft, plot.bottom());
     painter.drawLine(plot.plotLeft, plot.bottom(), plot.right(), plot.bottom());
 }
@@ -69,7 +69,7 @@ void paintUnits(QPainter &painter, const FanCurvePlot &plot, const QRect &widget
     painter.setPen(Qt::white);
     painter.drawText(QRect(0, plot.plotTop + kLabelGap, plot.plotLeft - kLabelGap, kLabelHeight),
                      Qt::AlignRight | Qt::AlignVCenter | Qt::TextDontClip, QStringLiteral("(%)"));
-    // A cell is often wider than the margin: what lies outside the widget doesn't count for the centre.
+    // A cell is often wider than the margin: its part outside the widget doesn't count for the centre.
     const QRect besideAxis(plot.right(), plot.bottom() - kLabelGap, plot.stepX, kLabelHeight);
     painter.drawText(besideAxis & widget, Qt::AlignCenter | Qt::TextDontClip, QStringLiteral("(C)"));
 }
@@ -89,7 +89,7 @@ void paintHoverValues(QPainter &painter, const FanCurvePlot &plot, QPoint pixel,
     const QString fan = QString::number(value.y());
     QPoint place(pixel.x() - radius, pixel.y() - radius - kHoverTemperatureGap);
 
-    // Close to the top edge the numbers would be out of sight: there they stand beside the node.
+    // Near the top edge the numbers would be outside the widget: there they are beside the node.
     const QFontMetrics metrics = painter.fontMetrics();
     const int topmost = metrics.capHeight() + 1;
     if (place.y() < topmost) {
@@ -222,7 +222,7 @@ void Ovryn_UserDefineFanSpeed::paintEvent(QPaintEvent * /*event*/)
             paintNode(painter, pixelNodes[i], hitRadius, kPressedNode);
         else if (i != hoverIndex)
             paintNode(painter, pixelNodes[i], hitRadius, kOtherNode);
-        else if (pressedIndex <= 0) // a node that another one is dragged across makes room for it: the gap is wanted
+        else if (pressedIndex <= 0) // a node is removed when another one is dragged across it; the gap is intended
             paintNode(painter, pixelNodes[i], hitRadius, kHoveredNode);
     }
     if (hoverIndex >= 0)

@@ -10,7 +10,7 @@
 /// 100 percent). A drag moves a node between its neighbours, a double click adds or removes one. The
 /// first node stays (0,0), the last (100,100), and there are at most 11.
 ///
-/// Knows nothing of the card: its owner takes the list when it is to act. GUI thread.
+/// Has no access to the card: its owner takes the list and applies it. GUI thread.
 class Ovryn_UserDefineFanSpeed : public QWidget
 {
     Q_OBJECT
@@ -37,7 +37,7 @@ private:
     void takeCurve(const QList<QPoint> &curve);
     [[nodiscard]] bool isHit(int index, QPoint position) const;
     [[nodiscard]] int nodeAt(QPoint position) const;      ///< the first one that is hit; -1 where none is
-    [[nodiscard]] int innerNodeAt(QPoint position) const; ///< the same without the two ends, which never move or go
+    [[nodiscard]] int innerNodeAt(QPoint position) const; ///< the same without the two fixed ends
 
     FanCurvePlot plot;
     int hitRadius = 3;        ///< pixels; half a node's square, and the reach of a click

@@ -3,8 +3,7 @@
 #include <QRect>
 #include <QSize>
 
-/// Where everything of a slider row lies, in row pixels. Integer divisions truncate, and so do the
-/// floating results.
+/// The rectangles of a slider row's parts, in row pixels. Integer divisions truncate, and so do the floating results.
 struct SliderRowLayout
 {
     double margin = 0;      ///< whole pixels

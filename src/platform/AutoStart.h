@@ -5,10 +5,9 @@
 /// \file
 /// Start of the program together with the user's session.
 
-/// Has the system start the program at `programPath` (absolute, with "/") at each log-on, or takes that back.
+/// Makes the system start the program at `programPath` (absolute, with "/") at each log-on, or stops that.
 ///
-/// On Windows a value of the machine's Run key, elsewhere an entry in the user's autostart folder. What is already
-/// there under the program's own name is replaced or removed, and only that: a folder in its place is left alone, of
-/// a link the link goes and never what it leads to. A write that fails goes unnoticed and leaves the former entry.
-/// Any thread.
+/// On Windows a value of the machine's Run key, elsewhere an entry in the user's autostart folder. Only an entry
+/// under the program's own name is replaced or removed. A folder of that name is left as it is. Of a link only the
+/// link is removed, never its target. A failed write is not reported and leaves the former entry. Any thread.
 void setStartOnBoot(bool startOnBoot, const QString &programPath);

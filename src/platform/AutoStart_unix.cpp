@@ -36,5 +36,5 @@ void setStartOnBoot(bool startOnBoot, const QString &programPath)
     if (!QDir().mkpath(folder) || !file.open(QIODevice::WriteOnly))
         return;
     file.write(desktopEntryOf(QStringLiteral("OvrynDeck II"), programPath));
-    file.commit(); // a failed write goes unnoticed by design and keeps the former entry
+    file.commit(); // a failed write is not reported, by design, and keeps the former entry
 }

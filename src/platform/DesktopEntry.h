@@ -6,7 +6,7 @@
 /// \file
 /// Text of a desktop entry, as sessions that follow freedesktop.org read it. Pure functions; any thread.
 
-/// A command line of one argument, the program itself: quoted, with every sign of it taken literally.
+/// A command line of one argument, the program itself: quoted, so that every character is taken literally.
 [[nodiscard]] QString desktopExecOf(const QString &programPath);
 
 /// A whole entry in UTF-8 that starts the program.

@@ -7,7 +7,7 @@
 /// On Unix that is SIGTERM, SIGINT or SIGHUP. The first one is reported on the thread that made the object, from its
 /// event loop; a second one of the same kind ends the process at once, for the case that the program hangs. Windows
 /// sends no such signals to a program with windows: there nothing is ever reported, and the toolkit's session
-/// management stands for it. One object at a time; its end gives the signals their usual effect back.
+/// management takes its place. One object at a time; its destructor restores the usual effect of the signals.
 class EndSignals : public QObject
 {
     Q_OBJECT

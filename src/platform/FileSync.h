@@ -2,6 +2,6 @@
 
 class QFile;
 
-/// Waits until what was written to the open file lies on the disk, where a power cut leaves it. What the file object
-/// holds back itself has to be flushed before. False where the disk could not take it, or the file is not open.
+/// Waits until the content of the open file is on the disk, where it survives a power cut. The file object's own
+/// buffer has to be flushed before. False when the disk failed or the file is not open.
 [[nodiscard]] bool syncToDisk(QFile &file);

@@ -8,5 +8,5 @@
 
 bool syncToDisk(QFile &file)
 {
-    return fsync(file.handle()) == 0 || errno == EINVAL; // a file that lies on no disk
+    return fsync(file.handle()) == 0 || errno == EINVAL; // EINVAL: a file that is on no disk
 }

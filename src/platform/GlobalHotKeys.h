@@ -4,9 +4,9 @@
 
 /// Hot keys of this process that work while any application has the focus.
 ///
-/// A press reaches the GUI thread as a message through the native event filters of the application, in the form
-/// that platform/HotKeyMessage.h tells, on every system. A key that is held down repeats as the keyboard does.
-/// Every call is made on the GUI thread, and each registration lasts until it is undone or the process ends.
+/// A press reaches the GUI thread as a message through the native event filters of the application, in the form that
+/// platform/HotKeyMessage.h describes, on every system. A key that is held down repeats as the keyboard does. Every
+/// call is made on the GUI thread, and each registration lasts until it is undone or the process ends.
 class GlobalHotKeys
 {
 public:
@@ -23,14 +23,14 @@ public:
 
     /// The keyboard's hot keys, or what a test has put in their place.
     static GlobalHotKeys &current();
-    /// Puts another object in front, null for the keyboard's own again. Gives back what was there before, null for
-    /// the keyboard's own. The caller keeps the object, and takes it out again before it ends.
+    /// Replaces the object; null restores the keyboard's own. Returns the former object, null for the keyboard's own.
+    /// The caller owns the object, and restores the former one before it deletes it.
     static GlobalHotKeys *replace(GlobalHotKeys *other);
 
-    /// False when the keys can't be had: another application holds them, this process holds the identifier
-    /// already, the key is not on this keyboard, or the system knows no hot keys. Nothing is held then.
+    /// False when the keys are not available: another application holds them, this process holds the identifier
+    /// already, the key is not on this keyboard, or the system has no hot keys. Nothing is registered then.
     virtual bool registerKey(quint32 identifier, quint32 modifiers, quint32 virtualKey) = 0;
-    /// False when this process holds no such identifier. Whoever registered it, it is gone.
+    /// False when this process holds no such identifier. Removes it whoever registered it.
     virtual bool unregisterKey(quint32 identifier) = 0;
 
 private:

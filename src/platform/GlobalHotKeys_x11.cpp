@@ -35,7 +35,7 @@ struct FreeSymbols
 constexpr int kModifierRows = 8; ///< of the server's modifier map: Shift, Lock, Control, Mod1 to Mod5
 constexpr int kKeyColumns = 4;   ///< of a key's symbols: plain and shifted, in two groups
 
-/// What is on the keys at the moment of asking, and which modifier each lock key stands for.
+/// The keyboard's symbols at the moment of the query, and the modifier of each lock key.
 class Keyboard
 {
 public:
@@ -102,8 +102,8 @@ public:
         return state;
     }
 
-    /// Every union of the lock keys' bits, the empty one first: a grab holds for exactly the state that it names,
-    /// and a lock that is on is part of the state.
+    /// Every combination of the lock keys' bits, the empty one first. A grab is valid for exactly one modifier state,
+    /// and a lock that is on is part of that state.
     [[nodiscard]] std::vector<quint16> lockStates() const
     {
         std::vector<quint16> states = {0};
@@ -142,8 +142,8 @@ struct HeldKey
 };
 
 /// Hot keys as passive grabs on the root window. The server reports a grabbed key to this program alone, as a press
-/// on the root window, and again for each repetition while the key is held. The keys are looked up when they are
-/// registered and stay where they were then if the layout changes.
+/// on the root window, and again for each repetition while the key is held. The keys are looked up at the
+/// registration; a later change of the layout does not move them.
 class DesktopHotKeys final : public GlobalHotKeys, private QAbstractNativeEventFilter
 {
 public:
@@ -152,7 +152,7 @@ public:
         if (!connected() || isHeld(identifier))
             return false;
         std::vector<Grab> grabs = grabsFor(modifiers, virtualKey);
-        // The server lets the same client grab a key twice, and would give both up at once.
+        // The server lets the same client grab a key twice, and one release would end both grabs.
         if (grabs.empty() || std::any_of(grabs.begin(), grabs.end(), [this](Grab grab) { return holderOf(grab); }))
             return false;
         if (!take(grabs))
@@ -177,7 +177,7 @@ public:
 private:
     using GrabIterator = std::vector<Grab>::const_iterator;
 
-    /// True on an X server. Notes a new application object too: the old one's connection took its grabs with it.
+    /// True on an X server. Also detects a new application object: the grabs ended with the old one's connection.
     bool connected()
     {
         if (!QX11Info::isPlatformX11() || !QX11Info::connection())

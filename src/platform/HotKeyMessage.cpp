@@ -16,7 +16,7 @@ std::optional<HotKeyPress> hotKeyPressOf(quint32 messageId, qintptr longParamete
 {
     if (messageId != WindowMessage::kHotKey)
         return std::nullopt;
-    const auto words = static_cast<quint32>(longParameter); // the upper half of a 64-bit parameter tells nothing
+    const auto words = static_cast<quint32>(longParameter); // the upper half of a 64-bit parameter has no meaning
     return HotKeyPress{words >> kWordBits, words & kWordMask};
 }
 

@@ -5,8 +5,8 @@
 #include <optional>
 
 /// \file
-/// The message that tells of a pressed hot key. All systems hand it to the native event filters in one form, the
-/// Windows desktop's, so that one filter serves them all.
+/// The message of a pressed hot key. On all systems the native event filters get it in one form, that of the Windows
+/// desktop, so that one filter serves all systems.
 
 /// A message of the desktop, laid out as its `MSG`. The other systems fill it for hot keys alone.
 struct WindowMessage
@@ -32,11 +32,11 @@ struct HotKeyPress
     quint32 modifiers = 0; ///< bits of GlobalHotKeys::Modifier
 };
 
-/// What a message with this `id` and `longParameter` tells; nothing when it is about something else.
+/// The press that a message with this `id` and `longParameter` reports; no value for any other message.
 [[nodiscard]] std::optional<HotKeyPress> hotKeyPressOf(quint32 messageId, qintptr longParameter);
 /// The same of a message as a native event filter gets it under kWindowMessageType.
 [[nodiscard]] std::optional<HotKeyPress> hotKeyPressOf(const void *windowMessage);
 
-/// Hands the message of a press to the native event filters of the application, the newest first. True when one of
-/// them took it. GUI thread; false without an application.
+/// Passes the message of a press to the native event filters of the application, the newest first. True when one of
+/// them accepted it. GUI thread; false without an application.
 bool dispatchHotKeyPress(quint32 identifier, HotKeyPress press);

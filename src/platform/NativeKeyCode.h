@@ -10,5 +10,5 @@ class QKeyEvent;
 /// The virtual-key code of the key that was pressed; 0 for a key that has none.
 [[nodiscard]] quint32 virtualKeyOf(const QKeyEvent &event);
 
-/// What QKeyEvent::nativeVirtualKey says on this system of the key with that code; 0 for a key that has none.
+/// The value of QKeyEvent::nativeVirtualKey on this system for the key with that code; 0 for a key that has none.
 [[nodiscard]] quint32 nativeKeyFor(quint32 virtualKey);

@@ -17,13 +17,13 @@ namespace
 constexpr int kFailed = -1;
 constexpr int kToTheEnd = -1; // source length of a text that ends with a zero
 
-/// Owns the narrow arguments, and hands out a second array for `main`, which may reorder it.
+/// Owns the narrow arguments, and gives `main` a second array, which `main` may reorder.
 class NarrowArguments
 {
 public:
     NarrowArguments(int argc, wchar_t **wide)
     {
-        const std::size_t places = std::size_t(argc) + 1; // and the null pointer behind the last
+        const std::size_t places = std::size_t(argc) + 1; // and the null pointer after the last
         if (argc < 0 || places > std::size_t(-1) / sizeof(char *))
             return;
         owned = new (std::nothrow) char *[places]();

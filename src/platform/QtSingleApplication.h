@@ -14,16 +14,16 @@ class QtSingleApplication : public QApplication
     Q_OBJECT
 
 public:
-    /// Starts with the same identifier belong together.
+    /// Starts with the same identifier are starts of the same program.
     QtSingleApplication(const QString &id, int &argc, char **argv);
 
-    /// True when an earlier start of this user is still running, be it stopped or hanging.
+    /// True when an earlier start of this user is still running, also one that is stopped or hangs.
     [[nodiscard]] bool isRunning();
 
-    /// Hands the message to the running instance. False when that has not taken it within the time.
+    /// Sends the message to the running instance. False when that has not taken it within the time.
     bool sendMessage(const QString &message, int timeoutMs = 5000);
 
-    /// Says to further starts that this instance takes no message any more and ends soon.
+    /// Informs later starts that this instance takes no more messages and ends soon.
     void announceEnd() { channel.announceEnd(); }
 
     /// Waits until an instance that has announced its end is gone. True when this start has taken its place.

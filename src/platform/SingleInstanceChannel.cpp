@@ -18,8 +18,8 @@ constexpr int kLengthBytes = 4;
 constexpr char kTaken = 'T';
 
 constexpr int kPeersMax = 64;
-constexpr int kRetryMs = 20;      // between two tries to connect, while the first process is still coming up
-constexpr int kLockWriteMs = 200; // more than it takes from making a lock file to naming its process in it
+constexpr int kRetryMs = 20;      // between two attempts to connect, while the first process is still starting
+constexpr int kLockWriteMs = 200; // longer than it takes to create a lock file and write the process into it
 
 QString baseName(const QString &id)
 {
@@ -46,7 +46,7 @@ QString SingleInstanceChannel::endMarkName(const QString &id)
 SingleInstanceChannel::SingleInstanceChannel(const QString &id, QObject *parent)
     : QObject(parent), address(serverAddress(id)), endMark(endMarkName(id)), lock(lockFileName(id))
 {
-    lock.setStaleLockTime(0); // a lock never grows stale by age, only by the end of its process
+    lock.setStaleLockTime(0); // a lock is never stale by age, only by the end of its process
     connect(&server, SIGNAL(newConnection()), this, SLOT(onNewConnection()));
     if (takeLock())
         listen();
@@ -60,23 +60,24 @@ bool SingleInstanceChannel::isFirst()
         listen();
         return true;
     }
-    return lock.error() != QLockFile::LockFailedError; // without lock files nobody could ever start otherwise
+    return lock.error() !=
+           QLockFile::LockFailedError; // where no lock file can be made every start counts as the first
 }
 
 bool SingleInstanceChannel::takeLock()
 {
     if (lock.tryLock())
         return true;
-    if (lock.error() != QLockFile::LockFailedError || !lockNamesNobody())
+    if (lock.error() != QLockFile::LockFailedError || !lockNamesNoProcess())
         return false;
-    // Its process is just writing its name, or was killed before it could. The file of a living one cannot be
-    // removed: it is locked in the system's sense, too.
+    // Its process is just writing its name, or was killed before that. The file of a living process cannot be
+    // removed: the system locks it too.
     if (lock.tryLock(kLockWriteMs))
         return true;
-    return lockNamesNobody() && lock.removeStaleLockFile() && lock.tryLock();
+    return lockNamesNoProcess() && lock.removeStaleLockFile() && lock.tryLock();
 }
 
-bool SingleInstanceChannel::lockNamesNobody() const
+bool SingleInstanceChannel::lockNamesNoProcess() const
 {
     qint64 processId = 0;
     QString host;
@@ -97,7 +98,7 @@ void SingleInstanceChannel::announceEnd()
     if (!lock.isLocked())
         return;
     QFile mark(endMark);
-    mark.open(QIODevice::WriteOnly); // without it a further start finds nobody to talk to, and ends
+    mark.open(QIODevice::WriteOnly); // without it a later start finds no server, and ends
     server.close();
 }
 
@@ -154,9 +155,9 @@ void SingleInstanceChannel::onNewConnection()
         peer->setReadBufferSize(kLengthBytes + kMessageBytesMax);
         connect(peer, SIGNAL(readyRead()), this, SLOT(onReadyRead()));
         connect(peer, SIGNAL(disconnected()), peer, SLOT(deleteLater()));
-        auto *patience = new QTimer(peer);
-        connect(patience, SIGNAL(timeout()), peer, SLOT(deleteLater()));
-        patience->start(peerTimeoutMs);
+        auto *timeout = new QTimer(peer);
+        connect(timeout, SIGNAL(timeout()), peer, SLOT(deleteLater()));
+        timeout->start(peerTimeoutMs);
         readFrom(peer);
     }
 }
@@ -184,5 +185,5 @@ void SingleInstanceChannel::readFrom(QLocalSocket *peer)
     peer->flush();
     peer->disconnectFromServer();
     emit messageReceived(QString::fromUtf8(
-        text.constData(), text.size())); // last: a receiver may run an event loop, in which the peer goes
+        text.constData(), text.size())); // last: a receiver may run an event loop, which may delete the peer
 }

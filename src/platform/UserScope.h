@@ -3,7 +3,7 @@
 #include <QString>
 
 /// \file
-/// What separates the processes of one user from those of others on the same machine.
+/// Names that separate the processes of one user from those of other users on the same machine.
 
 /// A short text that differs between users, fit for a file name.
 [[nodiscard]] QString userId();

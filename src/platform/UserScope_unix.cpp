@@ -11,8 +11,8 @@ QString userId()
 
 QString userRuntimeFolder()
 {
-    // Empty where the folder belongs to somebody else; the temporary folder is shared, but nobody's locks hold there
-    // for longer than their process lives.
+    // Empty where the folder belongs to another user. The temporary folder is shared, but a lock in it is valid only
+    // as long as its process lives.
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
     return folder.isEmpty() ? QStandardPaths::writableLocation(QStandardPaths::TempLocation) : folder;
 }

@@ -7,7 +7,7 @@
 
 QString userId()
 {
-    // A user who is logged on twice has two desktops, and a window of one cannot be brought up from the other.
+    // A user who is logged on twice has two desktops, and one desktop cannot show a window of the other.
     DWORD session = 0;
     ProcessIdToSessionId(GetCurrentProcessId(), &session);
     const QString name = qEnvironmentVariable("USERNAME");

@@ -11,7 +11,7 @@ namespace
 enum class Use
 {
     Always,
-    WhereMissing ///< the system's own font of that name goes first
+    WhereMissing ///< the system's own font of that name has priority
 };
 
 struct Substitution
@@ -28,7 +28,7 @@ constexpr Substitution kSubstitutions[] = {
     { "Space Age",      "Ovryn Wide",       Use::Always },
     { "Tessmar_KuHei",  "Ovryn Hei",        Use::Always },
     { "Arial",          "Ovryn Sans",       Use::WhereMissing },
-    // A system that isn't Chinese lists the same font under its Latin name.
+    // A system in another language lists the same font under its Latin name.
     { "微软雅黑",        "Microsoft YaHei",  Use::WhereMissing },
     { "微软雅黑",        "Ovryn Hei",        Use::WhereMissing },
 };

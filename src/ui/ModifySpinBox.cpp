@@ -6,7 +6,7 @@
 namespace
 {
 
-/// The second range holds the codes that a desktop's native keyboard gives to the digits of the numeric pad.
+/// The second range holds the native virtual-key codes of the numeric pad's digits.
 bool isDigitKey(int key)
 {
     return (key >= 0x30 && key <= 0x39) || (key >= 0x60 && key <= 0x69);
@@ -26,7 +26,7 @@ void ModifySpinBox::keyPressEvent(QKeyEvent *event)
     if (isDigitKey(event->key())) {
         if (lineEdit()->hasSelectedText())
             lineEdit()->backspace();
-        // The digit counts as typed at the end, wherever the cursor stands.
+        // The digit counts as typed at the end, wherever the cursor is.
         if ((text() + event->text()).toLongLong() >= maximum()) {
             setValue(maximum());
             const int length = text().length();

@@ -11,8 +11,8 @@ namespace
 
 const QColor kPopupGlassColor(16, 3, 6, 235);
 
-/// The style sheet makes the list clear, and the popup's window takes its palette from the clear box: the list
-/// paints the dark glass behind its items itself.
+/// The style sheet makes the list transparent, and the popup's window takes its palette from the transparent box. So
+/// the list itself paints the dark background of its items.
 class GlassListView : public QListView
 {
 public:

@@ -2,7 +2,8 @@
 
 #include "ui/SettledComboBox.h"
 
-/// The card selector of the main dialog: a clear box with a list of its own. One entry opens no list.
+/// The card selector of the main dialog: a transparent box with a list of its own style. A box with one entry opens
+/// no list.
 class Ovryn_ComboBox : public SettledComboBox
 {
     Q_OBJECT

@@ -13,7 +13,7 @@ inline LanguageType languageNumberOf(const QString &languageSetting)
     return languageSetting == QLatin1String("lang_ch") ? kLanguageChinese : kLanguageEnglish;
 }
 
-// One group of texts for each page, handed to it by value. Field order is the order of the table.
+// One group of texts for each page, which gets it by value. The order of the fields is the order of the table.
 
 struct Lang_MainDialog
 {
@@ -59,7 +59,7 @@ struct Lang_Setting
     QString liveUpdate;
     QString updateFrequency;
     QString downloadAndInstall;
-    QString downloadAndAsk; ///< held for a third update choice; no control shows it
+    QString downloadAndAsk; ///< for a third update choice; no control shows it
     QString notifyOnly;
     QString refreshFrequency;
     QString detectUpdate;

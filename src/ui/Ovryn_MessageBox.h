@@ -8,8 +8,8 @@ class QCheckBox;
 class QLabel;
 class QPushButton;
 
-/// The modal box of the program: dark glass with a red edge, one or two buttons and, where wanted, the check
-/// box "Don't show again.". A local object for one exec(), which gives a Result, or 0 when Escape closed it.
+/// The modal box of the program: dark glass with a red edge, one or two buttons and optionally the check box "Don't
+/// show again.". A local object for one exec(), which returns a Result, or 0 when Escape closed it.
 class Ovryn_MessageBox : public QDialog
 {
     Q_OBJECT

@@ -4,7 +4,7 @@
 
 #include <QPixmap>
 
-/// The message box with a picture behind it, whose size it takes: the prompt of the high-performance mode.
+/// The message box with a background picture, whose size it takes: the prompt of the high-performance mode.
 class Ovryn_MessageBox1 : public Ovryn_MessageBox
 {
     Q_OBJECT

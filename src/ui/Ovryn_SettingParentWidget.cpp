@@ -13,8 +13,8 @@ constexpr int kPixelsPerTick = 30;
 
 } // namespace
 
-// The page's signals are connected last: what the stored settings select in its lists is no choice of the user's,
-// and the main dialog hears nothing of it.
+// The page's signals are connected last: the stored settings select entries of its lists, and the main dialog must
+// not take that for a choice by the user.
 Ovryn_SettingParentWidget::Ovryn_SettingParentWidget(const GeneralSettingInfo &general,
                                                      const UpdateSettingInfo &update, QWidget *parent)
     : QWidget(parent), settingWidget(new Ovryn_SettingWidget(this)), slideTimer(this)

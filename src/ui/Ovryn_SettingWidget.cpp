@@ -57,7 +57,7 @@ Ovryn_SettingWidget::Ovryn_SettingWidget(QWidget *parent)
 
 void Ovryn_SettingWidget::fillLists()
 {
-    // Each language stands under its own name in either language of the interface.
+    // Each language is listed under its own name in either language of the interface.
     ui.cmb_language->addItem(QStringLiteral("简体中文"), QStringLiteral("lang_ch"));
     ui.cmb_language->addItem(QStringLiteral("English"), QStringLiteral("lang_en"));
     ui.cmb_PageEffect->addItem(QString(), QStringLiteral("normal"));

@@ -7,8 +7,8 @@
 #include <QPixmap>
 #include <QWidget>
 
-/// The page of program-wide settings. It shows two records, gives them back, and says by signal when a choice
-/// that counts at once has changed; nothing here touches the file. Owned by the settings panel; GUI thread.
+/// The page of program-wide settings. It shows two records, returns them, and emits a signal for a choice that takes
+/// effect at once. It does not access the file. Owned by the settings panel; GUI thread.
 class Ovryn_SettingWidget : public QWidget
 {
     Q_OBJECT
@@ -17,8 +17,8 @@ public:
     explicit Ovryn_SettingWidget(QWidget *parent = nullptr);
 
     void getGeneralSetting(GeneralSettingInfo &info);       ///< as the controls show it
-    void getUpdateSetting(UpdateSettingInfo &info);         ///< UpdateMode is 0 or 2; UpdateStatus as it came in
-    void setGeneralSetting(const GeneralSettingInfo &info); ///< a value that no list holds selects nothing new
+    void getUpdateSetting(UpdateSettingInfo &info);         ///< UpdateMode is 0 or 2; UpdateStatus as it was set
+    void setGeneralSetting(const GeneralSettingInfo &info); ///< a value that is in no list changes no selection
     void setUpdateSetting(const UpdateSettingInfo &info);
     void setLanguage(Lang_Setting group, LanguageType number); ///< changes captions, never a selection
 

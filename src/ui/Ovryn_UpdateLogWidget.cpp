@@ -27,7 +27,8 @@ Ovryn_UpdateLogWidget::Ovryn_UpdateLogWidget(int language, QWidget *parent) : QD
     setAttribute(Qt::WA_TranslucentBackground);
     build();
     resize(kDialogSize);
-    if (parent) // over its middle: left to itself, a dialog makes room for a frame that this one has not
+    if (parent) // over its middle: a dialog would otherwise leave room for a window frame, which this one does not
+                // have
         move(parent->window()->geometry().center() - rect().center());
     pushButton->setText(language == kLanguageEnglish ? QStringLiteral("Close") : QStringLiteral("关闭"));
     loadText(language);
@@ -58,8 +59,8 @@ void Ovryn_UpdateLogWidget::build()
     verticalLayout->addLayout(horizontalLayout);
 }
 
-// Here only number 1 is English: the dialog falls back to Chinese where the rest of the interface falls back
-// to English.
+// Here only number 1 is English: for any other number this dialog is Chinese, although the rest of the interface is
+// English then.
 void Ovryn_UpdateLogWidget::loadText(LanguageType language)
 {
     QFile file(language == kLanguageEnglish ? QStringLiteral("updateLog/english.txt")

@@ -80,7 +80,7 @@ void PageFrame::paintBandVersion(QPainter &painter, QFont font, int bandHeight, 
                                  const QString &text)
 {
     painter.setRenderHint(QPainter::TextAntialiasing);
-    font.setPixelSize(std::max(1, bandHeight / 2)); // a font of 0 pixels is none
+    font.setPixelSize(std::max(1, bandHeight / 2)); // a font of 0 pixels is invalid
     painter.setFont(font);
     painter.setPen(Qt::white);
     painter.drawText(rect, Qt::AlignLeft | Qt::AlignVCenter, text);

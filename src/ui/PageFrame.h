@@ -12,8 +12,8 @@
 
 class QPainter;
 
-/// What the side pages share: the glass with the cut corner, the header band, the red rule under it
-/// and the fonts. Free functions, GUI thread.
+/// The common parts of the side pages: the glass with the cut corner, the header band, the red rule under it and the
+/// fonts. Free functions, GUI thread.
 namespace PageFrame
 {
 
@@ -26,13 +26,13 @@ QString fontFamily(LanguageType language);
 /// The cut corner begins at this part of the width and of the height.
 constexpr double kCutStart = 0.9;
 
-/// The whole rectangle less the triangle (0.9W, H), (W, H), (W, 0.9H).
+/// The whole rectangle without the triangle (0.9W, H), (W, H), (W, 0.9H).
 QPainterPath cutCornerPath(QSize size);
 
 /// Pixel size of a band's title: (W/3)/4, or the band's height / 1.5 when that is smaller.
 int titlePixelSize(QSize size, int bandHeight);
 
-/// The LED and LCD pages leave the red rule under the band out.
+/// The LED and LCD pages have no red rule under the band.
 enum class BandRule
 {
     Drawn,

@@ -3,7 +3,7 @@
 #include <QColor>
 #include <QString>
 
-/// The two reds of the program, in which painters and style sheets differ only by the transparency.
+/// The two reds of the program. Painters and style sheets use them with different transparency.
 namespace Reds
 {
 
@@ -19,8 +19,8 @@ constexpr QColor gauge(int alpha = 255)
     return {236, 9, 40, alpha};
 }
 
-/// A style sheet with the numbers of a red in each place of "@glass" and "@gauge", so that "rgba(@glass,130)" becomes
-/// "rgba(252,10,53,130)". Between two numbers stands `separator`.
+/// Replaces "@glass" and "@gauge" in a style sheet by the numbers of that red, so that "rgba(@glass,130)" becomes
+/// "rgba(252,10,53,130)". `separator` goes between two numbers.
 QString inSheet(QString sheet, const QString &separator = QStringLiteral(","));
 
 } // namespace Reds

@@ -57,7 +57,7 @@ void RollStackWidget::setCurrentWidget(QWidget *widget)
 void RollStackWidget::onSettingTimerTimeout()
 {
     if (previousWidget) {
-        oldX = std::max(oldX - kPixelsPerTick, -width()); // held: the timer may run on for days
+        oldX = std::max(oldX - kPixelsPerTick, -width()); // limited: the timer may run for days
         if (oldX <= -width()) {
             previousWidget->hide();
             previousWidget->move(restX, oldY);
@@ -72,7 +72,7 @@ void RollStackWidget::onSettingTimerTimeout()
 
     const bool oldIsOut = !previousWidget || oldX <= -width();
     const bool nothingMoves = !previousWidget && !currentWidget;
-    // A new page that was cleared in mid-slide never arrives: the timer then runs until the next change of page.
+    // A page that is cleared during its slide never arrives: the timer then runs until the next change of page.
     if (nothingMoves || (oldIsOut && newX <= restX)) {
         previousWidget = nullptr;
         rollTimer.stop();

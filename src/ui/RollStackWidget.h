@@ -4,9 +4,9 @@
 #include <QTimer>
 #include <QWidget>
 
-/// A stack of pages that changes page by sliding the old one out to the left and the new one in from the
-/// right, with a gap of a third of the width between them. The pages become its children; the main dialog
-/// deletes them. GUI thread; nothing here fails.
+/// A stack of pages that changes page by sliding the old one out to the left and the new one in from the right, with
+/// a gap of a third of the width between them. The pages become its children; the main dialog deletes them. GUI
+/// thread; no operation fails.
 class RollStackWidget : public QWidget
 {
     Q_OBJECT

@@ -20,7 +20,7 @@ namespace
 
 constexpr int kTitleBandHeight = 46; // the band that the page's picture shows
 constexpr int kSideMargin = 26;
-constexpr int kBottomMargin = 20; // clear of the picture's cut corner
+constexpr int kBottomMargin = 20; // pixels, above the picture's cut corner
 constexpr int kIndent = 11;       // of a group's controls against its title
 constexpr int kGroupGap = 10;
 constexpr int kRowGap = 6;
@@ -94,7 +94,7 @@ void SettingPageUi::makeControls(QWidget *page)
     btnUpdateLog = named(new QPushButton(page), "btnUpdateLog");
     btnDetectUpdate->setFixedHeight(kButtonHeight);
     btnUpdateLog->setFixedHeight(kButtonHeight);
-    // The look of the focus is for the keyboard: a click leaves none behind.
+    // The focus frame is for the keyboard: a click gives no focus.
     for (QAbstractButton *button : std::initializer_list<QAbstractButton *>{
              ckb_StartOnBoot, ckb_MinimizeOnStart, ckb_ApplyLastSettingOnStart, rdb_AutomaticDownloadAndInstall,
              rdb_TellMeButDoNotDownload, btnDetectUpdate, btnUpdateLog})

@@ -7,8 +7,8 @@ class QPushButton;
 class QRadioButton;
 class QWidget;
 
-/// The controls of the settings page, made and laid out for the page's size. They are the page's children and
-/// bear their field's name as object name. Captions come later, with the language.
+/// The controls of the settings page, made and laid out for the page's size. They are the page's children, and their
+/// object names are the names of their fields. The page's `setLanguage` sets the captions.
 struct SettingPageUi
 {
     void build(QWidget *page);

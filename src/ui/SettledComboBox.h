@@ -2,8 +2,8 @@
 
 #include <QComboBox>
 
-/// A combo box that looks where the mouse is when its list closes. The list has the mouse while it is open, so the
-/// box is never told that the pointer has left it, and would stay lit after a choice.
+/// A combo box that checks the mouse position when its list closes. The open list gets all mouse events, so the box
+/// never notices that the pointer has left it, and would stay highlighted after a choice.
 class SettledComboBox : public QComboBox
 {
 public:

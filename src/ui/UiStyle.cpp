@@ -28,7 +28,7 @@ QString checkBoxIndicator()
         "QCheckBox::indicator:checked:hover{image:url(:/images/images/messageBox/hover_checked.png);}");
 }
 
-/// White frames; the pressed and hovered captions shrink and grow by a pixel around the usual 12.
+/// White frames; a pressed caption is a pixel smaller and a hovered one a pixel larger than the usual 12.
 QString settingButton()
 {
     return Reds::inSheet(

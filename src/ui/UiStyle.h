@@ -18,8 +18,8 @@ QString radioButtonIndicator();
 QString smallCheckBoxIndicator(); ///< the red one of the side pages, 14 by 14 pixels
 QString radioButtons();           ///< indicator and text of the side pages' radios
 QString numberBoxes();            ///< for every ModifySpinBox below a widget
-QString numberBoxButtons(); ///< its arrows, where the box is wide enough for them; their width comes from the page
-QString actionButton();     ///< Apply, Cancel and Default of the side pages
+QString numberBoxButtons();       ///< its arrows, for a box that is wide enough; the page sets their width
+QString actionButton();           ///< Apply, Cancel and Default of the side pages
 
 /// The glass of the message boxes and of the update log dialog: dark, round corners, red edge.
 void paintDialogGlass(QPainter &painter, QSize size);

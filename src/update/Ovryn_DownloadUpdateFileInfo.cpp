@@ -42,7 +42,7 @@ void Ovryn_DownloadUpdateFileInfo::startDownload()
         emit downloadFinished(false); // still Running, on purpose
         return;
     }
-    // A link counts, too, be it a dangling one: written through, it would lead out of the folder.
+    // A link is removed too, also a dangling one: a write through it could leave the folder.
     const QFileInfo earlier(savePath);
     if ((earlier.exists() || earlier.isSymLink()) && !QFile::remove(savePath)) {
         fail();
@@ -68,7 +68,7 @@ void Ovryn_DownloadUpdateFileInfo::httpReadyRead()
     if (!reply || !file)
         return;
     const QByteArray data = reply->readAll();
-    // What the reader would refuse, an answer without an end for one, need not be fetched; nor what has no room.
+    // The reader would refuse a larger manifest, and a response may have no end.
     if (file->pos() + data.size() > kManifestBytesMax || file->write(data) != data.size())
         reply->abort(); // finishes it, with an error
 }

@@ -10,8 +10,8 @@ class QNetworkReply;
 /// Fetches the update manifest into the folder temp of the current folder.
 ///
 /// One lives as long as the main dialog and serves every check. GUI thread; data come through its event loop and go
-/// to the disk as they arrive. It has no time-out and tries nothing twice. A download that fails leaves no manifest
-/// behind, not the earlier one either; nothing here tells the user, all there is is `downloadFinished(false)`.
+/// to the disk as they arrive. It has no time-out and no retry. A failed download leaves no manifest on the disk, not
+/// the earlier one either. The user sees no message; only `downloadFinished(false)` reports the failure.
 class Ovryn_DownloadUpdateFileInfo : public QObject
 {
     Q_OBJECT
@@ -29,7 +29,7 @@ public:
     ~Ovryn_DownloadUpdateFileInfo() override;
 
     /// Starts a download, unless one is running. Where the folder temp can't be made, the object counts as running
-    /// for the rest of its life: this and every later call come to nothing until the program restarts.
+    /// for the rest of its life: this and every later call do nothing until the program restarts.
     void startDownload();
 
     [[nodiscard]] int currentState() const { return state; } ///< a value of State
@@ -40,9 +40,9 @@ public slots:
     void httpReadyRead();
 
 signals:
-    /// True: an answer without an error is on the disk, be it a manifest or not; a redirect counts as such an answer
-    /// and is not followed. False also where the disk did not take all of it, and where it is larger than
-    /// `kManifestBytesMax`: such an answer is broken off.
+    /// True: a response without an error is on the disk, whether or not it is a manifest; a redirect counts as such a
+    /// response and is not followed. False also when the disk did not take all of it, and when it is larger than
+    /// `kManifestBytesMax`: such a response is cut off.
     void downloadFinished(bool complete);
 
 private:

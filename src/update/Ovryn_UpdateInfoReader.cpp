@@ -44,7 +44,7 @@ bool Ovryn_UpdateInfoReader::read(QString path)
     return valid;
 }
 
-/// False for what is no XML, which leaves its error, and for XML that is no manifest.
+/// False for a text that is no XML, with the error, and for XML that is no manifest.
 bool Ovryn_UpdateInfoReader::parse(const QByteArray &bytes)
 {
     XmlError error;

@@ -21,10 +21,9 @@ constexpr int kManifestEqualsSignsMax = 1000000;
 
 /// The update manifest as plain fields. A local object of the function that needs it; GUI thread.
 ///
-/// The manifest comes from the network, so that any bytes may stand in it. What is larger than the bounds above, or
-/// than those of `walkXml` (a million files listed, for one: it has more elements than are accepted), counts as
-/// failing to parse. After a failure every text and the list are empty, which offers no new version; that is why
-/// callers need not look at the result.
+/// The manifest comes from the network, so it may hold any bytes. A manifest beyond the bounds above, or beyond those
+/// of `walkXml` (a list of a million files, for example), counts as a parse failure. After a failure every text and
+/// the list are empty, which offers no new version; so callers need not check the result.
 class Ovryn_UpdateInfoReader
 {
 public:
@@ -34,7 +33,7 @@ public:
     [[nodiscard]] QList<UpdateFileInfo> getFileInfos() const { return fileInfos; }
     [[nodiscard]] QString getServerAddress() const { return serverAddress; }
     [[nodiscard]] QString getCurrentVersion() const { return currentVersion; } ///< the newest there is
-    /// From this version on no program older than it can be updated by the updater.
+    /// The updater can't update a program that is older than this version.
     [[nodiscard]] QString getManualDownloadVersion() const { return manualDownloadVersion; }
 
     [[nodiscard]] bool isValid() const { return valid; }

@@ -23,9 +23,9 @@ UpdateAction decideUpdate(UpdateTrigger trigger, int updateMode, const QString &
 {
     const bool manual = trigger == UpdateTrigger::Manual;
     if (!isNewerVersion(currentVersion, own))
-        return manual ? UpdateAction::TellLatest : UpdateAction::Nothing;
+        return manual ? UpdateAction::ReportLatest : UpdateAction::Nothing;
     if (isNewerVersion(manualDownloadVersion, own))
-        return UpdateAction::TellTooOld;
+        return UpdateAction::ReportTooOld;
     const bool asks = manual || updateMode == kUpdateModeAsk || updateMode == kUpdateModeNotify;
     return asks ? UpdateAction::AskThenUpdate : UpdateAction::Update;
 }

@@ -27,13 +27,13 @@ enum class UpdateTrigger
 enum class UpdateAction
 {
     Nothing,
-    TellTooOld,    ///< the user has to fetch the new version by hand
-    AskThenUpdate, ///< hand over to the updater on a yes
-    Update,        ///< hand over to the updater without a question
-    TellLatest,    ///< clear temp, then say that there is nothing newer
+    ReportTooOld,  ///< the user has to fetch the new version himself
+    AskThenUpdate, ///< start the updater after a yes
+    Update,        ///< start the updater without a question
+    ReportLatest,  ///< clear temp, then say that there is nothing newer
 };
 
-/// `updateMode` is the stored choice: 1 and 2 ask, every other value doesn't. A check by the user always asks, and it
-/// alone says so when there is nothing new.
+/// `updateMode` is the stored choice: 1 and 2 ask, every other value doesn't. A check by the user always asks, and
+/// only that check reports that there is nothing new.
 [[nodiscard]] UpdateAction decideUpdate(UpdateTrigger trigger, int updateMode, const QString &currentVersion,
                                         const QString &manualDownloadVersion, const QString &own = ownVersion());

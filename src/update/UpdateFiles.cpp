@@ -19,7 +19,7 @@ const char *const kUpdaterFileName = "OvrynUpdate.exe"; // in the manifest, on e
 
 bool isInside(const QString &canonicalPath, const QString &canonicalFolder)
 {
-    if (canonicalPath.isEmpty() || canonicalFolder.isEmpty()) // there is no such path
+    if (canonicalPath.isEmpty() || canonicalFolder.isEmpty()) // one of the paths does not exist
         return false;
     const bool isRoot = canonicalFolder.endsWith(QLatin1Char('/'));
     return canonicalPath.startsWith(isRoot ? canonicalFolder : canonicalFolder + QLatin1Char('/'));
@@ -29,7 +29,7 @@ bool isInside(const QString &canonicalPath, const QString &canonicalFolder)
 /// among its parents are resolved.
 bool wouldLieInside(const QString &path, const QString &canonicalFolder)
 {
-    // The parents that are missing will be made as plain folders; a link into nothing is no missing one.
+    // Missing parents will be made as plain folders. A dangling link does not count as missing.
     QFileInfo parent(QFileInfo(path).path());
     while (!parent.exists() && !parent.isSymLink() && !parent.isRoot())
         parent.setFile(parent.path());
@@ -43,7 +43,7 @@ bool isLink(const QFileInfo &info)
     return info.isSymLink() || info.isJunction();
 }
 
-/// True where the archive holds that file as a link, which would be made as such and lead anywhere.
+/// True when the archive holds that file as a link. It would be extracted as a link, with any target.
 bool isLinkInArchive(const QString &zipPath, const QString &fileName)
 {
     QuaZip archive(zipPath);
@@ -68,7 +68,7 @@ QString updaterProgram(const QString &programFolder)
 
 void clearFolder(const QString &path)
 {
-    if (isLink(QFileInfo(QDir::cleanPath(path)))) // with a slash behind it, the link would count as its target
+    if (isLink(QFileInfo(QDir::cleanPath(path)))) // with a slash at the end, the link would count as its target
         return;
     const QFileInfoList entries =
         QDir(path).entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
@@ -84,7 +84,7 @@ void clearFolder(const QString &path)
     }
 }
 
-void takeOutUpdater(const QList<UpdateFileInfo> &fileInfos)
+void extractUpdater(const QList<UpdateFileInfo> &fileInfos)
 {
     const QString updater = QString::fromLatin1(kUpdaterFileName);
     const auto entry = std::find_if(fileInfos.cbegin(), fileInfos.cend(),
@@ -99,14 +99,14 @@ void takeOutUpdater(const QList<UpdateFileInfo> &fileInfos)
         QFileInfo(QString::fromLatin1(kUpdateFolder) + QLatin1Char('/') + entry->fileVersion + QStringLiteral(".zip"))
             .canonicalFilePath(); // empty where there is none
     const QString target = QDir::cleanPath(folder.absoluteFilePath(entry->fileDir + entry->fileName));
-    // By its text first: looking for the parents of a path elsewhere can ask a stranger's computer for them, or, on a
-    // drive that is not there, have no end.
+    // Compares the texts first: a search for the parents of a path elsewhere may access another computer, or never
+    // end on a drive that does not exist.
     if (zipPath.isEmpty() || !isInside(zipPath, temp) || !isInside(target, installation) ||
         !wouldLieInside(target, installation))
         return;
 
     QFile::remove(target);
-    // A link that stays would lead the new file anywhere.
+    // Through a link that stays the new file could go anywhere.
     if (!isLink(QFileInfo(target)) && !isLinkInArchive(zipPath, updater))
         JlCompress::extractFile(zipPath, updater, target);
     QFile::remove(zipPath);

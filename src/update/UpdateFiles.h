@@ -8,12 +8,12 @@
 
 /// \file
 /// The files of an update. Relative paths are those of the current folder, which is the installation folder. Nothing
-/// here tells of a failure: what can't be removed or taken out is left as it is.
+/// here reports a failure: a file that can't be removed or extracted is left as it is.
 
 constexpr const char *kUpdateFolder = "temp";
 constexpr const char *kManifestPath = "temp/update_info.xml";
 
-/// What the two programs pass each other as the first argument.
+/// The first argument of the two programs when one starts the other.
 constexpr const char *kCalledByProgram = "_OvrynDeck2";
 constexpr const char *kCalledByUpdater = "_OvrynUpdate";
 
@@ -24,17 +24,17 @@ constexpr const char *kCalledByUpdater = "_OvrynUpdate";
 /// the system looks up in its own way. (On Windows that search begins beside the program, elsewhere it never does.)
 [[nodiscard]] QString updaterProgram(const QString &programFolder);
 
-/// Removes everything in the folder, hidden files too, and leaves the folder itself. A link in it is a file: it
-/// is removed and never gone into. A folder that is a link itself stays as it is: what it leads to may be anybody's.
-/// What can't be removed is skipped.
+/// Removes everything in the folder, hidden files too, and leaves the folder itself. A link in it counts as a file:
+/// only the link is removed. A folder that is a link itself stays as it is: its target may belong to another program.
+/// A file that can't be removed is skipped.
 void clearFolder(const QString &path);
 
-/// Puts a new updater in place: a program can't replace its own running file, so the updater leaves its successor as
-/// the archive temp/VERSION.zip and this program takes it out. Only the first entry of that file counts. The old one
-/// goes before the archive is opened, and the archive goes in any case.
+/// Installs a new updater: a program can't replace its own running file, so the updater leaves its new version as the
+/// archive temp/VERSION.zip, and this program extracts it. Only the first entry for the updater in `fileInfos`
+/// counts. The old updater is removed before the archive is opened, and the archive is removed in any case.
 ///
 /// `fileInfos` come from the network. Inside the installation they are followed to the letter, but nothing outside is
 /// ever read, removed or written by them: an entry whose archive is not in temp, or whose target is not in the
 /// installation folder, is passed over, both as the path reads and with links resolved. Of the archive only the entry
 /// of exactly the updater's name is taken out, to the target and nowhere else, and not where it is a link.
-void takeOutUpdater(const QList<UpdateFileInfo> &fileInfos);
+void extractUpdater(const QList<UpdateFileInfo> &fileInfos);

@@ -2,13 +2,13 @@
 
 #include <QString>
 
-/// Scheme and host of the update server, with no slash behind: the build option OVRYN_UPDATE_HOST.
+/// Scheme and host of the update server, without a slash at the end: the build option OVRYN_UPDATE_HOST.
 ///
-/// Plain HTTP unless the option names another scheme: the manifest is public, nothing that comes over this
-/// connection is run by this program, and a program without a TLS library beside it could never ask. What the
-/// separate updater fetches afterwards is the updater's to check. A manifest from a stranger can at worst offer a
-/// version that is none or hide one; see UpdateFiles.h for what it can't reach.
+/// Plain HTTP unless the option names another scheme: the manifest is public, nothing that comes over this connection
+/// is run by this program, and a program without a TLS library could never ask. The separate updater checks what it
+/// fetches afterwards. A forged manifest can at worst offer a version that does not exist or hide one; UpdateFiles.h
+/// says what it can't reach.
 ///
-/// Alone in its source, so that a test program that defines this function itself brings its own server; the shipped
+/// The function has a source of its own, so that a test program can define it and use its own server. The shipped
 /// program has no switch for it.
 [[nodiscard]] QString updateServer();

@@ -7,9 +7,9 @@
 namespace
 {
 
-std::atomic<int> leftBehindCount{0};
+std::atomic<int> abandonedWorkers{0};
 
-std::atomic<unsigned long> patienceMs{WorkerThread::kCycleWaitMs};
+std::atomic<unsigned long> currentCycleWaitMs{WorkerThread::kCycleWaitMs};
 
 } // namespace
 
@@ -37,7 +37,7 @@ void WorkerThread::startThreadUnderMutex()
     if (!stopped)
         return;
     if (leaving) {
-        wait(); // start() does nothing while the thread is on its way out
+        wait(); // start() does nothing while the thread is ending
         leaving = false;
     }
     {
@@ -58,7 +58,7 @@ void WorkerThread::requestEnd()
 {
     const std::lock_guard<std::mutex> guard(endLock);
     if (!endRequested)
-        cycleDeadline.setRemainingTime(qint64(patienceMs.load()));
+        cycleDeadline.setRemainingTime(qint64(currentCycleWaitMs.load()));
     endRequested = true;
     endWanted.notify_all();
 }
@@ -85,7 +85,7 @@ void WorkerThread::leaveLoop()
 
 void WorkerThread::giveUpLoop()
 {
-    // The thread cleans up behind itself in destructors, and one of those that is unwound takes the process along.
+    // A terminated thread unwinds its stack, and a destructor that is interrupted so ends the whole process.
     setTerminationEnabled(false);
     leaving = true;
 }
@@ -107,16 +107,16 @@ bool WorkerThread::endsInTime()
     return waitForLoop(kCycleWaitMs, kEndWaitMs);
 }
 
-void WorkerThread::setPatience(unsigned long cycleWaitMs)
+void WorkerThread::setCycleWait(unsigned long cycleWaitMs)
 {
-    patienceMs = cycleWaitMs;
+    currentCycleWaitMs = cycleWaitMs;
 }
 
 bool WorkerThread::tryToEnd(unsigned long cycleWaitMs, unsigned long waitMs)
 {
     waitForLoop(cycleWaitMs, waitMs);
     terminate();                     // does nothing to a thread that has returned
-    return wait(kTerminationWaitMs); // terminate() only asks: a thread inside a system call may never hear it
+    return wait(kTerminationWaitMs); // terminate() only asks: a thread inside a system call may never notice it
 }
 
 void WorkerThread::endThread(unsigned long waitMs)
@@ -133,11 +133,11 @@ bool WorkerThread::endAndDelete(WorkerThread *worker, unsigned long cycleWaitMs)
     }
     worker->abandoned = true;
     worker->setParent(nullptr);
-    ++leftBehindCount;
+    ++abandonedWorkers;
     return false;
 }
 
-int WorkerThread::leftBehind()
+int WorkerThread::abandonedCount()
 {
-    return leftBehindCount;
+    return abandonedWorkers;
 }

@@ -9,8 +9,8 @@
 #include <condition_variable>
 #include <mutex>
 
-/// The shape of every worker thread: a mutex that the loop holds through each cycle and frees only for its sleep, and
-/// a flag that is true while no loop is to run.
+/// The base of every worker thread: a mutex that the loop holds through each cycle and frees only for its sleep, and
+/// a flag that is true while no loop should run.
 ///
 /// A worker derives from this, writes its loop in `run()` (mutex first, see `stopped`, `pause` and `leaveLoop`) and
 /// calls `endThread` in its own destructor: the loop uses the worker's members, so it must be over before
@@ -21,35 +21,36 @@ public:
     explicit WorkerThread(QObject *parent = nullptr);
     ~WorkerThread() override;
 
-    /// True when no loop runs or the loop was told to end. Waits for a running cycle.
+    /// True when no loop runs or the loop was asked to end. Waits for a running cycle.
     [[nodiscard]] bool isStopped();
 
     /// Asks the loop to end and wakes it from its pause; waits for nothing. The owner of several workers asks all of
-    /// them first, so that their last cycles run side by side: the patience with a cycle counts from the first
-    /// request. A start takes the request back.
+    /// them first, so that their last cycles run in parallel: the time limit of a cycle counts from the first
+    /// request. A start cancels the request.
     void requestEnd();
 
-    /// Requests the end and waits for it. False where a cycle takes longer than the patience allows, or the thread
+    /// Requests the end and waits for it. False when a cycle takes longer than its time limit, or the thread needs
     /// longer than kEndWaitMs to leave its loop.
     bool endsInTime();
 
-    /// Deletes the worker, or leaves it behind where its thread can't be ended because a call of the driver never
-    /// returns: the worker then stays alive for its thread, without a parent, until the process ends. False in that
-    /// case. Takes what is left of the patience, at most `cycleWaitMs`, for a cycle that doesn't end, and kEndWaitMs
-    /// and kTerminationWaitMs at most.
+    /// Deletes the worker, or abandons it when its thread can't be ended because a driver call never returns: the
+    /// worker then stays alive for its thread, without a parent, until the process ends. False in that case. For a
+    /// cycle that doesn't end it waits for the rest of the time limit, at most `cycleWaitMs`, then at most kEndWaitMs
+    /// and kTerminationWaitMs.
     static bool endAndDelete(WorkerThread *worker, unsigned long cycleWaitMs = kCycleWaitMs);
 
-    /// How long a cycle under way is waited for from now on, kCycleWaitMs unless this was called. For an end that the
-    /// system demands and gives only seconds for.
-    static void setPatience(unsigned long cycleWaitMs);
+    /// Sets how long an end waits for a running cycle from now on; kCycleWaitMs unless this was called. For an end
+    /// that the system demands within seconds.
+    static void setCycleWait(unsigned long cycleWaitMs);
 
-    /// How many workers of this process were left behind. While there is one, its thread may wake up at any time, so
-    /// the process must end without destroying its static objects.
-    [[nodiscard]] static int leftBehind();
+    /// How many workers of this process were abandoned. Such a worker's thread may continue at any time, so the
+    /// process must then end without destroying its static objects.
+    [[nodiscard]] static int abandonedCount();
 
-    /// For a cycle under way: a slow driver is waited for, since ending a thread inside it is the last resort.
+    /// For a running cycle. The limit is long for the sake of a slow driver: to end a thread inside it is the last
+    /// resort.
     static constexpr unsigned long kCycleWaitMs = 20000;
-    static constexpr unsigned long kEndWaitMs = 2000;         ///< for a loop that was told to end
+    static constexpr unsigned long kEndWaitMs = 2000;         ///< for a loop that was asked to end
     static constexpr unsigned long kTerminationWaitMs = 1000; ///< for a thread that was terminated
 
 protected:
@@ -68,19 +69,19 @@ protected:
     /// drive the clock, and then calls endThread in its own destructor.
     virtual bool pause(QMutexLocker &held, unsigned int ms);
 
-    /// True for a worker that was left behind in a cycle: whatever it orders now comes after the end of its owner.
+    /// True for a worker that was abandoned during a cycle: whatever it orders now comes after the end of its owner.
     [[nodiscard]] bool isAbandoned() const { return abandoned; }
 
-    /// What a loop does last, with the mutex held, when it ends by itself or was told to: from here to its end the
-    /// thread takes the mutex no more, a start waits for that end, and nothing ends it by force.
+    /// The last step of a loop, with the mutex held, when it ends by itself or was asked to. After it the thread does
+    /// not take the mutex again, a start waits for the thread's end, and nothing ends it by force.
     void leaveLoop();
 
     /// The same for a loop that gives up: `stopped` stays unset, so that a start does nothing until a stop.
     void giveUpLoop();
 
     /// Sets `stopped` after a cycle under way, waits at most `waitMs`, and then terminates the thread whether or not
-    /// it has ended by itself. A destructor can leave the thread to nobody, so it waits without limit for a thread
-    /// that can't be ended: an owner to whom that matters uses endAndDelete.
+    /// it has ended by itself. A destructor can't abandon the thread, so it waits without limit for a thread that
+    /// can't be ended: an owner that must not block uses endAndDelete.
     void endThread(unsigned long waitMs = kEndWaitMs);
 
     QMutex mutex;        ///< taken before any lock of the device object, never after it
@@ -95,5 +96,5 @@ private:
     std::mutex endLock; ///< taken for a moment only; in the loop's thread never while it waits for `mutex`
     std::condition_variable endWanted;
     bool endRequested = false;    ///< guarded by endLock
-    QDeadlineTimer cycleDeadline; ///< of the patience with a cycle, from the first request on; owner's thread only
+    QDeadlineTimer cycleDeadline; ///< the time limit of a cycle, from the first request on; owner's thread only
 };

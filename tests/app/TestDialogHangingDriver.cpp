@@ -8,7 +8,7 @@
 
 /// The end of the dialog while a call of the driver hangs in a way that nothing can end.
 ///
-/// A program of its own: what is left behind stays to its end.
+/// A separate program: an abandoned worker stays until the process ends.
 class TestDialogHangingDriver : public MainDialogTest
 {
     Q_OBJECT
@@ -20,7 +20,7 @@ private slots:
 namespace
 {
 
-QThread *leftBehindWorker = nullptr; // what hangs on it is no leak
+QThread *leftBehindWorker = nullptr; // keeps its objects reachable, so they are no leak
 
 struct DeafThread : QThread
 {
@@ -49,14 +49,15 @@ void TestDialogHangingDriver::hangingCardIsLeftBehind()
     const int callsBefore = driver->calls().size();
 
     dialog->close();
-    QVERIFY(savedText().contains(QLatin1String("GpuName=\"GeForce GTX 1070 Ti 1\""))); // nothing waits for the driver
+    QVERIFY(savedText().contains(QLatin1String("GpuName=\"GeForce GTX 1070 Ti 1\"")));
     dialog.reset();
-    QCOMPARE(WorkerThread::leftBehind(), 1);
+    QCOMPARE(WorkerThread::abandonedCount(), 1);
     QVERIFY(leftBehindWorker->isRunning());
-    QCOMPARE(nvApiLoadCount(), 1); // the library stays for the thread that is inside; the other card has let it go
+    QCOMPARE(nvApiLoadCount(), 1); // of the thread that is inside; the other card has released the library
     QCOMPARE(driver->releases(), driver->loads() - 1);
 
-    // The driver answers after all. The thread finds its worker and its card, and whoever it would tell is gone.
+    // The driver returns after all. The thread still has its worker and its card; the receivers of its signals are
+    // gone.
     answer.release();
     QVERIFY(leftBehindWorker->wait(20000));
     QVERIFY(driver->calls().size() > callsBefore);

@@ -56,13 +56,13 @@ namespace
 
 constexpr int kPatienceMs = 30000;
 
-// What the process was started with; tests change it.
+// The arguments of the process, which tests change.
 char programName[] = "OvrynDeck2";
 char secondArgument[32] = "";
 char *programArguments[] = {programName, secondArgument, nullptr};
 int programArgumentCount = 1;
 
-/// Starts the program with a second argument, as long as it lives.
+/// While it lives, the process has a second argument.
 class Started
 {
 public:
@@ -75,7 +75,7 @@ public:
     Q_DISABLE_COPY(Started)
 };
 
-/// A server that the dialogs made while it lives will ask.
+/// The update server of all dialogs that are made while it lives.
 class UpdateServer : public LoopbackHttpServer
 {
 public:
@@ -121,12 +121,12 @@ int downloadState(const OvrynDeck2 &dialog)
     return dialog.findChild<Ovryn_DownloadUpdateFileInfo *>()->currentState();
 }
 
-bool manifestStands()
+bool manifestExists()
 {
     return QFile::exists(QStringLiteral("temp/update_info.xml"));
 }
 
-/// The program's event loop; false when nobody ended it.
+/// The program's event loop; false when nothing ended it.
 bool runUntilQuit()
 {
     bool late = false;
@@ -148,7 +148,7 @@ QStringList syncedFiles; ///< by their names, in order
 } // namespace
 
 #ifdef Q_OS_LINUX
-// In place of the system's call.
+// Replaces the system's call.
 extern "C" int fsync(int file)
 {
     syncedFiles.append(QFile::symLinkTarget(QStringLiteral("/proc/self/fd/%1").arg(file)));
@@ -282,7 +282,7 @@ void TestMainDialogUpdate::boxes()
     QCOMPARE(savedDate("LastCheckDate"), today());
     QCOMPARE(savedDate("LastUpdateDate"), QStringLiteral("2020/02/28"));
     QCOMPARE(savedDate("LastCloseDate"), QStringLiteral("2020/02/29"));
-    QCOMPARE(manifestStands(), manifestStays);
+    QCOMPARE(manifestExists(), manifestStays);
     QCOMPARE(other.exists(), manifestStays);
     QVERIFY(QFileInfo(QStringLiteral("temp")).isDir());
     QVERIFY(dialog.isVisible());
@@ -335,14 +335,14 @@ void TestMainDialogUpdate::handsOver()
     QCOMPARE(answer.problems(), QStringList());
     QCOMPARE(answer.captions().size(), answers.size());
     QVERIFY(!dialog.isVisible());
-    QCOMPARE(savedDate("LastCloseDate"), today()); // closed like any other time
+    QCOMPARE(savedDate("LastCloseDate"), today()); // an ordinary close
     QCOMPARE(savedDate("LastCheckDate"), today());
     QTRY_COMPARE_WITH_TIMEOUT(
         updater.arguments(),
         QStringLiteral("_OvrynDeck2\n%1\n").arg(QString::fromLatin1(chosen.isEmpty() ? language : chosen)),
         kPatienceMs);
     QCOMPARE(updater.folderOfCall(), QDir::current().canonicalPath());
-    QVERIFY(manifestStands()); // the updater reads it
+    QVERIFY(manifestExists()); // the updater reads it
 }
 
 void TestMainDialogUpdate::handsOverWhileABoxIsOpen()
@@ -353,7 +353,7 @@ void TestMainDialogUpdate::handsOverWhileABoxIsOpen()
     writeConfig(config(0, 7).replace("NotPromptHPS=\"1\"", "NotPromptHPS=\"0\""));
     OvrynDeck2 dialog;
     dialog.show();
-    QTimer::singleShot(0, &dialog, [&dialog] { dialog.afterShow(); }); // asks, and nobody answers
+    QTimer::singleShot(0, &dialog, [&dialog] { dialog.afterShow(); }); // asks, and gets no answer
     QTimer look;
     connect(&look, &QTimer::timeout, &server, [&] {
         if (QApplication::activeModalWidget())
@@ -417,7 +417,7 @@ void TestMainDialogUpdate::failedCheckIsSilent()
     QCOMPARE(answer.texts(), QStringList());
     QCOMPARE(savedDate("LastCheckDate"), dateText(QDate::currentDate().addDays(-daysAgo)));
     QVERIFY(dialog.isVisible());
-    QVERIFY(!manifestStands());
+    QVERIFY(!manifestExists());
 }
 
 void TestMainDialogUpdate::manualCheckTakesOverARunningOne_data()
@@ -478,7 +478,7 @@ void TestMainDialogUpdate::looksOfABox_data()
     QTest::addColumn<int>("mode");
     QTest::addColumn<QByteArray>("manifest");
     QTest::addColumn<QStringList>("buttons");
-    QTest::addColumn<bool>("manifestThere"); ///< while the box stands
+    QTest::addColumn<bool>("manifestThere"); ///< while the box is open
     const QByteArray newVersion = updateManifest("1.1");
     const QByteArray tooOld = updateManifest("1.1", "1.1");
     const QByteArray nothingNew = updateManifest("1.0.2.4");
@@ -515,7 +515,7 @@ void TestMainDialogUpdate::looksOfABox()
              int(Qt::Dialog | Qt::FramelessWindowHint | Qt::CustomizeWindowHint | Qt::WindowTitleHint));
     QCOMPARE(look.buttons, buttons);
     QCOMPARE(look.manifestThere, manifestThere);
-    QVERIFY(dialog.isVisible()); // a box that is closed is no yes
+    QVERIFY(dialog.isVisible()); // closing the box is no yes
 }
 
 void TestMainDialogUpdate::updaterBesideTheProgram()

@@ -50,10 +50,10 @@ void TestLedPageEnd::stateDisplayThatHangs()
     world.choose("rdbState");
     QVERIFY(inCall.tryAcquire(1, 20000));
 
-    WorkerThread::setPatience(kPatienceMs);
+    WorkerThread::setCycleWait(kPatienceMs);
     world.page.reset(); // comes back, with the call still under way
-    WorkerThread::setPatience(WorkerThread::kCycleWaitMs);
-    QCOMPARE(WorkerThread::leftBehind(), 1);
+    WorkerThread::setCycleWait(WorkerThread::kCycleWaitMs);
+    QCOMPARE(WorkerThread::abandonedCount(), 1);
     QVERIFY(leftBehindWorker->isRunning());
     answer.release();
     QVERIFY(leftBehindWorker->wait(20000));

@@ -34,8 +34,8 @@ private:
 namespace
 {
 
-// Waits for the program's end as the updater does, which has to replace its file; brings a new updater where one
-// lies ready, and comes back.
+// Waits for the program's end, as the updater does because it has to replace its file. Leaves a new updater where the
+// test provides one, and starts the program again.
 const char *const kStandInUpdater = R"sh(#!/bin/sh
 here=$(cd "$(dirname "$0")" && pwd -P)
 pwd -P > "$here/folder"
@@ -108,7 +108,7 @@ public:
                QFile::encodeName(QFileInfo(path(QString())).canonicalFilePath());
     }
     [[nodiscard]] bool tempIsEmpty() const { return QDir(path(QStringLiteral("temp"))).isEmpty(); }
-    [[nodiscard]] bool manifestStands() const { return QFile::exists(path(kManifest)); }
+    [[nodiscard]] bool manifestExists() const { return QFile::exists(path(kManifest)); }
 
     QByteArray config;
     QString lastCheck;
@@ -128,7 +128,7 @@ void TestUpdate::clickDetectUpdate(InstalledProgram &program, qint64 window)
     program.clickIn(window, button);
 }
 
-/// The program has gone on for some cycles without a box.
+/// The program has continued for some cycles without a box.
 bool TestUpdate::samplesGoOn(const InstalledProgram &program) const
 {
     const int calls = program.journal().size();
@@ -202,7 +202,7 @@ void TestUpdate::noInThePrompt()
     pressBoxButton(program, false);
     QTRY_VERIFY_WITH_TIMEOUT(program.otherWindows().isEmpty(), kPatienceMs);
     QVERIFY(samplesGoOn(program));
-    QVERIFY(program.manifestStands());
+    QVERIFY(program.manifestExists());
     QCOMPARE(program.configText(QStringLiteral("LastCheckDate")), today());
     closeByButton(program, window);
     QCOMPARE(program.updaterArguments(), QByteArray());
@@ -238,7 +238,7 @@ void TestUpdate::tooOld()
     pressOnlyBoxButton(program);
     QTRY_VERIFY_WITH_TIMEOUT(program.otherWindows().isEmpty(), kPatienceMs);
     QVERIFY(samplesGoOn(program));
-    QVERIFY(program.manifestStands());
+    QVERIFY(program.manifestExists());
     closeByButton(program, window);
     QCOMPARE(program.updaterArguments(), QByteArray());
 }
@@ -276,7 +276,7 @@ void TestUpdate::automaticWithoutAQuestion()
     QVERIFY(program.updaterRunsInTheInstallation());
     QCOMPARE(program.configText(QStringLiteral("LastCloseDate")), today());
     QCOMPARE(program.configText(QStringLiteral("LastCheckDate")), today());
-    QVERIFY(program.manifestStands());
+    QVERIFY(program.manifestExists());
 }
 
 void TestUpdate::automaticWithAQuestion()

@@ -54,7 +54,7 @@ extern "C" int LLVMFuzzerTestOneInput(const quint8 *data, size_t size)
     const QString bait = world.filePath(QStringLiteral("a/b/2.zip"));
     for (const QString &path : {bait, QStringLiteral("2.zip"), QStringLiteral("temp/2.zip")})
         QFile::copy(QStringLiteral(OVRYN_FUZZ_ARCHIVE), path);
-    takeOutUpdater(reader.getFileInfos());
+    extractUpdater(reader.getFileInfos());
     clearFolder(QString::fromLatin1(kUpdateFolder));
     require(entriesBelow(QString::fromLatin1(kUpdateFolder)) == 0, "temp is empty");
     clearFolder(installation);

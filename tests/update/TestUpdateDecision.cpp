@@ -107,9 +107,9 @@ void TestUpdateDecision::decision_data()
     QTest::newRow("automatic, no manifest") << byItself << 2 << ""
                                             << "" << UpdateAction::Nothing;
     QTest::newRow("automatic, too old") << byItself << 0 << "1.1"
-                                        << "1.1" << UpdateAction::TellTooOld;
+                                        << "1.1" << UpdateAction::ReportTooOld;
     QTest::newRow("automatic, too old, mode that asks") << byItself << 2 << "1.1"
-                                                        << "1.1" << UpdateAction::TellTooOld;
+                                                        << "1.1" << UpdateAction::ReportTooOld;
     QTest::newRow("automatic, own is the last to update by hand") << byItself << 0 << "1.1"
                                                                   << "1.0.2.4" << UpdateAction::Update;
     QTest::newRow("automatic, manual version alone is newer") << byItself << 0 << "1.0.2.4"
@@ -120,17 +120,17 @@ void TestUpdateDecision::decision_data()
     QTest::newRow("manual, new, mode 2") << byUser << 2 << "1.1"
                                          << "" << UpdateAction::AskThenUpdate;
     QTest::newRow("manual, too old") << byUser << 0 << "1.1"
-                                     << "1.0.3" << UpdateAction::TellTooOld;
+                                     << "1.0.3" << UpdateAction::ReportTooOld;
     QTest::newRow("manual, empty manual version") << byUser << 0 << "1.1"
                                                   << "" << UpdateAction::AskThenUpdate;
     QTest::newRow("manual, nothing new") << byUser << 0 << "1.0.2.4"
-                                         << "" << UpdateAction::TellLatest;
+                                         << "" << UpdateAction::ReportLatest;
     QTest::newRow("manual, 1.0.10.0 is not offered") << byUser << 0 << "1.0.10.0"
-                                                     << "" << UpdateAction::TellLatest;
+                                                     << "" << UpdateAction::ReportLatest;
     QTest::newRow("manual, no manifest") << byUser << 2 << ""
-                                         << "" << UpdateAction::TellLatest;
+                                         << "" << UpdateAction::ReportLatest;
     QTest::newRow("manual, manual version alone is newer") << byUser << 0 << ""
-                                                           << "9" << UpdateAction::TellLatest;
+                                                           << "9" << UpdateAction::ReportLatest;
 }
 
 void TestUpdateDecision::decision()

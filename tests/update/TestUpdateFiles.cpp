@@ -298,7 +298,7 @@ void TestUpdateFiles::takesTheUpdaterOut()
     copyArchive(QStringLiteral("updater.zip"), zip);
     if (hasOldOne)
         write(target, "old");
-    takeOutUpdater({{QStringLiteral("OvrynDeck2.exe"), QString(), QStringLiteral("9")}, updaterEntry(dir, version)});
+    extractUpdater({{QStringLiteral("OvrynDeck2.exe"), QString(), QStringLiteral("9")}, updaterEntry(dir, version)});
     QCOMPARE(content(target), newUpdater());
     QVERIFY(!QFileInfo::exists(zip));
     QCOMPARE(outside(), before);
@@ -307,7 +307,7 @@ void TestUpdateFiles::takesTheUpdaterOut()
 void TestUpdateFiles::onlyTheFirstEntryCounts()
 {
     copyArchive(QStringLiteral("updater.zip"), QStringLiteral("temp/2.zip"));
-    takeOutUpdater({updaterEntry(QString(), QStringLiteral("1")), updaterEntry(QString(), QStringLiteral("2"))});
+    extractUpdater({updaterEntry(QString(), QStringLiteral("1")), updaterEntry(QString(), QStringLiteral("2"))});
     QVERIFY(!QFileInfo::exists(kUpdater));
     QVERIFY(QFileInfo::exists(QStringLiteral("temp/2.zip")));
 }
@@ -315,8 +315,8 @@ void TestUpdateFiles::onlyTheFirstEntryCounts()
 void TestUpdateFiles::otherFilesAreNoUpdater()
 {
     copyArchive(QStringLiteral("updater.zip"), QStringLiteral("temp/2.zip"));
-    takeOutUpdater({});
-    takeOutUpdater({{QStringLiteral("OvrynUpdate"), QString(), QStringLiteral("2")},
+    extractUpdater({});
+    extractUpdater({{QStringLiteral("OvrynUpdate"), QString(), QStringLiteral("2")},
                     {QStringLiteral("ovrynupdate.exe"), QString(), QStringLiteral("2")},
                     {QStringLiteral("sub/OvrynUpdate.exe"), QString(), QStringLiteral("2")}});
     QVERIFY(QFileInfo::exists(QStringLiteral("temp/2.zip")));
@@ -326,7 +326,7 @@ void TestUpdateFiles::otherFilesAreNoUpdater()
 void TestUpdateFiles::withoutAnArchiveNothingHappens()
 {
     write(kUpdater, "old");
-    takeOutUpdater({updaterEntry(QString(), QStringLiteral("2"))});
+    extractUpdater({updaterEntry(QString(), QStringLiteral("2"))});
     QCOMPARE(content(kUpdater), QByteArray("old"));
 }
 
@@ -350,7 +350,7 @@ void TestUpdateFiles::whatIsTakenFromTheArchive()
     const QStringList before = outside();
     copyArchive(archive, QStringLiteral("temp/2.zip"));
     write(kUpdater, "old");
-    takeOutUpdater({updaterEntry(QString(), QStringLiteral("2"))});
+    extractUpdater({updaterEntry(QString(), QStringLiteral("2"))});
     // The old one goes before the archive is opened, so that a bad archive leaves none.
     QCOMPARE(QFileInfo::exists(kUpdater), updaterThere);
     if (updaterThere)
@@ -369,13 +369,13 @@ void TestUpdateFiles::linkInTheArchive()
     const QStringList before = outside();
     for (int i = 0; i < 2; ++i) { // the second time over what the first one left
         copyArchive(QStringLiteral("updater-is-a-link.zip"), QStringLiteral("temp/2.zip"));
-        takeOutUpdater({updaterEntry(QString(), QStringLiteral("2"))});
+        extractUpdater({updaterEntry(QString(), QStringLiteral("2"))});
         QCOMPARE(outside(), before);
         QVERIFY(!QFileInfo::exists(kUpdater) && !QFileInfo(kUpdater).isSymLink()); // refused
         QVERIFY(!QFileInfo::exists(QStringLiteral("temp/2.zip")));
     }
     copyArchive(QStringLiteral("updater.zip"), QStringLiteral("temp/2.zip"));
-    takeOutUpdater({updaterEntry(QString(), QStringLiteral("2"))});
+    extractUpdater({updaterEntry(QString(), QStringLiteral("2"))});
     QCOMPARE(content(kUpdater), newUpdater());
     QCOMPARE(outside(), before);
 }
@@ -384,7 +384,7 @@ void TestUpdateFiles::folderInPlaceOfTheTarget()
 {
     write(kUpdater + QStringLiteral("/file"), "stays");
     copyArchive(QStringLiteral("updater.zip"), QStringLiteral("temp/2.zip"));
-    takeOutUpdater({updaterEntry(QString(), QStringLiteral("2"))});
+    extractUpdater({updaterEntry(QString(), QStringLiteral("2"))});
     QCOMPARE(content(kUpdater + QStringLiteral("/file")), QByteArray("stays"));
     QVERIFY(!QFileInfo::exists(QStringLiteral("temp/2.zip")));
 }
@@ -402,7 +402,7 @@ void TestUpdateFiles::targetIsALink()
     const QStringList before = outside();
     QVERIFY(QFile::link(world->filePath(place), kUpdater));
     copyArchive(QStringLiteral("updater.zip"), QStringLiteral("temp/2.zip"));
-    takeOutUpdater({updaterEntry(QString(), QStringLiteral("2"))});
+    extractUpdater({updaterEntry(QString(), QStringLiteral("2"))});
     QVERIFY(!QFileInfo(kUpdater).isSymLink());
     QCOMPARE(content(kUpdater), newUpdater());
     QCOMPARE(outside(), before);
@@ -457,14 +457,15 @@ void TestUpdateFiles::hostileEntries()
     const QString other = world->filePath(QStringLiteral("other"));
     write(kUpdater, "old");
     copyArchive(QStringLiteral("updater.zip"), QStringLiteral("temp/2.zip"));
-    copyArchive(QStringLiteral("updater.zip"), QStringLiteral("1.zip")); // in the installation, but not in temp
+    copyArchive(QStringLiteral("updater.zip"),
+                QStringLiteral("1.zip")); // in the installation folder, but not in temp
     QVERIFY(QFile::link(other, QStringLiteral("out")));
     QVERIFY(QFile::link(other, QStringLiteral("temp/out")));
     QVERIFY(QFile::link(world->filePath(QStringLiteral("nothing")), QStringLiteral("nowhere")));
     QVERIFY(QFile::link(other + QStringLiteral("/1.zip"), QStringLiteral("temp/linked.zip")));
     QVERIFY(QFile::link(QDir::currentPath(), world->filePath(QStringLiteral("back"))));
     const QStringList before = outside();
-    takeOutUpdater({updaterEntry(dir.contains(QLatin1Char('%')) ? dir.arg(world->path()) : dir, version)});
+    extractUpdater({updaterEntry(dir.contains(QLatin1Char('%')) ? dir.arg(world->path()) : dir, version)});
     QCOMPARE(outside(), before);
     QVERIFY(!QFileInfo::exists(QStringLiteral("/OvrynUpdate.exe")));
     // the entry is passed over as a whole
@@ -479,7 +480,7 @@ void TestUpdateFiles::tempMayBeALink()
     QVERIFY(QDir().rmdir(QStringLiteral("temp")));
     QVERIFY(QFile::link(roomy.path(), QStringLiteral("temp")));
     copyArchive(QStringLiteral("updater.zip"), QStringLiteral("temp/2.zip"));
-    takeOutUpdater({updaterEntry(QDir::currentPath() + QLatin1Char('/'), QStringLiteral("2"))});
+    extractUpdater({updaterEntry(QDir::currentPath() + QLatin1Char('/'), QStringLiteral("2"))});
     QCOMPARE(content(kUpdater), newUpdater());
     QVERIFY(QDir(roomy.path()).isEmpty());
 }

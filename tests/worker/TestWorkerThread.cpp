@@ -330,12 +330,12 @@ void TestWorkerThread::endInTime()
     QVERIFY(sleepy.endsInTime());
     QVERIFY(sleepy.isFinished());
 
-    WorkerThread::setPatience(kNoPatienceMs);
+    WorkerThread::setCycleWait(kNoPatienceMs);
     HangingWorker hanging(false);
     hanging.startThread();
     hanging.inCall.acquire();
     QVERIFY(!hanging.endsInTime());
-    WorkerThread::setPatience(WorkerThread::kCycleWaitMs);
+    WorkerThread::setCycleWait(WorkerThread::kCycleWaitMs);
     QVERIFY(hanging.isRunning());
     hanging.answer.release();
     QVERIFY(hanging.wait(20000));
@@ -349,18 +349,18 @@ void TestWorkerThread::patienceCountsFromTheRequest()
     auto *worker = new HangingWorker(false);
     worker->startThread();
     worker->inCall.acquire();
-    WorkerThread::setPatience(1);
+    WorkerThread::setCycleWait(1);
     worker->requestEnd();
     // So long a patience from here on would outlast the time that this program is given.
-    WorkerThread::setPatience(kPauseWithoutEndMs);
+    WorkerThread::setCycleWait(kPauseWithoutEndMs);
     QVERIFY(WorkerThread::endAndDelete(worker, kPauseWithoutEndMs));
-    WorkerThread::setPatience(WorkerThread::kCycleWaitMs);
+    WorkerThread::setCycleWait(WorkerThread::kCycleWaitMs);
 }
 
 void TestWorkerThread::endOfANullWorker()
 {
     QVERIFY(WorkerThread::endAndDelete(nullptr));
-    QCOMPARE(WorkerThread::leftBehind(), 0);
+    QCOMPARE(WorkerThread::abandonedCount(), 0);
 }
 
 void TestWorkerThread::hangingCallIsEndedByForce()
@@ -372,7 +372,7 @@ void TestWorkerThread::hangingCallIsEndedByForce()
     worker->startThread();
     worker->inCall.acquire();
     QVERIFY(WorkerThread::endAndDelete(worker, kNoPatienceMs));
-    QCOMPARE(WorkerThread::leftBehind(), 0);
+    QCOMPARE(WorkerThread::abandonedCount(), 0);
 }
 
 void TestWorkerThread::threadBehindItsLoopIsNotEndedByForce()
@@ -396,7 +396,7 @@ void TestWorkerThread::callThatNothingEndsIsLeftBehind()
     worker->startThread();
     worker->inCall.acquire();
     QVERIFY(!WorkerThread::endAndDelete(worker, kNoPatienceMs));
-    QCOMPARE(WorkerThread::leftBehind(), 1);
+    QCOMPARE(WorkerThread::abandonedCount(), 1);
     QCOMPARE(owner.children(), QObjectList()); // it doesn't go with its owner
     QVERIFY(worker->isRunning());
 

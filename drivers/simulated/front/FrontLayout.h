@@ -4,8 +4,8 @@
 #include <QRect>
 #include <QSize>
 
-/// Where everything lies in the window "Card front", in pixels. A program that looks at the screen finds a card's
-/// LEDs and LCD by these rectangles: what they hold is painted edge to edge in the LEDs' own colour.
+/// The rectangles of the window "Card front", in pixels. A program that examines the screen finds a card's LEDs and
+/// LCD by them: the LEDs' rectangles are filled completely with their colour.
 namespace cardfront
 {
 
@@ -56,7 +56,7 @@ inline int shownCards(int count)
     return count < 0 ? 0 : count < kMostCards ? count : kMostCards;
 }
 
-/// Size of the window for a number of cards; without any there is room for a word about it.
+/// Size of the window for a number of cards; without any there is room for a message.
 inline QSize windowSize(int count)
 {
     const int cells = shownCards(count) > 0 ? shownCards(count) : 1;

@@ -13,14 +13,14 @@ constexpr std::array<int, 4> kPages = {kLcdClock, kLcdTemperature, kLcdMemory, k
 // seconds by the low half of a rotation's command; each stands for a few and is shown as the longest of them
 constexpr std::array<int, 16> kStaySeconds = {30, 1, 2, 3, 4, 6, 10, 15, 20, 24, 29, 30, 30, 30, 30, 30};
 
-constexpr int kMostMegabytes = 9999; // four digits are on the panel; larger amounts are told in GB
+constexpr int kMostMegabytes = 9999; // the panel has four digits; larger amounts are shown in GB
 
 double partOf(double value, double whole)
 {
     return whole > 0 ? qBound(0.0, value / whole, 1.0) : 0.0;
 }
 
-/// An amount of memory as the panel tells it: number and unit.
+/// An amount of memory as the panel shows it: number and unit.
 std::pair<QString, QString> memoryText(double kilobytes)
 {
     const double megabytes = kilobytes / 1024.0;
@@ -57,7 +57,7 @@ QString modelText(const LcdState &lcd)
     for (const int digit : lcd.modelDigits) {
         if (digit == 0 && text.isEmpty())
             continue; // the number stands at the right
-        // the sender takes the character "0" off whatever stands in the name
+        // the sender subtracts the character "0" from every character of the name's number
         const int character = ('0' + digit) & 0xFF;
         text += character > ' ' && character < 0x7F ? QChar(character) : QChar(QLatin1Char('-'));
     }

@@ -4,8 +4,8 @@
 
 #include <QtGlobal>
 
-/// The LED controller's effects as functions of time. What the interval means is the controller's own affair; here
-/// an interval of 2, the shortest that a user can choose, is one second.
+/// The LED controller's effects as functions of time. The real controller's unit of the interval is unknown; here an
+/// interval of 2, the shortest that a user can choose, is one second.
 namespace cardfront
 {
 

@@ -5,8 +5,8 @@
 namespace cardfront
 {
 
-/// Looks at a state file again and again. The file is small and replaced as a whole, so it is read each time and
-/// compared with what was there before: neither its time nor a watcher's notice can mislead. One thread.
+/// Reads a state file repeatedly. The file is small and replaced as a whole, so each read compares its text with the
+/// earlier one; file times and file watchers could miss a change. One thread.
 class StateReader
 {
 public:

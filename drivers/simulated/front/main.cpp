@@ -1,5 +1,5 @@
-// card-front [STATE FILE]: shows the front of the simulated cards. Without a file named it is that of
-// NVAPI_SIM_STATE.
+// card-front [STATE FILE]: shows the front of the simulated cards. The default is the file that NVAPI_SIM_STATE
+// names.
 
 #include "simulated/front/CardFrontWindow.h"
 

@@ -8,5 +8,5 @@
 /// The virtual-key code of a Qt::Key; 0 for a key that has none in the table.
 [[nodiscard]] quint32 virtualKeyOfQtKey(quint32 qtKey);
 
-/// The bits of GlobalHotKeys::Modifier for a union of Qt::KeyboardModifier; other bits tell nothing.
+/// The bits of GlobalHotKeys::Modifier for a union of Qt::KeyboardModifier; other bits are ignored.
 [[nodiscard]] quint32 hotKeyModifiersOf(quint32 qtModifiers);

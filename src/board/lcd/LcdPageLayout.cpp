@@ -9,7 +9,7 @@ constexpr int kRows = 8;
 constexpr int kFieldWidth = 50;
 constexpr int kFieldHeight = 16;
 constexpr int kPlusWidth = 15;
-constexpr int kIndicatorWidth = 30; // a radio's circle and the gap behind it
+constexpr int kIndicatorWidth = 30; // a radio's circle and the gap after it
 constexpr int kIndent = 30;         // of what belongs to a radio
 
 } // namespace

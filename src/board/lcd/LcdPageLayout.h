@@ -3,7 +3,7 @@
 #include <QRect>
 #include <QSize>
 
-/// Widths of the LCD page's texts in the language in force, in pixels.
+/// Widths of the LCD page's texts in the current language, in pixels.
 struct LcdTextWidths
 {
     int autoSwitch = 0;
@@ -12,7 +12,7 @@ struct LcdTextWidths
     int hotkeyCaption = 0;
 };
 
-/// Where everything of the LCD page lies, in page pixels. Integer divisions truncate.
+/// The rectangles of the LCD page's controls, in page pixels. Integer divisions truncate.
 struct LcdPageLayout
 {
     static constexpr int radioPixels = 18;   ///< font of both radios

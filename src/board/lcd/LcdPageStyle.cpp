@@ -18,7 +18,7 @@ QString LcdPageStyle::keyField()
                        "QLineEdit:focus{border:1px solid rgb(@glass);background-color:rgba(@glass,70);}"
                        "QLineEdit:disabled{border:1px solid rgba(140,140,140,90);"
                        "background-color:rgba(0,0,0,60);color:rgb(120,120,120);}"
-                       // the captions reach up to the fields: these stand off by a margin of their own
+                       // the captions end where the fields begin, so the fields need a margin of their own
                        "QLineEdit#hotKeyModifier{margin-left:4px;}"));
 }
 

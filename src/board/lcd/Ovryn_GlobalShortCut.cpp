@@ -26,8 +26,8 @@ constexpr ModifierChoice kModifierChoices[] = {
 };
 // clang-format on
 
-// Callers hand in virtual-key codes, none of which is in the table, so that what they register is with Ctrl. Users
-// know their hot key so: it stays.
+// Callers pass virtual-key codes, and none of these is in the table, so every key is registered with Ctrl. Users are
+// used to that hot key: it stays.
 Qt::KeyboardModifier modifierFor(int key)
 {
     for (const ModifierChoice &choice : kModifierChoices) {
@@ -64,7 +64,7 @@ void Ovryn_GlobalShortCut::setShortcut(int modifier, int newKey)
 
     const KeyPair pair = pairOfSequence();
     registered.insert(pair, this);
-    // A refusal is not reported: the object takes the key for registered, and it just never comes.
+    // A refusal is not reported: the object counts the key as registered, and its press never arrives.
     GlobalHotKeys::current().registerKey(identifierOf(pair), pair.second, pair.first);
 }
 
@@ -72,7 +72,7 @@ void Ovryn_GlobalShortCut::unsetShortcut()
 {
     const KeyPair pair = pairOfSequence();
     registered.remove(pair);
-    GlobalHotKeys::current().unregisterKey(identifierOf(pair)); // one that isn't held needs no undoing
+    GlobalHotKeys::current().unregisterKey(identifierOf(pair)); // has no effect on a key that isn't registered
 }
 
 Ovryn_GlobalShortCut *Ovryn_GlobalShortCut::registeredFor(quint32 virtualKey, quint32 modifierFlags) const

@@ -10,11 +10,11 @@
 
 class Ovryn_WinEventFilter;
 
-/// A hot key that works while any application has the focus. It asks GlobalHotKeys::current() for the key and tells
-/// nobody when that refuses. GUI thread.
+/// A hot key that works while any application has the focus. It asks GlobalHotKeys::current() for the key and does
+/// not report a refusal. GUI thread.
 ///
-/// Setting another key adds to what is registered: the earlier keys go on firing, and stay the system's until the
-/// process ends unless they are set once more and then unset.
+/// Another key is registered in addition: the earlier keys keep working, and stay registered until the process ends
+/// unless they are set once more and then unset.
 class Ovryn_GlobalShortCut : public QObject
 {
     Q_OBJECT
@@ -28,7 +28,7 @@ public:
     void setShortcut(int modifier, int key);
     void unsetShortcut(); ///< unregisters the key set last
 
-    /// The object that is told of this pair, null when it isn't registered here.
+    /// The object that gets the presses of this pair, null when the pair isn't registered here.
     [[nodiscard]] Ovryn_GlobalShortCut *registeredFor(quint32 virtualKey, quint32 modifierFlags) const;
 
 signals:
@@ -40,7 +40,7 @@ private:
     /// Takes `key` and `modifiers` from the sequence and translates them.
     KeyPair pairOfSequence();
 
-    QHash<KeyPair, Ovryn_GlobalShortCut *> registered; ///< also what the system refused
+    QHash<KeyPair, Ovryn_GlobalShortCut *> registered; ///< also pairs that the system refused
     Ovryn_WinEventFilter *eventFilter = nullptr;       ///< the filter installed last; before the first, not installed
     QKeySequence keySequence;                          ///< set last
     quint32 key = 0;                                   ///< of the sequence, a Qt::Key

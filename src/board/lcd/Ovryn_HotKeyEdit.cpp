@@ -36,7 +36,7 @@ constexpr NamedKey kNormalKeys[] = {
     { 0x35, "5" }, { 0x36, "6" }, { 0x37, "7" }, { 0x38, "8" }, { 0x39, "9" },
     { 0x41, "A" }, { 0x42, "B" }, { 0x43, "C" }, { 0x44, "D" }, { 0x45, "E" }, { 0x46, "F" }, { 0x47, "G" },
     { 0x48, "H" },
-    { 0x49, "l" }, // a small L: the capital I can't be told from it in the field's font, and users know it so
+    { 0x49, "l" }, // a small L: it looks like the capital I in the field's font, and users know it this way
     { 0x4A, "J" }, { 0x4B, "K" }, { 0x4C, "L" }, { 0x4D, "M" }, { 0x4E, "N" }, { 0x4F, "O" }, { 0x50, "P" },
     { 0x51, "Q" }, { 0x52, "R" }, { 0x53, "S" }, { 0x54, "T" }, { 0x55, "U" }, { 0x56, "V" }, { 0x57, "W" },
     { 0x58, "X" }, { 0x59, "Y" }, { 0x5A, "Z" },
@@ -90,7 +90,7 @@ bool Ovryn_HotKeyEdit::setKey(quint32 code)
     const auto found = keys.constFind(code);
     if (found == keys.constEnd())
         return false;
-    setText(*found); // its textChanged still finds the old code
+    setText(*found); // emits textChanged while the old code is still set
     keyCode = code;
     return true;
 }

@@ -3,8 +3,8 @@
 #include <QLineEdit>
 #include <QMap>
 
-/// The field in which a key of the hot key is chosen: a press of a key in its table replaces the text by the key's
-/// name, every other key does nothing. All codes are virtual-key codes. GUI thread.
+/// The field for one key of the hot key: a press of a key in its table replaces the text by the key's name, every
+/// other key does nothing. All codes are virtual-key codes. GUI thread.
 class Ovryn_HotKeyEdit : public QLineEdit
 {
     Q_OBJECT
@@ -23,7 +23,7 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
 
 private:
-    bool modifierMode;   ///< which table holds
+    bool modifierMode;   ///< chooses the table
     quint32 keyCode = 0; ///< the code shown
     QMap<quint32, QString> normalKeys;
     QMap<quint32, QString> modifierKeys;

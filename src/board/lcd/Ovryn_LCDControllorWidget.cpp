@@ -51,7 +51,8 @@ void Ovryn_LCDControllorWidget::initWidget()
     sendNvInfoThread->startSending();
     if (!applied.AutoSwitch)
         globalShortCut->setShortcut(int(applied.ModifierKey), int(applied.NormalKey));
-    // After the connections: the values count as changes, so the page comes up with both buttons. Wanted so.
+    // After the connections: the values count as changes, so the page starts with both buttons visible. This is
+    // intended.
     showParam();
 }
 
@@ -89,7 +90,7 @@ void Ovryn_LCDControllorWidget::connectAll()
 
 Ovryn_LCDControllorWidget::~Ovryn_LCDControllorWidget()
 {
-    WorkerThread::endAndDelete(sendNvInfoThread); // one that hangs in the driver stays
+    WorkerThread::endAndDelete(sendNvInfoThread); // a worker that hangs in the driver is not deleted
 }
 
 void Ovryn_LCDControllorWidget::requestEnd()

@@ -18,11 +18,11 @@ class QPushButton;
 class QRadioButton;
 
 /// The page on which one card's LCD is set up: on or off, pages that rotate by themselves or by a hot key, and the
-/// time of a page. Changes take effect by Apply and a confirmation; Cancel returns to what was applied last.
+/// time of a page. Changes take effect by Apply and a confirmation; Cancel restores the settings applied last.
 ///
-/// Owned by the main dialog, which lends it the card; it owns the card's LCD worker, which it starts with its
-/// construction, and the hot key. GUI thread: every call into the worker may wait for a frame under way. No failure
-/// of the card or of the hot key's registration is shown.
+/// Owned by the main dialog, which lends it the card. It owns the hot key and the card's LCD worker, which its
+/// constructor starts. GUI thread: every call of the worker may wait for a frame that is being sent. No failure of
+/// the card or of the hot key's registration is shown.
 class Ovryn_LCDControllorWidget : public QWidget
 {
     Q_OBJECT
@@ -39,7 +39,7 @@ public:
 
     void requestEnd(); ///< asks the worker to end; waits for nothing
 
-    void getLcdModuleInfo(LcdModuleInfo &out) const; ///< what was applied, whatever stands on the screen
+    void getLcdModuleInfo(LcdModuleInfo &out) const; ///< the applied settings, whatever the controls show
     void setLanguage(const Lang_LCD &words, LanguageType newLanguage);
 
 public slots:
@@ -47,13 +47,13 @@ public slots:
     void onEnableLCDToggled(bool bChecked);
     void onConfirmClick();
     void onCancelClick();
-    void onSendNvDataToLCDSuccess(bool bSuccess); ///< a card without an LCD refuses every frame: nothing to tell
+    void onSendNvDataToLCDSuccess(bool bSuccess); ///< does nothing: a card without an LCD refuses every frame
     void onHotKeyActivated();
     void onLineEditTextChanged(const QString &text);
     void onSpinBoxValueChanged(int value);
     void initWidget(); ///< once, by the constructors
     void showParam();  ///< the applied settings into the controls
-    /// The card's LCD shows a page at once. No setting of the page: nothing to apply.
+    /// Shows a page on the card's LCD at once. This is no setting, so there is nothing to apply.
     void setLCDCurrentDisplayMode(LCDDisplayMode displayMode);
 
 protected:
@@ -64,7 +64,7 @@ private:
     void build();
     void connectAll();
     Ovryn_SendNvInfoToLCDThread *newWorker();
-    void showButtons(bool show); ///< they show while there may be something to apply
+    void showButtons(bool show); ///< visible while there may be something to apply
     [[nodiscard]] QFont fontOf(int pixels) const;
     [[nodiscard]] LcdTextWidths textWidths() const;
     void setFonts();

@@ -44,7 +44,7 @@ void Ovryn_LCDControllorWidget::onEnableLCDToggled(bool bChecked)
 void Ovryn_LCDControllorWidget::onLineEditTextChanged(const QString &)
 {
     for (Ovryn_HotKeyEdit *field : {hotKeyModifier, hotKeyNormal}) {
-        field->home(false); // the longest names don't fit: their beginning is to be seen, the rest in the tool tip
+        field->home(false); // the longest names don't fit: the field shows their beginning, the tool tip all
         field->setToolTip(field->text());
     }
     showButtons(true);
@@ -58,7 +58,7 @@ void Ovryn_LCDControllorWidget::onSpinBoxValueChanged(int)
 void Ovryn_LCDControllorWidget::onCancelClick()
 {
     showParam();
-    showButtons(false); // last: the values shown have counted as changes
+    showButtons(false); // last: showing the values has counted as a change
 }
 
 void Ovryn_LCDControllorWidget::onConfirmClick()
@@ -75,8 +75,8 @@ void Ovryn_LCDControllorWidget::onConfirmClick()
         sendNvInfoThread->setAutoSwitch(automatic, seconds);
     } else {
         sendNvInfoThread->setAutoSwitch(automatic, seconds);
-        // The pair of the last Apply, not the one on the screen: a new hot key comes with the next Apply or the
-        // next start. Wanted so.
+        // The pair of the last Apply, not the one that the fields show: a new hot key works from the next Apply or
+        // the next start on. This is intended.
         if (automatic)
             globalShortCut->unsetShortcut();
         else

@@ -17,7 +17,7 @@ constexpr LCDDisplayMode kRotation[] = {
     LcdDisplayMemory,
 };
 
-/// Any value that is none of the rotation's is followed by its first.
+/// A page outside the rotation is followed by the rotation's first.
 LCDDisplayMode modeAfter(LCDDisplayMode mode)
 {
     const auto *const shown = std::find(std::begin(kRotation), std::end(kRotation), mode);
@@ -89,7 +89,7 @@ void Ovryn_SendNvInfoToLCDThread::run()
 void Ovryn_SendNvInfoToLCDThread::sendFrameOnce()
 {
     if (autoSwitch) {
-        // Compared before it is counted on: a page of 10 seconds stays for eleven frames. Wanted so.
+        // The comparison comes before the count: a page of 10 seconds stays for eleven frames. This is intended.
         if (elapsedMs >= switchMs) {
             mode = modeAfter(mode);
             elapsedMs = 0;
@@ -102,6 +102,6 @@ void Ovryn_SendNvInfoToLCDThread::sendFrameOnce()
 
 bool Ovryn_SendNvInfoToLCDThread::sendFrame()
 {
-    // Never the controller's own rotation: it would not know of the pages that the gauge and the hot key choose.
+    // Never the controller's own rotation: that one does not know the pages that the gauge and the hot key choose.
     return control->sendCardInfoToLcd(enable, false, int(switchMs), mode);
 }

@@ -13,6 +13,6 @@ bool Ovryn_WinEventFilter::nativeEventFilter(const QByteArray &eventType, void *
     Ovryn_GlobalShortCut *target = shortCut->registeredFor(press->virtualKey, press->modifiers);
     if (!target)
         return false;
-    emit target->activated(); // may end the object and this filter with it
+    emit target->activated(); // the receiver may delete the object and this filter with it
     return true;
 }

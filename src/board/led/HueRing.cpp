@@ -24,7 +24,7 @@ QConicalGradient hueGradient(QPointF center)
     return gradient;
 }
 
-constexpr int kBoxPasses = 3; // boxes after one another come close to a bell
+constexpr int kBoxPasses = 3; // three box blurs in a row come close to a Gaussian
 constexpr int kMaxComponent = 255;
 
 /// The four components of a pixel in 16 bits each, so that one addition adds them all: blue, red, green, alpha.
@@ -116,7 +116,7 @@ QRect HueRing::hole() const
 
 QImage HueRing::image(QPoint *topLeft) const
 {
-    // Cut to the ring and its soft rim, the same on both sides, so that the centre stays where it is.
+    // Cut to the ring and its soft rim, equally on both sides, so that the centre does not move.
     const double reach = outerRadius + kBlurRadius;
     *topLeft = QPoint(std::max(0, int(std::floor(box.width() / 2.0 - reach))),
                       std::max(0, int(std::floor(box.height() / 2.0 - reach))));

@@ -6,13 +6,13 @@
 #include <QRect>
 #include <QSize>
 
-/// Where the hue ring lies in a palette box and how hues and points go together. Hue 0 lies at the left and
-/// hue grows clockwise.
+/// The position of the hue ring in a palette box, and the relation of hues and points. Hue 0 is at the left, and hue
+/// grows clockwise.
 struct HueRing
 {
     static constexpr double kBlurRadius = 15.0; ///< pixels
     static constexpr double kHoleAngle =
-        0.4363323129985824; ///< radians, 25 degrees: the corners of what the hole holds
+        0.4363323129985824; ///< radians, 25 degrees: direction of the corners of `hole`
 
     QSize box;              ///< of the palette, pixels
     double outerRadius = 0; ///< pixels
@@ -24,7 +24,7 @@ struct HueRing
     [[nodiscard]] bool contains(QPoint point) const; ///< on the ring itself
     [[nodiscard]] double hueAt(QPoint point) const;  ///< degrees, 0 to 360; 180 in the centre
     [[nodiscard]] QPointF pointAt(double hue, double radius) const;
-    [[nodiscard]] QRect hole() const; ///< what fits into the hole at kHoleAngle
+    [[nodiscard]] QRect hole() const; ///< the rectangle in the hole with its corners at kHoleAngle
 
     /// The softened ring and where its top left corner lies in the box; null for a box without room.
     [[nodiscard]] QImage image(QPoint *topLeft) const;

@@ -9,7 +9,7 @@ namespace
 {
 
 constexpr quint8 kLit = 0x32;        // level of every effect that lights up
-constexpr quint8 kPagesInterval = 0; // no interval of its own: what the page shows
+constexpr quint8 kPagesInterval = 0; // no interval of its own: that of the page
 
 enum class Colors
 {
@@ -58,8 +58,8 @@ struct BandRow
     quint8 interval;
 };
 
-// Both red bands have one colour, and the worker compares colours: a rise that stops in the first of them keeps its
-// slower interval at any temperature above.
+// Both red bands have one colour, and the worker compares colours only. So once the first red band is reached, its
+// slower interval stays at any higher temperature.
 // clang-format off
 constexpr BandRow kBands[] = {
     // below color      interval

@@ -30,23 +30,23 @@ constexpr int kLedModeCount = int(LedMode::Sleep) + 1;
     return mode == LedMode::MultipleBreath || mode == LedMode::MultipleBright;
 }
 
-constexpr quint8 kLedControllerWithGradient = 3; ///< type that the controller tells of itself
+constexpr quint8 kLedControllerWithGradient = 3; ///< type that the controller reports
 
-/// The interval is sent as it stands; what the firmware makes of it is its own affair.
+/// The interval is sent unchanged; the firmware decides its meaning.
 constexpr qint32 kMinLedInterval = 2;
 constexpr qint32 kMaxLedInterval = 16;
 
-/// What is told to the LED controller.
+/// A command to the LED controller.
 struct LedCommand
 {
-    std::vector<quint8> colors; ///< red, green and blue of each colour; none for the effects that bring their own
+    std::vector<quint8> colors; ///< red, green and blue of each colour; empty for effects with fixed colours
     quint8 effect = 0;
     quint8 level = 0;
     quint8 interval = 0;
 };
 
 /// The command of a mode. `selected` in order of selection: the single modes take the last colour, the multiple ones
-/// the first seven, and all of them red when there is none. StateDisplay has no command of its own; it gives
+/// the first seven, and all of them red when there is none. StateDisplay has no command of its own; the result is
 /// that of 0 degrees.
 [[nodiscard]] LedCommand ledCommandFor(LedMode mode, qint32 interval, const QList<QColor> &selected);
 

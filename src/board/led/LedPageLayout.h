@@ -5,7 +5,7 @@
 
 #include <array>
 
-/// Where everything of the LED page lies, in page pixels. Integer divisions truncate.
+/// The rectangles of the LED page's controls, in page pixels. Integer divisions truncate.
 struct LedPageLayout
 {
     static constexpr int colorCount = 7;
@@ -13,7 +13,7 @@ struct LedPageLayout
     int titleHeight = 0;
     QRect title;
     int titlePixels = 0;
-    QRect breath; ///< of both breathing radios; only one of them ever shows
+    QRect breath; ///< of both breathing radios; only one of them is ever visible
     QRect bright; ///< of both steady radios
     QRect intervalCaption;
     QRect interval;

@@ -13,7 +13,7 @@ namespace
 {
 
 constexpr double kLineWidth = 2;
-constexpr double kStartDegrees = 50; // the open part of the round lies at the top right
+constexpr double kStartDegrees = 50; // the gap of the circle is at the top right
 constexpr double kSweepDegrees = 290;
 
 QPixmap resetPixmap(int size, const QColor &color)

@@ -9,7 +9,7 @@ namespace LedPageStyle
 
 QString page(); ///< radios, caption, number box and reset button
 
-/// An arrow that runs round, for Reset: bright, and grey for a disabled button.
+/// A circular arrow for Reset: bright, and grey for a disabled button.
 QIcon resetIcon(int size);
 
 } // namespace LedPageStyle

@@ -7,8 +7,8 @@
 
 class Ovryn_ColorButtonGroup;
 
-/// A swatch. A single click asks for the opposite of `checked` and is acted on late, so that a double click can
-/// cancel it. GUI thread.
+/// A colour swatch. A single click asks for the opposite of `checked`; it takes effect after a delay, so that a
+/// double click can cancel it. GUI thread.
 class Ovryn_ColorButton : public QLabel
 {
     Q_OBJECT
@@ -42,7 +42,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    friend class Ovryn_ColorButtonGroup; // the one that decides over `checked` of its members
+    friend class Ovryn_ColorButtonGroup; // only the group changes `checked` of its members
 
     enum State
     {
@@ -52,7 +52,7 @@ private:
     };
 
     void setState(State newState);
-    void changeChecked(bool check); ///< past the group
+    void changeChecked(bool check); ///< without the group's rules
 
     qint32 state = Normal;
     QColor color{255, 255, 255};

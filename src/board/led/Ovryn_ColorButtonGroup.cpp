@@ -18,7 +18,7 @@ void Ovryn_ColorButtonGroup::addButton(Ovryn_ColorButton *button)
 
 void Ovryn_ColorButtonGroup::forget(QObject *button)
 {
-    // Only the address counts: the button's own part is gone by now.
+    // Only the address is used: the button itself is already destroyed.
     const auto isIt = [button](const Ovryn_ColorButton *member) {
         return member == button;
     };
@@ -40,7 +40,7 @@ void Ovryn_ColorButtonGroup::setMode(int newMode)
         return;
     if (selected.isEmpty()) {
         if (!buttons.isEmpty())
-            buttons.first()->changeChecked(true); // shown as selected, while no colour is: frames fall back to red
+            buttons.first()->changeChecked(true); // shown as selected while no colour is selected: frames use red
         return;
     }
     while (selected.size() > 1)
@@ -80,7 +80,7 @@ void Ovryn_ColorButtonGroup::setInSingleMode(Ovryn_ColorButton *button, bool wan
     if (wanted == isSelected)
         return;
     if (isSelected) {
-        // It stays in `selected`: its colour is the one shown until another is chosen.
+        // It stays in `selected`: its colour is used until another one is chosen.
         const auto checkedCount = std::count_if(buttons.cbegin(), buttons.cend(),
                                                 [](const Ovryn_ColorButton *member) { return member->isChecked(); });
         if (checkedCount > 1)

@@ -5,8 +5,8 @@
 
 class Ovryn_ColorButton;
 
-/// Rules which of its colour buttons are selected: one in single mode, up to a limit in multiple mode, in order of
-/// selection. It does not own the buttons; one that goes is forgotten. GUI thread.
+/// Decides which of its colour buttons are selected: one in single mode, up to a limit in multiple mode, in order of
+/// selection. It does not own the buttons; a deleted button leaves the group. GUI thread.
 class Ovryn_ColorButtonGroup : public QObject
 {
     Q_OBJECT
@@ -20,7 +20,7 @@ public:
 
     explicit Ovryn_ColorButtonGroup(QObject *parent = nullptr);
 
-    void addButton(Ovryn_ColorButton *button); ///< null and known ones are ignored; it comes in unchecked
+    void addButton(Ovryn_ColorButton *button); ///< null and members are ignored; the button becomes unchecked
     [[nodiscard]] QList<Ovryn_ColorButton *> selectedButtons() const { return selected; } ///< oldest first
     [[nodiscard]] int mode() const { return selectionMode; }
     void setMode(int newMode); ///< a value of Mode; others are ignored

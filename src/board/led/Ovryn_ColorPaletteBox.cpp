@@ -26,7 +26,7 @@ Ovryn_ColorPaletteBox::Ovryn_ColorPaletteBox(QWidget *parent)
     setStyleSheet(UiStyle::numberBoxes() + QStringLiteral("QLabel{color:rgb(230,230,230);}"));
     adjustColor(QColor(255, 0, 0));
 
-    // The marker only tells its hue; what the slider makes of it is the colour chosen.
+    // The marker only gives its hue; the slider makes the chosen colour of it.
     connect(marker, SIGNAL(onColorChanged(QColor)), slider, SLOT(setSliderBarColor(QColor)));
     connect(slider, SIGNAL(colorChanged(QColor)), this, SLOT(onSliderColorChanged(QColor)));
     connect(rgbBox, SIGNAL(colorChanged(QColor)), this, SLOT(onNumbersChanged(QColor)));

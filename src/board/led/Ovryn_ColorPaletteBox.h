@@ -9,8 +9,9 @@ class Ovryn_ColorSlider;
 class Ovryn_TriangleButton;
 class Ovryn_rgbBox;
 
-/// The colour palette: a hue ring with a marker, and in its hole the shade slider and the numbers. The three always
-/// show one colour. It stands in the gauge's place while the LED page is open; owned by the main dialog. GUI thread.
+/// The colour palette: a hue ring with a marker, and in its hole the shade slider and the numbers. All three always
+/// show the same colour. The palette takes the gauge's place while the LED page is open; owned by the main dialog.
+/// GUI thread.
 class Ovryn_ColorPaletteBox : public QWidget
 {
     Q_OBJECT
@@ -20,11 +21,11 @@ public:
 
 public slots:
     void onSliderColorChanged(QColor color);
-    void adjustColor(QColor color); ///< shows a colour that comes from outside; emits nothing
+    void adjustColor(QColor color); ///< shows a colour that the caller sets; emits nothing
 
 signals:
     void colorChanged(QColor color); ///< the user chose another one
-    void closeadjustColor();         ///< part of the interface since ever; nothing emits it
+    void closeadjustColor();         ///< part of the interface; nothing emits it
 
 protected:
     void mousePressEvent(QMouseEvent *event) override;

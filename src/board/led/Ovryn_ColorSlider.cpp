@@ -13,10 +13,10 @@ constexpr int kFull = 255;
 constexpr int kHandleHalfWidth = 5; // pixels
 constexpr int kBarInset = 6;        // above and below the bar, which the handle overlaps
 constexpr double kHandleRadius = 3;
-const QColor kEdgeColor(20, 0, 4, 200);    // keeps the white handle apart from the white end
-const QColor kOutline(255, 255, 255, 110); // keeps the black end apart from the dark window
+const QColor kEdgeColor(20, 0, 4, 200);    // separates the white handle from the white end
+const QColor kOutline(255, 255, 255, 110); // separates the black end from the dark window
 
-/// The ends of the handle's way, in pixels of the slider.
+/// The ends of the handle's range, in pixels of the slider.
 int wayLength(int width)
 {
     return std::max(1, width - 2 * kHandleHalfWidth - 2);
@@ -60,7 +60,7 @@ void Ovryn_ColorSlider::moveSilently(int newValue)
     silent = true;
     setValue(newValue);
     silent = false;
-    currentColor = shadeAt(value()); // the hue may be another one at an unchanged value
+    currentColor = shadeAt(value()); // the hue may have changed at an unchanged value
     update();
 }
 
@@ -80,7 +80,7 @@ void Ovryn_ColorSlider::setSliderBarColorAndDoNotSendColorChangedSignal(QColor c
 void Ovryn_ColorSlider::showShade(QColor pureHue, QColor color)
 {
     setSliderBarColorAndDoNotSendColorChangedSignal(pureHue);
-    // A shade is either whitened or blackened; of a colour that is both, the stronger part shows.
+    // A shade is mixed with white or with black; for a colour that is mixed with both, the stronger part counts.
     const int saturation = color.hsvSaturation();
     const int brightness = color.value();
     moveSilently(saturation < brightness ? saturation : std::max(kPureHueValue, kMaximum - brightness));

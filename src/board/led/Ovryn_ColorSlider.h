@@ -17,8 +17,8 @@ public:
 
     [[nodiscard]] QColor getCurrentColor() const { return currentColor; }
 
-    /// Puts the handle where `color` lies among the shades of its own hue, the nearest one where it isn't among
-    /// them. The hue of a grey is that of `pureHue`. Emits nothing of its own.
+    /// Moves the handle to `color` among the shades of its own hue, or to the nearest shade. The hue of a grey is
+    /// that of `pureHue`. Emits nothing.
     void showShade(QColor pureHue, QColor color);
 
 public slots:
@@ -47,7 +47,7 @@ private:
     void goTo(int x);                  ///< the handle follows the pointer
 
     QColor baseColor{255, 0, 0};    ///< its hue is the one shown
-    QColor currentColor{255, 0, 0}; ///< what the value makes of it
+    QColor currentColor{255, 0, 0}; ///< the shade at the slider's value
     QImage bar;                     ///< painted anew when hue or size change
-    bool silent = false;            ///< the value is moved from inside
+    bool silent = false;            ///< the program moves the value: no signal
 };

@@ -70,18 +70,19 @@ Ovryn_LEDControlWidget::Ovryn_LEDControlWidget(const LedModuleInfo *saved, NvGpu
         showSaved(*saved);
     else
         showDefaults();
-    // After the values, so that showing them sends nothing: the LEDs keep what the controller last ran, and
-    // the worker stays idle until the user chooses.
+    // After the values, so that showing them sends nothing: the controller keeps its last effect, and the worker is
+    // idle until the user chooses.
     connectAll();
     readController();
 }
 
 Ovryn_LEDControlWidget::~Ovryn_LEDControlWidget()
 {
-    // A worker that hangs in the driver holds its mutex, and the closing frame would wait for it without limit.
+    // A worker that hangs in the driver holds its mutex, and the closing frame would wait for the mutex without
+    // limit.
     if (controllerType == kLedControllerWithGradient && sendColorThread->endsInTime())
         sendCurrentEffect(true);
-    WorkerThread::endAndDelete(sendColorThread); // one that hangs in the driver stays
+    WorkerThread::endAndDelete(sendColorThread); // a worker that hangs in the driver is not deleted
 }
 
 void Ovryn_LEDControlWidget::requestEnd()

@@ -21,20 +21,20 @@ class QPushButton;
 class QRadioButton;
 class QTimer;
 
-/// How long the page and its worker pause, in milliseconds. The pauses stand on the GUI thread.
+/// The pauses of the page and its worker, in milliseconds. The page's pauses block the GUI thread.
 struct LedTimings
 {
     unsigned int beforeDefaultsMs = 50;    ///< before a page without saved values is filled
     unsigned int afterStatusMs = 100;      ///< after the status read
-    unsigned int beforeSleepFrameMs = 100; ///< the controller must be at rest when it is switched off
+    unsigned int beforeSleepFrameMs = 100; ///< the controller must be idle when it is switched off
     int colorChangedMs = 500;              ///< from the last movement of a dragged colour to its frame
     unsigned int workerSleepMs = 1000;     ///< between two passes of the State-Display effect
 };
 
 /// The page on which one card's lighting is chosen. Each change goes to the card at once; there is no Apply.
 ///
-/// Owned by the main dialog, which lends it the card; without a card it sends nothing. GUI thread: leaving the
-/// State-Display effect blocks it until the worker has ended. Every write may fail, silently.
+/// Owned by the main dialog, which lends it the card; without a card it sends nothing. GUI thread: a change from the
+/// State-Display effect blocks it until the worker has ended. A failed write is not reported.
 class Ovryn_LEDControlWidget : public QWidget
 {
     Q_OBJECT
@@ -69,7 +69,7 @@ public slots:
     void setCurrentBindColorCircleButtonColor(QColor color);
 
 signals:
-    /// The colour that the palette is to show. Despite the name a single click on a custom button, or Reset.
+    /// The colour for the palette. Despite the name it comes from a single click on a custom button, or from Reset.
     void colorButtonHasDoubleClick(QColor color);
 
 protected:

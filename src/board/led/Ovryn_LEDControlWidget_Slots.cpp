@@ -26,7 +26,7 @@ void Ovryn_LEDControlWidget::sendCurrentEffect(bool closing)
     }
     if (!sendColorThread->isFinished()) {
         sendColorThread->stopStateDisplay();
-        sendColorThread->wait(); // its frames and the page's must not mingle
+        sendColorThread->wait(); // its frames and the page's must not mix
     }
     QList<QColor> colors;
     for (const Ovryn_ColorButton *button : colorGroup->selectedButtons())
@@ -91,7 +91,7 @@ void Ovryn_LEDControlWidget::onRdbStateToggled(bool checked)
     if (checked)
         sendCurrentEffect(false);
     else
-        sendColorThread->stopStateDisplay(); // whoever sends next waits for it; this also revives a dead worker
+        sendColorThread->stopStateDisplay(); // the next sender waits for its end; it also revives a dead worker
 }
 
 void Ovryn_LEDControlWidget::onColorButtonDuobleClick(Ovryn_ColorButton *) {}
@@ -109,7 +109,7 @@ void Ovryn_LEDControlWidget::onColorButtonClick(Ovryn_ColorButton *sender)
         currentBoundButton = sender;
         emit colorButtonHasDoubleClick(sender->getColor());
         if (colorChangedTimer->isActive())
-            return; // its frame is on its way
+            return; // the timer sends its frame
     }
     sendCurrentEffect(false);
 }
@@ -126,7 +126,7 @@ void Ovryn_LEDControlWidget::setCurrentBindColorCircleButtonColor(QColor color)
         return;
     }
     if (!rdbState->isChecked() && currentBoundButton->isChecked())
-        colorChangedTimer->start(); // anew at each movement, so that a drag gives one frame
+        colorChangedTimer->start(); // restarted at each movement, so that a drag sends one frame
 }
 
 void Ovryn_LEDControlWidget::onColorChangedTimerout()
@@ -154,5 +154,5 @@ void Ovryn_LEDControlWidget::onResetButtonClick()
     }
     emit colorButtonHasDoubleClick(QColor(255, 0, 0));
     if (customSelected)
-        rdbSingleBreath->setChecked(true); // sends, unless it was checked already
+        rdbSingleBreath->setChecked(true); // sends a frame, unless it was checked already
 }

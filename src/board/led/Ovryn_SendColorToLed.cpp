@@ -17,9 +17,9 @@ Ovryn_SendColorToLed::~Ovryn_SendColorToLed()
 
 void Ovryn_SendColorToLed::startStateDisplay()
 {
-    // One hold for both: a pass between them would already spend the reset colour.
+    // One lock for both: a pass between them would already use the reset colour.
     QMutexLocker held(&mutex);
-    lastColor = QColor(0, 0, 0); // the colour of no band
+    lastColor = QColor(0, 0, 0); // no band has this colour
     startThreadUnderMutex();
 }
 
@@ -33,7 +33,7 @@ void Ovryn_SendColorToLed::run()
     QMutexLocker held(&mutex);
     while (control != nullptr) {
         if (!showStateOnce()) {
-            giveUpLoop(); // so that a dead controller isn't asked again by the next start
+            giveUpLoop(); // so that the next start sends nothing to a controller that does not respond
             return;
         }
         if (stopped || !pause(held, sleepMs))

@@ -8,13 +8,13 @@
 
 class NvGpuControl;
 
-/// The worker behind the State-Display effect: once per interval it reads the GPU temperature and, when the colour
-/// of its band is another than the one sent last, tells the LED controller. The controller keeps an effect by
-/// itself, so nothing is streamed.
+/// The worker of the State-Display effect: once per interval it reads the GPU temperature. When the colour of its
+/// band differs from the one sent last, it sends the new one to the LED controller. The controller keeps an effect by
+/// itself, so a frame is sent only for a change.
 ///
-/// Owned by the LED page, which calls its operations on the GUI thread. They wait for a running pass, since the
-/// mutex is held through it, but never for the sleep. A failed temperature read counts as 0 degrees. A frame that
-/// the controller refuses ends the loop and leaves `stopped` unset: the worker is dead until a stopStateDisplay.
+/// Owned by the LED page, which calls its operations on the GUI thread. They wait for a running pass, since the mutex
+/// is held through it, but never for the sleep. A failed temperature read counts as 0 degrees. A frame that the
+/// controller refuses ends the loop and leaves `stopped` unset: no start has an effect until a stopStateDisplay.
 class Ovryn_SendColorToLed : public WorkerThread
 {
     Q_OBJECT
@@ -26,7 +26,7 @@ public:
     explicit Ovryn_SendColorToLed(NvGpuControl *card, QObject *parent = nullptr, unsigned int pauseMs = kSleepMs);
     ~Ovryn_SendColorToLed() override;
 
-    /// The next pass sends its colour whatever was sent before. Starts the thread unless `stopped` is unset.
+    /// The next pass sends its colour in any case. Starts the thread unless `stopped` is unset.
     void startStateDisplay();
     /// Only asks: the loop ends after its next pass. Wait for the thread before starting it again.
     void stopStateDisplay();
@@ -36,7 +36,7 @@ public:
     bool showStateOnce();
 
 signals:
-    void sendDataToLCDResult(bool bSuccess); ///< part of the interface since ever; nothing emits it
+    void sendDataToLCDResult(bool bSuccess); ///< part of the interface; nothing emits it
 
 protected:
     void run() override;

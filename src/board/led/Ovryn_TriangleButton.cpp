@@ -68,7 +68,7 @@ void Ovryn_TriangleButton::mouseMoveEvent(QMouseEvent *event)
 void Ovryn_TriangleButton::drawMarker()
 {
     const double length = (ring.outerRadius - ring.innerRadius) * kLengthOfRing;
-    const int side = int(std::ceil(length * std::sqrt(2.0) + 2 * kMargin)); // any turn of the triangle fits
+    const int side = int(std::ceil(length * std::sqrt(2.0) + 2 * kMargin)); // the triangle fits at any angle
     const QPointF middle = ring.pointAt(hue, (ring.outerRadius + ring.innerRadius) / 2);
     setGeometry(int(std::lround(middle.x())) - side / 2, int(std::lround(middle.y())) - side / 2, side, side);
 

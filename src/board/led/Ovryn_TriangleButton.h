@@ -5,7 +5,7 @@
 #include <QColor>
 #include <QLabel>
 
-/// The marker on the hue ring, masked to its image. It moves on its parent, which shows the ring. GUI thread.
+/// The marker on the hue ring, masked to its image. Its parent shows the ring. GUI thread.
 class Ovryn_TriangleButton : public QLabel
 {
     Q_OBJECT
@@ -17,7 +17,7 @@ public:
     [[nodiscard]] const HueRing &getRing() const { return ring; }
     [[nodiscard]] double getHue() const { return hue; } ///< degrees, 0 to 360
     [[nodiscard]] QColor getColor() const;              ///< the hue, fully saturated
-    /// Turns to a point of the parent, as a drag does, and emits onColorChanged.
+    /// Turns towards a point of the parent, as a drag does, and emits onColorChanged.
     void turnTo(QPoint pointOfParent);
 
 public slots:

@@ -8,7 +8,7 @@ namespace
 {
 
 constexpr int kMaxComponent = 255;
-constexpr int kCaptionShare = 6; // of the width, of which a number takes two
+constexpr int kCaptionShare = 6; // of the width; a number is two such shares wide
 constexpr int kGap = 6;          // pixels between the numbers
 constexpr int kCaptionPixels = 16;
 const char *const kSpinNames[] = {"spinRed", "spinGreen", "spinBlue"};
@@ -25,7 +25,7 @@ Ovryn_rgbBox::Ovryn_rgbBox(QWidget *parent) : QWidget(parent), caption(new QLabe
         spins[i] = new ModifySpinBox(this);
         spins[i]->setObjectName(QLatin1String(kSpinNames[i]));
         spins[i]->setRange(0, kMaxComponent);
-        spins[i]->setButtonSymbols(QAbstractSpinBox::NoButtons); // a step would count only as the edit ends
+        spins[i]->setButtonSymbols(QAbstractSpinBox::NoButtons); // a step would count only at the end of the edit
         spins[i]->setAlignment(Qt::AlignCenter);
         connect(spins[i], SIGNAL(editingFinished()), this, SLOT(rgbValueChanged()));
     }

@@ -8,8 +8,8 @@ class Ovryn_BoardInfoMonitorWidget;
 class Ovryn_BoardInfoWidget;
 
 /// The board temperatures of a card: four sensors as rows or as graphs. Owned by the main dialog's page set, GUI
-/// thread. Nothing is stored of it, and nothing in the program feeds it or leads to it: one connection of each brings
-/// it to life.
+/// thread. Nothing of it is saved. The program sends it no data and has no button for it yet: one connection for each
+/// would put it to use.
 class Ovryn_BoardInfoMainWidget : public RowsAndGraphsPage
 {
     Q_OBJECT

@@ -13,12 +13,12 @@
 namespace
 {
 
-// A call that meets an unload looks again this often before it gives up.
+// A call during an unload polls this often before it gives up.
 constexpr int kUnloadPolls = 10;
 constexpr std::chrono::milliseconds kUnloadPollInterval(100);
 
-// An unload lets the calls end that are on their way, so that no code is unmapped under them. It does not
-// wait for ever: a thread that was terminated inside a call never returns from it.
+// An unload waits for the running calls, so that their code is not unmapped. It does not wait for ever: a thread that
+// was terminated inside a call never returns from it.
 constexpr std::chrono::milliseconds kDrainTimeout(1000);
 constexpr std::chrono::milliseconds kDrainInterval(1);
 
@@ -38,11 +38,11 @@ constexpr std::array<quint32, OperationCount> kIdentifiers = {
 #undef OVRYN_NVAPI_IDENTIFIER
 // clang-format on
 
-/// What stands in the table for an identifier that the library was asked for and does not know.
+/// The table's value for an identifier that the library was asked for and does not know.
 const char kUnknownOperation = 0;
 
-/// All that the boundary remembers. The library stays loaded after its NvAPI_Initialize has failed, so that
-/// the error text can be fetched and enumeration be tried, until that start too has been ended by its NvAPI_Unload.
+/// The state of the boundary. The library stays loaded after a failed NvAPI_Initialize, so that the error text can be
+/// read and enumeration can be tried, until the NvAPI_Unload of that start.
 struct Boundary
 {
     std::mutex lifecycle;      ///< serialises NvAPI_Initialize and NvAPI_Unload
@@ -77,15 +77,15 @@ bool waitForUnload()
     return true;
 }
 
-/// Holds the library in place while a call is inside it.
+/// Keeps the library loaded while a call is inside it.
 class CallInFlight
 {
 public:
     CallInFlight()
     {
         while (waitForUnload()) {
-            // Announce first, look afterwards: an unload sets its mark first and counts the calls afterwards,
-            // so one of the two sees the other.
+            // First count the call, then check for an unload. An unload first sets its mark, then checks the count.
+            // So at least one of the two sees the other.
             ++boundary().callsInFlight;
             if (!boundary().unloading) {
                 admitted = true;
@@ -108,7 +108,7 @@ private:
     bool admitted = false;
 };
 
-/// The size half of a version word of the I2C record as a 64-bit process has it; other words stay.
+/// The version word of the I2C record with the size of a 64-bit process; other words stay unchanged.
 quint32 nativeI2cVersion(quint32 tableVersion)
 {
     const quint32 number = tableVersion & 0xFFFF0000u;
@@ -124,8 +124,8 @@ quint32 nativeI2cVersion(quint32 tableVersion)
     }
 }
 
-/// For the length of one call gives the I2C record the version word that the card driver of a 64-bit process
-/// wants. The caller finds the word of the table in it again, which is the only one it knows.
+/// Gives the I2C record the version word that the card driver of a 64-bit process expects, for the time of one call.
+/// Afterwards the record has the table's word again, the only one that the caller knows.
 class NativeI2cVersionScope
 {
 public:
@@ -160,7 +160,7 @@ NV_I2C_INFO *asI2cRecord(Other)
     return nullptr;
 }
 
-/// Calls the library's own function. Whoever calls this holds the library in place.
+/// Calls the library's own function. The caller keeps the library loaded.
 template <typename Function, typename... Arguments>
 NvAPI_Status callLibrary(Operation operation, Arguments... arguments)
 {
@@ -168,7 +168,7 @@ NvAPI_Status callLibrary(Operation operation, Arguments... arguments)
     if (!queryInterface)
         return NVAPI_LIBRARY_NOT_FOUND;
 
-    // Two threads may resolve one operation at once; both get the same answer.
+    // Two threads may resolve one operation at once; both get the same result.
     const void *function = boundary().functions[operation];
     if (!function) {
         function = queryInterface(kIdentifiers[operation]);
@@ -210,8 +210,8 @@ void openLibrary()
     state.queryInterface = state.library.queryInterface;
 }
 
-/// Under `lifecycle`, with a library loaded. Where its NvAPI_Initialize has succeeded, its NvAPI_Unload undoes that
-/// and gives the result.
+/// Called with `lifecycle` held and a library loaded. After a successful NvAPI_Initialize it calls the library's
+/// NvAPI_Unload and returns the result.
 NvAPI_Status closeLibrary()
 {
     Boundary &state = boundary();
@@ -227,7 +227,7 @@ NvAPI_Status closeLibrary()
     state.queryInterface = nullptr;
     for (std::atomic<const void *> &function : state.functions)
         function = nullptr;
-    // With a call still inside, its code has to stay mapped.
+    // While a call is still inside, its code has to stay mapped.
     if (state.library.unload && state.callsInFlight == 0)
         state.library.unload();
     state.library = {};
@@ -235,13 +235,13 @@ NvAPI_Status closeLibrary()
     return status;
 }
 
-/// Every start asks the driver, so that one that does not work any more is found out. Only the last end tells it:
-/// the library serves the whole process, and a driver need not count.
+/// Every start calls the driver, to detect one that does not work any more. Only the last end calls it: the library
+/// serves the whole process, and a driver need not count.
 NvAPI_Status initialise()
 {
     Boundary &state = boundary();
-    // A start that fails is ended by an NvAPI_Unload of its own. If it did not count, that end would take away the
-    // count of another start, and with the last count the driver.
+    // A failed start counts too, because the caller ends it by an NvAPI_Unload of its own. That end would otherwise
+    // take the count of another start, and with the last count unload the driver.
     ++state.startCount;
     if (!waitForUnload())
         return NVAPI_ERROR;
@@ -253,7 +253,7 @@ NvAPI_Status initialise()
     return status;
 }
 
-/// A call too many is harmless: it fails.
+/// A surplus call is harmless: it fails.
 NvAPI_Status unload()
 {
     if (!waitForUnload())

@@ -23,14 +23,14 @@ OVRYN_NVAPI_OPERATIONS(OVRYN_NVAPI_DECLARE)
 /// The library's one export: an interface identifier in, a function pointer out, null when unknown.
 using NvApiQueryInterface = void *(OVRYN_NVAPI_CALL *)(quint32 identifier);
 
-/// Where the driver library comes from. The default is the system's library (nvapi.dll; on Linux
-/// libnvapi.so.1, else the card driver's own libnvidia-api.so.1). In-process tests put a stand-in here.
+/// The source of the driver library. The default is the system's library (nvapi.dll; on Linux libnvapi.so.1, else the
+/// card driver's own libnvidia-api.so.1). Tests set a stand-in here.
 struct NvApiLibrarySource
 {
     std::function<NvApiQueryInterface()> load; ///< null result: there is no library
     std::function<void()> unload;              ///< may be empty
-    /// True for the card driver's own library: in a 64-bit process the I2C record is larger than its
-    /// version words say, and that driver wants the real size in them; stand-ins want the table's words.
+    /// True for the card driver's own library: in a 64-bit process the I2C record is larger than its version words
+    /// say, and that driver expects the real size in them. Stand-ins expect the table's words.
     bool wantsNativeI2cSize = false;
 };
 

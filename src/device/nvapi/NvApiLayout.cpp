@@ -148,7 +148,7 @@ OVRYN_FIELD_SIZE(NV_I2C_INFO, bIsDDCPort, 1);
 OVRYN_FIELD_SIZE(NV_I2C_INFO, i2cDevAddress, 1);
 OVRYN_FIELD_SIZE(NV_I2C_INFO, portId, 1);
 
-// The versions end behind these fields; in a 64-bit process the end is rounded up to the pointers' multiple.
+// The versions end after these fields; in a 64-bit process the end is rounded up to a multiple of the pointer size.
 static_assert(offsetof(I2cInfo32, i2cSpeedKhz) + 4 == nvApiRecordSize(kI2cInfoVersion2), "up to i2cSpeedKhz");
 static_assert(offsetof(I2cInfo32, i2cSpeed) + 4 == nvApiRecordSize(kI2cInfoVersion1), "up to i2cSpeed");
 static_assert(sizeof(void *) == 4 || kI2cInfoSize3 == 64, "size in a 64-bit process");

@@ -7,7 +7,7 @@
 /// \file
 /// Finding and loading the system's driver library; one implementation for each system.
 
-/// A library that has been loaded. Without an entry point there is none.
+/// A loaded library; without an entry point no library is loaded.
 struct NvApiLibrary
 {
     NvApiQueryInterface queryInterface = nullptr;
@@ -15,5 +15,5 @@ struct NvApiLibrary
     bool wantsNativeI2cSize = false; ///< see NvApiLibrarySource
 };
 
-/// Loads the library that the system has. Never raises; a library without the entry point is left alone.
+/// Loads the system's library. Never throws; a library without the entry point is not used.
 [[nodiscard]] NvApiLibrary openSystemNvApiLibrary();

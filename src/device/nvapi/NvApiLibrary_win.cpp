@@ -18,7 +18,7 @@ NvApiLibrary openSystemNvApiLibrary()
         FreeLibrary(library);
         return {};
     }
-    // By way of void *: the compilers warn about a direct change of the function's type.
+    // Through void *: the compilers warn about a direct cast of the function's type.
     void *const address = reinterpret_cast<void *>(entry);
     return {reinterpret_cast<NvApiQueryInterface>(address), [library] { FreeLibrary(library); }, false};
 }

@@ -23,7 +23,7 @@
 #define OVRYN_NVAPI_CALL
 #endif
 
-/// 0 is success; the values that the program tells apart follow.
+/// 0 is success; then the values that the program distinguishes.
 using NvAPI_Status = qint32;
 
 constexpr NvAPI_Status NVAPI_OK = 0;
@@ -45,7 +45,7 @@ constexpr std::size_t kNvApiShortTextSize = 64; ///< every text buffer, terminat
 constexpr std::size_t kNvApiMaxGpus = 64;       ///< entries of a table of card handles
 constexpr std::size_t kNvApiMaxDisplays = 128;  ///< entries of the program's table of displays
 
-/// The record's size in a 32-bit process, as its version word tells it.
+/// The record's size in a 32-bit process, as in its version word.
 constexpr std::size_t nvApiRecordSize(quint32 versionWord)
 {
     return versionWord & 0xFFFFu;
@@ -261,7 +261,7 @@ constexpr quint32 kI2cInfoVersion3 = 0x3002C;
 constexpr quint32 kI2cInfoVersion2 = 0x20024; ///< up to `i2cSpeedKhz`
 constexpr quint32 kI2cInfoVersion1 = 0x10020; ///< up to `i2cSpeed`
 
-constexpr quint32 kI2cSpeedDeprecated = 0xFFFF; ///< hands the choice to `i2cSpeedKhz`
+constexpr quint32 kI2cSpeedDeprecated = 0xFFFF; ///< `i2cSpeedKhz` has the speed instead
 constexpr quint32 NVAPI_I2C_SPEED_400KHZ = 6;   ///< an enumeration, not a number of kHz
 
 /// Holds pointers, so a 64-bit process has a larger record than the version words say. The pointer is a parameter so

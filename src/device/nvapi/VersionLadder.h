@@ -10,22 +10,22 @@
 /// an operation is tried version by version. Between two attempts only the version word changes; the rest
 /// of the record stays as the last attempt left it.
 
-/// Where a ladder ended.
+/// The end of a ladder.
 struct LadderResult
 {
     NvAPI_Status status = NVAPI_ERROR; ///< of the last attempt
-    quint32 version = 0;               ///< version word of the last attempt; the one that answered on success
+    quint32 version = 0;               ///< version word of the last attempt; on success the accepted one
 
     [[nodiscard]] bool succeeded() const { return status == NVAPI_OK; }
 };
 
-/// Most operations: whatever went wrong, the next version is tried.
+/// Most operations: after any failure the next version is tried.
 inline bool descendOnAnyFailure(NvAPI_Status status)
 {
     return status != NVAPI_OK;
 }
 
-/// Only a driver that refuses the version itself is asked again.
+/// The next version is tried only when the driver refuses the version itself.
 inline bool descendOnRefusedVersion(NvAPI_Status status)
 {
     return status == NVAPI_INCOMPATIBLE_STRUCT_VERSION;
@@ -58,10 +58,10 @@ LadderResult descend(const std::array<quint32, versionCount> &versions, Record &
     return descendWhile(descendOnAnyFailure, versions, record, operation, gpu, arguments...);
 }
 
-/// The I2C form, for operations that exist as a plain and as an extended call. A refused version goes one
-/// version down with the same call. Any other failure is answered by the extended call at the version at
-/// hand, which in turn goes one down when that version is refused. Each version below the newest is one
-/// such round, and each round begins with what the status before it says.
+/// The I2C form, for operations that exist as a plain and as an extended call. A refused version goes one version
+/// down with the same call. After any other failure the extended call is tried with the same version; when that
+/// version is refused, it goes one version down too. Each version below the newest is one such round, and each round
+/// begins with the status before it.
 template <std::size_t versionCount, typename Record, typename PlainCall, typename ExtendedCall>
 LadderResult descendWithExtendedCall(const std::array<quint32, versionCount> &versions, Record &record,
                                      PlainCall plainCall, ExtendedCall extendedCall, NvPhysicalGpuHandle gpu)

@@ -6,9 +6,10 @@
 #include <QPainterPath>
 #include <QRect>
 
-/// \file The gauge's animated background: a pulsing glow around the ring and a disc that fills with moving water.
-/// Each step is a pure function of its state, and the painting of the step's result; the renderer keeps the state.
-/// Lengths are pixels.
+/// \file
+/// The gauge's animated background: a pulsing glow around the ring and a disc that fills with moving water. Each step
+/// is a pure function of its state, and the painting of the step's result; the renderer keeps the state. Lengths are
+/// pixels.
 
 /// The state of the pulsing glow. One step per frame.
 struct BreathPulse

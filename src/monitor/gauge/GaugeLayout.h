@@ -6,8 +6,9 @@
 
 #include <array>
 
-/// \file The geometry of the gauge, computed from its size. All lengths are pixels of the gauge widget; the gauge is
-/// the square of side `side` at the widget's origin.
+/// \file
+/// The geometry of the gauge, computed from its size. All lengths are pixels of the gauge widget; the gauge is the
+/// square of side `side` at the widget's origin.
 
 /// The ring of three segments around the hole.
 struct RingLayout

@@ -10,8 +10,9 @@
 
 class QPainter;
 
-/// \file The texts in the gauge's hole, those of the readout and of the adjustment overlay, and their painting. A
-/// text without room is left out.
+/// \file
+/// The texts in the gauge's hole, those of the readout and of the adjustment overlay, and their painting. A text
+/// without room is left out.
 
 /// The chosen quantity. The numbers are the order of the readouts, not codes of the card.
 enum GaugeDisplayMode

@@ -8,11 +8,11 @@
 
 class Ovryn_BaseMonitorBox;
 
-/// A scrolling stack of graph boxes, two to a page, of which a mask chooses the shown ones: what the graph
-/// views of the card's monitor page and of its board temperatures share. Bit i of the mask stands for box i.
+/// A scrolling stack of graph boxes, two per page; a mask chooses the visible ones. The graph views of the monitor
+/// page and of the board temperatures share it. Bit i of the mask is box i.
 ///
-/// All boxes take their samples whether they are shown or not, so that a graph chosen later has its history.
-/// Owned by its page, owns its boxes. GUI thread.
+/// Hidden boxes take their samples too, so that a graph chosen later has its history. Owned by its page, owns its
+/// boxes. GUI thread.
 class GraphStackView : public QWidget
 {
     Q_OBJECT
@@ -54,5 +54,5 @@ private:
     int lastY = 0;
 };
 
-/// The change of scroll that is left of a wanted one when neither end of the content may be passed.
+/// The wanted change of the scroll position, limited so that it passes neither end of the content.
 int boundedScroll(int wanted, int scrollY, int contentHeight, int viewHeight);

@@ -9,7 +9,7 @@
 struct MonitorQuantity
 {
     NvMonitorValue NvCardBaseInfo::*value; ///< group of the live record
-    const char *suffix;                    ///< behind each number
+    const char *suffix;                    ///< after each number
     QString Lang_Monitor::*title;
 };
 

@@ -44,7 +44,7 @@ QRect InfoRowLayout::loneTitleRect() const
 
 int InfoRowLayout::valueFontPixels() const
 {
-    return std::max(1, static_cast<int>(slotWidth() / 2.4)); // a font of 0 pixels is none
+    return std::max(1, static_cast<int>(slotWidth() / 2.4)); // a font of 0 pixels is invalid
 }
 
 Ovryn_BaseInfoRow::Ovryn_BaseInfoRow(QWidget *parent) : QWidget(parent), checkBox(new QCheckBox(this))

@@ -6,7 +6,7 @@
 
 class QCheckBox;
 
-/// Where everything of a row lies, in row pixels. Integer divisions truncate.
+/// The rectangles of a row's parts, in row pixels. Integer divisions truncate.
 struct InfoRowLayout
 {
     static constexpr int valueSlots = 5; ///< texts beside a title
@@ -18,7 +18,7 @@ struct InfoRowLayout
     [[nodiscard]] int slotWidth() const { return valueRect.width() / valueSlots; }
     [[nodiscard]] QRect slotRect(int slot) const;
     [[nodiscard]] QRect checkBoxRect() const;  ///< check and name column, as the box's own text is the title
-    [[nodiscard]] QRect loneTitleRect() const; ///< of the title when no check box stands before it
+    [[nodiscard]] QRect loneTitleRect() const; ///< of a title without a check box
     [[nodiscard]] int valueFontPixels() const;
 };
 InfoRowLayout infoRowLayoutFor(QSize row);
@@ -60,5 +60,5 @@ private:
     QString maxText;
     QString minText;
     QCheckBox *checkBox;
-    bool checkBoxVisible = true; ///< as asked for, whether or not the row itself is on the screen
+    bool checkBoxVisible = true; ///< as set by the caller, whether or not the row itself is visible
 };

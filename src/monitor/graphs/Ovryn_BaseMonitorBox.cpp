@@ -67,8 +67,8 @@ void Ovryn_BaseMonitorBox::addData(double value)
         scrollOffset = 0;
 
     const MonitorSample sample{rowOf(value), value, QTime::currentTime().toString()};
-    // The size is read anew each turn, so after a shrink about half of the excess goes now and the rest over
-    // the samples to come. A box narrower than its axis column keeps nothing.
+    // The size is read again in each round, so after a shrink about half of the excess is removed now and the rest
+    // with the next samples. A box narrower than its axis column keeps no samples.
     for (int i = 0; i < samples.size() - area.plotWidth && !samples.isEmpty(); ++i)
         samples.removeLast();
     samples.prepend(sample);
@@ -161,12 +161,12 @@ void Ovryn_BaseMonitorBox::paintHistory(QPainter &painter) const
     if (shown <= 0)
         return;
 
-    // The area under the outline goes down column by column: as one polygon the toolkit would sort hundreds of
-    // crossings a row once the history is jagged. A column takes the pixels whose middle lies in the polygon.
+    // The area under the outline is filled column by column: in one polygon the toolkit would sort hundreds of
+    // crossings per row for a jagged history. A column fills the pixels whose middle is in the polygon.
     QVector<QRect> columns;
     columns.reserve(shown + 1);
     const auto addColumn = [&](int x, double outlineY) {
-        // A row far outside the box shows nothing more and need not fit a rectangle.
+        // A row far outside the box is not visible, and its number might not fit a rectangle.
         const int edge = static_cast<int>(std::ceil(std::clamp(outlineY, 0.0, double(height()))));
         columns.append(
             QRect(QPoint(x, std::min(edge, area.plotBottom())), QPoint(x, std::max(edge, area.plotBottom()) - 1)));
@@ -241,7 +241,7 @@ void Ovryn_BaseMonitorBox::mouseMoveEvent(QMouseEvent *event)
         hoverY = event->y();
         update();
     } else {
-        hovering = false; // the old crosshair stands until the next sample repaints the box
+        hovering = false; // the old crosshair stays visible until the next sample repaints the box
     }
 }
 

@@ -9,7 +9,7 @@
 class Ovryn_BaseInfoRow;
 class QPainter;
 
-/// Where everything of a graph box lies, in box pixels. Integer divisions truncate.
+/// The rectangles of a graph box's parts, in box pixels. Integer divisions truncate.
 struct MonitorBoxLayout
 {
     int gridStepX = 20;
@@ -28,12 +28,12 @@ struct MonitorBoxLayout
     [[nodiscard]] int plotBottom() const { return plotY + plotHeight; }
     [[nodiscard]] QRect topLabelRect() const;
     [[nodiscard]] QRect bottomLabelRect() const;
-    /// Where a mouse finds history, when `sampleCount` samples are there.
+    /// The area in which the mouse is over a sample, with `sampleCount` samples.
     [[nodiscard]] QRect historyRect(int sampleCount) const;
 };
 MonitorBoxLayout monitorBoxLayoutFor(QSize box);
 
-/// Pixel row of a value between the axis limits. Not cut to the plot: a value beyond the limits lies outside.
+/// Pixel row of a value between the axis limits. Not cut to the plot: a value beyond the limits is outside.
 int monitorBoxRowOf(double value, double bottomValue, double topValue, int plotHeight);
 
 /// One sample of a graph's history.

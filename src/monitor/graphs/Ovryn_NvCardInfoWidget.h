@@ -17,8 +17,8 @@ class Ovryn_NvCardInfoWidget : public RowsAndGraphsPage
     Q_OBJECT
 
 public:
-    /// With the stored mask of ticked rows. `control` is asked for the driver's version and not kept; without
-    /// one the version is unknown.
+    /// With the stored mask of ticked rows. The constructor reads the driver's version from `control` and does not
+    /// keep the pointer; without one the version is unknown.
     Ovryn_NvCardInfoWidget(int selectOption, NvGpuControl *control, QWidget *parent = nullptr);
     /// For a card without stored settings: no row is ticked.
     explicit Ovryn_NvCardInfoWidget(NvGpuControl *control, QWidget *parent = nullptr);
@@ -40,5 +40,5 @@ private:
 
     Ovryn_GPUInfoWidget *cardRows;
     Ovryn_GPUInfoMonitorWidget *cardGraphs;
-    QString driverVersion; ///< "388.13"; "XXX.XX" when the driver did not tell
+    QString driverVersion; ///< "388.13"; "XXX.XX" when it could not be read
 };

@@ -8,8 +8,8 @@
 
 class Ovryn_BaseInfoRow;
 
-/// A page of rows with check boxes, one quantity a row, parted by red lines: what the rows views of the
-/// card's monitor page and of its board temperatures share. Bit i of a mask stands for row i.
+/// A page of rows with check boxes, one quantity per row, with red lines between them. The rows views of the monitor
+/// page and of the board temperatures share it. Bit i of a mask is row i.
 ///
 /// Owned by its page, owns its rows. GUI thread.
 class RowListView : public QWidget
@@ -21,7 +21,7 @@ public:
     RowListView(int quantityCount, int rowsPerHeight, QWidget *parent = nullptr);
 
     [[nodiscard]] int selectOption() const; ///< mask of the ticked rows
-    void setSelectOption(int mask);         ///< bits that stand for no row are ignored
+    void setSelectOption(int mask);         ///< bits without a row are ignored
 
     [[nodiscard]] Ovryn_BaseInfoRow *row(int position) const { return rows.at(position); }
 

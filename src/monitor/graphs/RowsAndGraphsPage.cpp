@@ -10,8 +10,7 @@
 
 namespace
 {
-// The picture shows the view that a click leads to. The edge makes it a cell of the band, which is there without a
-// picture too.
+// The picture shows the view that a click opens. The edge makes it a cell of the band, also without a picture.
 const char kTopRightStyle[] =
     "QCheckBox{background-color:rgba(0,0,0,0);border-left:1px solid rgba(@glass,110);outline:none;}"
     "QCheckBox::indicator{width:%1px;height:%2px;}"

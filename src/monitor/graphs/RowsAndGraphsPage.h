@@ -11,7 +11,7 @@ class GraphStackView;
 class QCheckBox;
 class RowListView;
 
-/// Where everything of such a page lies, in page pixels. Integer divisions truncate.
+/// The rectangles of such a page's parts, in page pixels. Integer divisions truncate.
 struct RowsAndGraphsLayout
 {
     int bandHeight = 0;
@@ -22,9 +22,9 @@ struct RowsAndGraphsLayout
 };
 RowsAndGraphsLayout rowsAndGraphsLayoutFor(QSize page);
 
-/// A page with a header band that shows either a list of rows or the graphs of the ticked rows: what the
-/// card's monitor page and its board temperatures share. The check box at the top right switches, and is
-/// offered only while a row is ticked, so that the graphs are never on without one.
+/// A page with a header band that shows either a list of rows or the graphs of the ticked rows. The monitor page and
+/// the board temperatures share it. The check box at the top right switches; it is visible only while a row is
+/// ticked, so that the graphs are never shown without one.
 ///
 /// Owns both views. GUI thread.
 class RowsAndGraphsPage : public QWidget

@@ -15,7 +15,7 @@ namespace
 {
 
 constexpr int kColumnGap = 5; // pixels
-constexpr int kPairGap = 12;  // between a row's first value and its second caption
+constexpr int kPairGap = 12;  // pixels between a row's first value and its second caption
 constexpr int kValueHeight = 22;
 constexpr int kMarginShare = 15; // the rows' margins are this part of the width
 
@@ -25,8 +25,8 @@ constexpr int kRowCount = int(std::size(kRowNames));
 
 const char kPageStyle[] = "QLabel{font-family: \"Arial\";font-size: 12px;}ReadonlyLineEdit{font-size: 10px;}";
 
-// A value looks the same in a label and in a line. The family of the captions stands here because the page's sheet,
-// which names one for every label, goes before a font that is set.
+// A value looks the same in a label and in a line. The captions' family is set here, because the page's style sheet
+// names a family for every label, and a style sheet has priority over setFont.
 const char kContentStyle[] =
     "QLabel,ReadonlyLineEdit{color:white;background-color:rgba(0,0,0,110);border:1px solid rgba(@glass,130);"
     "padding:0px 2px 0px 2px;}"
@@ -42,7 +42,7 @@ Object *named(Object *object, const char *name)
     return object;
 }
 
-bool standsAtTheRight(std::size_t entry)
+bool isAtTheRight(std::size_t entry)
 {
     return entry > 0 && kFixedInfoEntries[entry - 1].row == kFixedInfoEntries[entry].row;
 }
@@ -68,7 +68,7 @@ const FixedInfoEntry kFixedInfoEntries[kFixedInfoEntryCount] = {
 
 GpuFixedInfoLayout gpuFixedInfoLayoutFor(QSize page)
 {
-    const RowsAndGraphsLayout twin = rowsAndGraphsLayoutFor(page); // title and version stand as on the monitor page
+    const RowsAndGraphsLayout twin = rowsAndGraphsLayoutFor(page); // for the places of title and version
     const int margin = page.width() / kMarginShare;
     return {twin.bandHeight,
             margin,
@@ -98,7 +98,7 @@ void GpuFixedInfoUi::build(QWidget *page)
         captions[entry]->setProperty("caption", true);
         values[entry] = newValue(entry);
         QHBoxLayout *row = rows[std::size_t(kFixedInfoEntries[entry].row)];
-        if (standsAtTheRight(entry))
+        if (isAtTheRight(entry))
             row->addSpacing(kPairGap - kColumnGap);
         row->addWidget(captions[entry], 0, Qt::AlignVCenter);
         row->addWidget(values[entry], 1, Qt::AlignVCenter); // captions have their width, the values share the rest
@@ -113,12 +113,12 @@ QWidget *GpuFixedInfoUi::newValue(std::size_t entry)
         value = named(new ReadonlyLineEdit(verticalLayoutWidget), name);
     } else {
         auto *label = named(new QLabel(verticalLayoutWidget), name);
-        label->setTextFormat(Qt::PlainText); // what the driver tells is no markup
-        label->setIndent(0); // in line with the text of a line edit, not by a share of the frame's font
+        label->setTextFormat(Qt::PlainText); // the driver's texts are no markup
+        label->setIndent(0); // aligned with the text of a line edit; the default depends on the frame's font
         value = label;
     }
     value->setFixedHeight(kValueHeight);
-    value->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed); // all the same share, whatever they show
+    value->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed); // equal shares, whatever they show
     return value;
 }
 
@@ -134,7 +134,7 @@ void GpuFixedInfoUi::setCaptions(const Lang_GpuFixedInfo &words, const QString &
         QFont font = captions[entry]->font();
         font.setFamily(family);
         captions[entry]->setFont(font);
-        captions[entry]->setMinimumWidth(0); // the last language's width would go into the hint
+        captions[entry]->setMinimumWidth(0); // the last language's width would count in the size hint
         captions[entry]->setText(words.*kFixedInfoEntries[entry].caption);
     }
     fitCaptionColumns();
@@ -144,12 +144,12 @@ void GpuFixedInfoUi::fitCaptionColumns()
 {
     std::array<int, 2> widths{};
     for (std::size_t entry = 0; entry < kFixedInfoEntryCount; ++entry) {
-        captions[entry]->ensurePolished(); // the sheets have their say in the hint
-        int &width = widths[standsAtTheRight(entry) ? 1 : 0];
+        captions[entry]->ensurePolished(); // the size hint depends on the style sheets
+        int &width = widths[isAtTheRight(entry) ? 1 : 0];
         width = std::max(width, captions[entry]->sizeHint().width());
     }
     for (std::size_t entry = 0; entry < kFixedInfoEntryCount; ++entry)
-        captions[entry]->setFixedWidth(widths[standsAtTheRight(entry) ? 1 : 0]);
+        captions[entry]->setFixedWidth(widths[isAtTheRight(entry) ? 1 : 0]);
 }
 
 void GpuFixedInfoUi::setCaption(std::size_t entry, const QString &text)
@@ -160,7 +160,7 @@ void GpuFixedInfoUi::setCaption(std::size_t entry, const QString &text)
 void GpuFixedInfoUi::setValue(std::size_t entry, const QString &text)
 {
     if (auto *line = qobject_cast<ReadonlyLineEdit *>(values[entry])) {
-        if (line->text() == text) // as nearly every second: what the user has marked to copy stays marked
+        if (line->text() == text) // the usual case: what the user has marked to copy stays marked
             return;
         line->setText(text);
         line->setCursorPosition(0); // a text longer than the line shows its beginning

@@ -13,22 +13,22 @@
 class QLabel;
 class QWidget;
 
-/// One entry of the card information page: a caption and the value beside it. Either `text` or `difference` says
-/// where the value is from.
+/// One entry of the card information page: a caption and the value beside it. Either `text` or `difference` is the
+/// source of the value.
 struct FixedInfoEntry
 {
     int row; ///< of the page, from 0; the second entry of a row stands at its right
     const char *captionName;
     QString Lang_GpuFixedInfo::*caption;
     const char *valueName;      ///< "let_..." is a line to copy from, "lbl_..." a label
-    std::string NvInfo::*text;  ///< shown as it stands
+    std::string NvInfo::*text;  ///< shown unchanged
     qint32 NvInfo::*difference; ///< MHz; its sign chooses the caption too
 };
 
 constexpr std::size_t kFixedInfoEntryCount = 11;
 extern const FixedInfoEntry kFixedInfoEntries[kFixedInfoEntryCount]; ///< in reading order
 
-/// Where everything of the page lies, in page pixels. Integer divisions truncate.
+/// The rectangles of the page's parts, in page pixels. Integer divisions truncate.
 struct GpuFixedInfoLayout
 {
     int band = 0;      ///< height of the header band

@@ -31,7 +31,7 @@ void Ovryn_GpuFixedInfo::recvGpuFixedInfo(NvInfo info)
             ui.setValue(i, QString::fromStdString(info.*entry.text));
             continue;
         }
-        // A fall is told twice, by the word and by the sign of the number: wanted so.
+        // A decrease shows twice, as the word and as the sign of the number. This is intended.
         const qint32 difference = info.*entry.difference;
         ui.setCaption(i, difference >= 0 ? texts.inc : texts.dec);
         ui.setValue(i, QString::number(difference, 10));

@@ -11,7 +11,7 @@
 
 /// The card information page: what does not change with load, and by how much the customised clocks differ from the
 /// stock ones. Read-only; its fields are empty until the first record. Owned by the widget tree, GUI thread; a value
-/// that could not be read shows as the record tells it.
+/// that could not be read shows as the record's text for it.
 class Ovryn_GpuFixedInfo : public QWidget
 {
     Q_OBJECT
@@ -19,7 +19,7 @@ class Ovryn_GpuFixedInfo : public QWidget
 public:
     explicit Ovryn_GpuFixedInfo(QWidget *parent = nullptr);
 
-    /// The change captions read as for a rise until the next record puts them right.
+    /// The change captions are those of an increase until the next record corrects them.
     void setLanguage(Lang_GpuFixedInfo newTexts, LanguageType newLanguage);
 
 public slots:

@@ -38,7 +38,7 @@ void Ovryn_SendNvCardInfoThread::run()
 
 void Ovryn_SendNvCardInfoThread::sampleOnce()
 {
-    // Results of the reads are not looked at: a failed one has left zeros, and those are shown.
+    // The results of the reads are not checked: a failed read leaves zeros, and those are shown.
     CardReadings readings;
     NvThermalPolicyInfo thermalPolicy; // read with each sample, shown nowhere
     NvClockSet baseClocks;             // read with each sample, shown nowhere

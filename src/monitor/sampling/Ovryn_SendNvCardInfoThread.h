@@ -8,13 +8,12 @@
 
 class NvGpuControl;
 
-/// The sampling worker of one card: the pages' one source of live data. Once per refresh interval it reads
-/// everything live from the card and sends three records, by value, to whoever listens.
+/// The sampling worker of one card: the pages' one source of live data. Once per refresh interval it reads all live
+/// data of the card and emits three records, by value.
 ///
 /// Owned by the main dialog, which calls its operations on the GUI thread; the three records' names must be
-/// registered as meta-types before a connection is made. A failed read is a zero in the record and nothing
-/// else: the cycle goes on. A change of the interval and the end wait for a running cycle, since the mutex
-/// is held through it.
+/// registered as meta-types before a connection is made. A failed read is a zero in the record; the cycle continues.
+/// A change of the interval and the end wait for a running cycle, since the mutex is held through it.
 class Ovryn_SendNvCardInfoThread : public WorkerThread
 {
     Q_OBJECT

@@ -9,7 +9,7 @@ constexpr qint32 kGpuClockScaleMHz = 2000;
 constexpr qint32 kGpuClockRaisedScaleMHz = 3000;
 constexpr qint32 kMemoryClockScaleMHz = 5000;
 constexpr qint32 kMemoryClockRaisedScaleMHz = 10000;
-// Half of the lower scale on purpose, where the clocks are raised only beyond theirs.
+// Half of the lower scale, on purpose: only the clocks' scales wait until a value exceeds them.
 constexpr quint32 kFanThresholdRpm = 1500;
 constexpr qint32 kFanScaleRpm = 3000;
 constexpr qint32 kFanRaisedScaleRpm = 5000;
