@@ -4,6 +4,7 @@
 #include "platform/FileSync.h"
 #include "platform/QtSingleApplication.h"
 #include "ui/Fonts.h"
+#include "ui/MessageBoxes.h"
 #include "ui/Ovryn_LanguageTable.h"
 #include "ui/Ovryn_MessageBox.h"
 #include "ui/UiStyle.h"
@@ -30,8 +31,8 @@ constexpr int kMessageTimeoutMs = 5000;
 int reportUnknownError()
 {
     registerApplicationFonts(); // the system may have no font for the Chinese text
-    Ovryn_MessageBox box(0, QString(), QStringLiteral("未知错误发生\r\nAn unknown error has occurred"),
-                         kLanguageChinese, nullptr, Qt::WindowFlags(Ovryn_MessageBox::usualWindowFlags));
+    Ovryn_MessageBox box =
+        messageBox(QStringLiteral("未知错误发生\r\nAn unknown error has occurred"), kLanguageChinese, nullptr);
     box.setYesText(QStringLiteral("确定/Comfirm"));
     box.exec();
     return 0;
@@ -145,8 +146,7 @@ int run(int argc, char **argv)
         return 0;
     }
     if (dialog.cardCount() <= 0) {
-        Ovryn_MessageBox box(0, QString(), languageTable.noCard, languageTable.language(), nullptr,
-                             Qt::WindowFlags(Ovryn_MessageBox::usualWindowFlags));
+        Ovryn_MessageBox box = messageBox(languageTable.noCard, languageTable.language(), nullptr);
         application.setActivationWindow(&box, true);
         box.setWindowModality(Qt::WindowModal); // a box modal to the application would block the tray icon too
         box.exec();

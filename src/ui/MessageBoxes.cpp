@@ -9,9 +9,14 @@ bool ask(const QString &question, LanguageType language, QWidget *parent)
     return box.exec() == Ovryn_MessageBox::Yes;
 }
 
+Ovryn_MessageBox messageBox(const QString &message, LanguageType language, QWidget *parent)
+{
+    return Ovryn_MessageBox(0, QString(), message, language, parent,
+                            Qt::WindowFlags(Ovryn_MessageBox::usualWindowFlags));
+}
+
 void tell(const QString &message, LanguageType language, QWidget *parent)
 {
-    Ovryn_MessageBox box(0, QString(), message, language, parent,
-                         Qt::WindowFlags(Ovryn_MessageBox::usualWindowFlags));
+    Ovryn_MessageBox box = messageBox(message, language, parent);
     box.exec();
 }
