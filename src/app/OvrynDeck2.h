@@ -81,7 +81,7 @@ public slots:
     void onDownloadUpdateFileFinished(bool resut);
     void onDownloadUpdateFileFinished1(bool resut);
     void onEndDemanded();       ///< by the system, which gives little time for it
-    void onCommitDataRequest(); ///< the session may end; the program goes on until it does
+    void onCommitDataRequest(); ///< the session may end; the program continues until it does
 
 signals:
     /// The close event has saved everything, whoever closed the window: the program must end now.

@@ -177,10 +177,10 @@ void OvrynDeck2::manualDetectUpdate()
 
 void OvrynDeck2::onDownloadUpdateFileFinished(bool resut)
 {
-    updateFlow->answer(resut, UpdateTrigger::Automatic);
+    updateFlow->handleResult(resut, UpdateTrigger::Automatic);
 }
 
 void OvrynDeck2::onDownloadUpdateFileFinished1(bool resut)
 {
-    updateFlow->answer(resut, UpdateTrigger::Manual);
+    updateFlow->handleResult(resut, UpdateTrigger::Manual);
 }

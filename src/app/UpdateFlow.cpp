@@ -26,7 +26,7 @@ UpdateFlow::UpdateFlow(Ovryn_ConfigFile &file, const GeneralSettingInfo &general
 {
 }
 
-void UpdateFlow::checkOnStart(const char *answeringSlot)
+void UpdateFlow::checkOnStart(const char *resultSlot)
 {
     if (isReturnFromUpdater(QCoreApplication::arguments())) {
         returnFromUpdater();
@@ -35,17 +35,17 @@ void UpdateFlow::checkOnStart(const char *answeringSlot)
     QDate lastCheck = QDate::currentDate(); // used where no config.xml could be read
     configFile.getLastCheckDate(lastCheck);
     if (isUpdateCheckDue(lastCheck, updateSetting.CheckInterval, QDate::currentDate()))
-        startCheck(answeringSlot);
+        startCheck(resultSlot);
 }
 
-void UpdateFlow::startCheck(const char *answeringSlot)
+void UpdateFlow::startCheck(const char *resultSlot)
 {
     disconnect(downloader, SIGNAL(downloadFinished(bool)), dialog, nullptr);
-    connect(downloader, SIGNAL(downloadFinished(bool)), dialog, answeringSlot);
+    connect(downloader, SIGNAL(downloadFinished(bool)), dialog, resultSlot);
     downloader->startDownload();
 }
 
-void UpdateFlow::answer(bool manifestDownloaded, UpdateTrigger trigger)
+void UpdateFlow::handleResult(bool manifestDownloaded, UpdateTrigger trigger)
 {
     if (!manifestDownloaded) // no message in both cases; the date stays, so that the next start tries again
         return;

@@ -23,13 +23,13 @@ public:
                const Ovryn_LanguageTable &texts, QWidget *window);
 
     /// At the start of the program: completes an update, or looks for one when a check is due. The check calls
-    /// `answeringSlot` of the dialog with its result.
-    void checkOnStart(const char *answeringSlot);
+    /// `resultSlot` of the dialog with its result.
+    void checkOnStart(const char *resultSlot);
     /// Looks for an update. Only this slot of the dialog gets the result, also that of a check that is running
     /// already.
-    void startCheck(const char *answeringSlot);
+    void startCheck(const char *resultSlot);
     /// What follows a check. `manifestDownloaded` is its result.
-    void answer(bool manifestDownloaded, UpdateTrigger trigger);
+    void handleResult(bool manifestDownloaded, UpdateTrigger trigger);
 
 private:
     void startUpdater();

@@ -80,15 +80,15 @@ void limitShutdown(int exitCode, int cards)
 }
 
 /// The dialog while the event loop runs.
-OvrynDeck2 *dialogOfTheLoop = nullptr;
+OvrynDeck2 *runningDialog = nullptr;
 
 /// The toolkit ends the process by exit() in the middle of the event loop when the connection to the display breaks.
 void endWithoutTheDisplay()
 {
-    if (!dialogOfTheLoop)
+    if (!runningDialog)
         return;
-    limitShutdown(EXIT_FAILURE, dialogOfTheLoop->cardCount());
-    dialogOfTheLoop->endWork();
+    limitShutdown(EXIT_FAILURE, runningDialog->cardCount());
+    runningDialog->endWork();
     std::_Exit(EXIT_FAILURE); // the toolkit's own destructors would use a display that is gone
 }
 
@@ -159,10 +159,10 @@ int run(int argc, char **argv)
         // Inside the event loop: an update that starts while the question is open must be able to close it.
         QTimer::singleShot(0, &dialog, [&dialog] { dialog.afterShow(); });
     }
-    dialogOfTheLoop = &dialog;
+    runningDialog = &dialog;
     std::atexit(endWithoutTheDisplay);
     const int exitCode = QApplication::exec(); // includes the end of the dialog's work
-    dialogOfTheLoop = nullptr;
+    runningDialog = nullptr;
     return exitCode;
 }
 

@@ -7,9 +7,8 @@
 
 #include <array>
 
-/// \file
-/// The in-memory records of config.xml, with the defaults that stand when an element is absent.
-/// (An attribute that is absent from a present element reads as 0, false or the empty text instead.)
+/// \file The in-memory records of config.xml, with the defaults for an absent element. (An attribute that is absent
+/// from a present element reads as 0, false or the empty text instead.)
 
 /// Settings of the whole program.
 struct GeneralSettingInfo

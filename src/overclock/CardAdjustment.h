@@ -104,7 +104,7 @@ private:
     const FanWatch fanWatch;                      ///< may be empty
     Ovryn_SetUserDefineFanSpeedThread *fanThread; ///< null once the work has ended
     bool curveDrivesFan = false;                  ///< from the worker's start until the card took another order
-    QList<QPoint> nodes; ///< the fan curve in force: degrees Celsius, percent; empty until one was set
+    QList<QPoint> nodes; ///< the present fan curve: degrees Celsius, percent; empty until one was set
 
     OverClockingParam current; ///< last read or applied; what the page's rows start from
     OverClockingParam applied; ///< what Cancel returns to

@@ -15,7 +15,7 @@
 #include <algorithm>
 #include <utility>
 
-// Construction, looks and what the rows show. What the user does stands in Ovryn_OverClockingWidget_Slots.cpp.
+// Construction, looks and what the rows show. The user's actions are in Ovryn_OverClockingWidget_Slots.cpp.
 
 namespace
 {

@@ -17,7 +17,7 @@ bool hasFewAttributes(const QString &text)
     int inAll = 0;
     int sinceBracket = 0;
     for (const QChar character : text) {
-        if (character == QLatin1Char('<')) { // stands in no attribute's value
+        if (character == QLatin1Char('<')) { // can't be in an attribute's value
             sinceBracket = 0;
         } else if (character == QLatin1Char('=')) {
             if (++sinceBracket > kManifestEqualsSignsMaxPerTag || ++inAll > kManifestEqualsSignsMax)

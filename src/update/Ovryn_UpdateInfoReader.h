@@ -14,8 +14,8 @@ constexpr qint64 kManifestBytesMax = 16 * 1024 * 1024;
 /// element with all before it, so that an element of some hundred thousand would take it hours.
 constexpr int kManifestCharactersMaxUnlessPlain = 16 * 1024;
 
-/// Equals signs between two angle brackets, and in all, that such a manifest may have. No element has more
-/// attributes than equals signs stand before the next element.
+/// Equals signs between two angle brackets, and in all, that such a manifest may have. No element has more attributes
+/// than there are equals signs before the next element.
 constexpr int kManifestEqualsSignsMaxPerTag = 256;
 constexpr int kManifestEqualsSignsMax = 1000000;
 

@@ -60,7 +60,7 @@ protected:
     /// The same for a caller that holds the mutex.
     void startThreadUnderMutex();
 
-    /// Asks the loop to end. It sees that at the end of a cycle, and goes on if it is started again before.
+    /// Asks the loop to end. It checks for that at the end of a cycle, and continues if it was started again before.
     void stopThread();
 
     /// The sleep of a loop between two cycles, the only place where it frees the mutex: through the loop's own

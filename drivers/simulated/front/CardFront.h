@@ -8,11 +8,11 @@
 #include <array>
 #include <optional>
 
-/// What can be seen on the front of simulated cards, as the driver's state file tells it.
+/// The visible state of the simulated cards' fronts, from the driver's state file.
 namespace cardfront
 {
 
-/// What the LED controller runs: the last frame that it took.
+/// The last frame that the LED controller accepted.
 struct LedState
 {
     int effect = 0;          ///< the frame's effect code, 0..255
@@ -22,7 +22,7 @@ struct LedState
     int accepted = 0;        ///< frames taken so far; each starts its effect anew
 };
 
-/// What the LCD controller knows: the last frame that it took.
+/// The last frame that the LCD controller accepted.
 struct LcdState
 {
     int command = 0xF0; ///< page, off or rotation, 0..255
@@ -36,7 +36,7 @@ struct LcdState
     int fanMaxRpm = 0;
     int fanRpm = 0;
     bool fanFlag = false;
-    std::array<int, 4> modelDigits{}; ///< a character less "0" each, right-aligned, so letters are above 9
+    std::array<int, 4> modelDigits{}; ///< a character minus "0" each, right-aligned, so letters are above 9
     bool modelTi = false;
 };
 
@@ -55,8 +55,8 @@ bool operator==(const LcdState &a, const LcdState &b);
 bool operator==(const CardFront &a, const CardFront &b);
 
 /// The cards of a state file's text. What a card lacks or has with a wrong type keeps its default, numbers are
-/// held within what a frame can carry, and entries that are no card are left out. Nothing at all when the text
-/// as a whole is none of a state file, such as half of one.
+/// limited to a frame's range, and entries that are no card are left out. No value when the text is no complete state
+/// file.
 [[nodiscard]] std::optional<QVector<CardFront>> cardFrontsOf(const QByteArray &text);
 
 } // namespace cardfront

@@ -8,8 +8,8 @@ namespace
 {
 
 constexpr int kFrameMs = 33;
-constexpr double kFanSlowness = 60.0;        // a turn a second for each a second at sixty would be seen as standing
-constexpr double kFastestFanDegreesMs = 0.5; // half the way from blade to blade in a frame would seem to turn back
+constexpr double kFanSlowness = 60.0; // the shown fan is this much slower: a real one would seem to stand still
+constexpr double kFastestFanDegreesMs = 0.5; // a faster fan would seem to turn backwards
 constexpr QSize kMainWindow(1020, 680);
 constexpr int kGap = 12;   // between the two windows
 constexpr int kBorder = 4; // that a window manager may put around

@@ -30,7 +30,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    /// When what a card shows came, and how far its fans are.
+    /// The times of a card's last frames, and the angle of its fans.
     struct Motion
     {
         qint64 ledSinceMs = 0;
@@ -48,7 +48,7 @@ private:
     qint64 now = 0;
 };
 
-/// Where the window goes on a screen: right of the program's main window, which stands in the middle, where there is
+/// The window's place on a screen: to the right of the program's main window, which is in the middle, if there is
 /// room; else at the screen's right edge. Never beyond the screen's upper left.
 [[nodiscard]] QPoint windowPlace(const QRect &available, QSize window);
 

@@ -145,7 +145,7 @@ void paintEmblem(QPainter &painter, const CardLayout &layout, const QColor &colo
     painter.fillRect(layout.logoCore, colour);
 }
 
-/// What the LEDs pour over the card: one colour, or the run of colours along the strip.
+/// The LEDs' light on the card: one colour, or the colours along the strip.
 QBrush ledBrush(const CardLayout &layout, const LedState &led, qint64 sinceMs)
 {
     if (led.effect != kEffectGradient)

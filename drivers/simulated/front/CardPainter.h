@@ -20,7 +20,7 @@ struct CardMoment
     double fanDegrees = 0; ///< how far the fans have turned
 };
 
-/// What the LEDs look like when they are off: the milky plastic before them.
+/// The LEDs' colour when they are off: that of the plastic in front of them.
 constexpr QColor kUnlitLed(0x36, 0x38, 0x41);
 
 /// Colour of an LED in a picture, off or on or anything between.

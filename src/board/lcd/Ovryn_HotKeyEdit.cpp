@@ -80,7 +80,7 @@ Ovryn_HotKeyEdit::Ovryn_HotKeyEdit(bool takesModifier, QWidget *parent)
 {
     setAttribute(Qt::WA_InputMethodEnabled, false);
     setContextMenuPolicy(Qt::NoContextMenu);
-    setAcceptDrops(false); // a text dropped here would stand for no key
+    setAcceptDrops(false); // a text dropped here would be no key
     setKey(modifierMode ? kFirstModifier : kFirstNormalKey);
 }
 

@@ -16,7 +16,7 @@
 
 #include <algorithm>
 
-// Construction, looks and what the controls show. What the user does stands in Ovryn_LCDControllorWidget_Slots.cpp.
+// Construction, looks and what the controls show. The user's actions are in Ovryn_LCDControllorWidget_Slots.cpp.
 
 namespace
 {

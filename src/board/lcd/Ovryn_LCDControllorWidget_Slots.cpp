@@ -9,7 +9,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 
-// What the user does, and what follows from it.
+// The user's actions and their effects.
 
 void Ovryn_LCDControllorWidget::showButtons(bool show)
 {

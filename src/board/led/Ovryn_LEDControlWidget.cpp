@@ -18,7 +18,7 @@
 
 #include <algorithm>
 
-// Construction, looks and what the controls show. What the user does stands in Ovryn_LEDControlWidget_Slots.cpp.
+// Construction, looks and what the controls show. The user's actions are in Ovryn_LEDControlWidget_Slots.cpp.
 
 namespace
 {

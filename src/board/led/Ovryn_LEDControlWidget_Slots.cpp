@@ -13,7 +13,7 @@
 
 #include <algorithm>
 
-// What the user does, and the frames that follow from it.
+// The user's actions and the frames that they cause.
 
 void Ovryn_LEDControlWidget::sendCurrentEffect(bool closing)
 {
@@ -38,7 +38,7 @@ void Ovryn_LEDControlWidget::sendCurrentEffect(bool closing)
 
 void Ovryn_LEDControlWidget::send(const LedCommand &command, bool closing)
 {
-    // A card without a controller refuses every frame; the page shows the same all the same.
+    // A card without a controller refuses every frame; the page shows the choice nevertheless.
     control->i2cWriteFramed(command.colors.data(), qint32(command.colors.size()), command.effect, command.level,
                             command.interval, closing);
 }

@@ -202,7 +202,7 @@ void Ovryn_BaseMonitorBox::paintAxisLabels(QPainter &painter) const
     axisFont.setPixelSize(area.axisFontPixels);
     painter.setFont(axisFont);
     painter.setPen(kWhite);
-    // The two pairs of flags differ: the upper limit is centred and the lower one stands at the right.
+    // The two pairs of flags differ: the upper limit is centred and the lower one is right-aligned.
     painter.drawText(area.topLabelRect(), Qt::AlignLeft | Qt::AlignHCenter, QString::number(topValue, 'g', 6));
     painter.drawText(area.bottomLabelRect(), Qt::AlignRight | Qt::AlignHCenter, QString::number(bottomValue, 'g', 6));
 }

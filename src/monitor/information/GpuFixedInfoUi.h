@@ -17,7 +17,7 @@ class QWidget;
 /// source of the value.
 struct FixedInfoEntry
 {
-    int row; ///< of the page, from 0; the second entry of a row stands at its right
+    int row; ///< of the page, from 0; the second entry of a row is at its right
     const char *captionName;
     QString Lang_GpuFixedInfo::*caption;
     const char *valueName;      ///< "let_..." is a line to copy from, "lbl_..." a label
