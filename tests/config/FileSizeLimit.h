@@ -7,8 +7,8 @@
 
 #include <sys/resource.h>
 
-/// While it lives, no file of this process can be written beyond that size: a disk that fills up in the middle of a
-/// file, for every user alike.
+/// While it lives, no file of this process can be written beyond that size: it acts like a disk that fills up in the
+/// middle of a file, for root too.
 class FileSizeLimit
 {
 public:

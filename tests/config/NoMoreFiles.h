@@ -5,7 +5,7 @@
 #ifdef Q_OS_UNIX
 #include <sys/resource.h>
 
-/// While it lives, this process can open no file: the one failure of opening that also root meets in a folder where
+/// While it lives, this process can open no file: the only failure of opening that root gets too in a folder where
 /// everything else is allowed.
 class NoMoreFiles
 {

@@ -1,8 +1,7 @@
-#include "config/Ovryn_ConfigFile.h"
-
-#include "config/ConfigFolder.h"
+#include "config/ConfigFileTest.h"
 #include "config/NoMoreFiles.h"
 #include "config/SampleConfig.h"
+#include "support/CurrentFolder.h"
 
 #include <QDir>
 #include <QtTest>
@@ -13,7 +12,7 @@ namespace
 const QString kName = QStringLiteral("GeForce GTX 1070 Ti");
 constexpr quint32 kId = 286094199;
 
-/// True when every getter answers as after the wanted outcome of `load`, and none touched its output when it is
+/// True when every getter returns what the outcome of `load` demands, and none changed its output when it returned
 /// false.
 bool gettersAnswer(const Ovryn_ConfigFile &config, bool loaded, bool cardKnown)
 {
@@ -45,13 +44,11 @@ bool gettersAnswer(const Ovryn_ConfigFile &config, bool loaded, bool cardKnown)
 
 } // namespace
 
-class TestConfigFileFailures : public QObject
+class TestConfigFileFailures : public ConfigFileTest
 {
     Q_OBJECT
 
 private slots:
-    void init() { folder.reset(new ConfigFolder); }
-
     void nothingIsLoadedBeforeLoad();
     void missingFileBecomesAFreshOne();
     void freshFileHoldsTheDefaults();
@@ -69,9 +66,6 @@ private slots:
     void settersWorkUnloaded();
     void failedLoadForgetsTheOldState();
     void defaultFileName();
-
-private:
-    QScopedPointer<ConfigFolder> folder;
 };
 
 void TestConfigFileFailures::nothingIsLoadedBeforeLoad()
@@ -103,7 +97,7 @@ void TestConfigFileFailures::freshFileHoldsTheDefaults()
     config.setLastCloseDate(QDate(1999, 1, 1));
     config.setLastStartDate(QDate(1999, 1, 1));
     config.setLastUpdateDate(QDate(1999, 1, 1));
-    QVERIFY(config.load()); // none of what was set survives
+    QVERIFY(config.load()); // nothing that was set survives
 
     QCOMPARE(childNames(folder->root()),
              QStringList({"GeneralSetting", "UpdateSetting", "GpuSettings", "LastCloseDate", "LastStartDate",
@@ -140,7 +134,7 @@ void TestConfigFileFailures::brokenTextBecomesAFreshFile_data()
     QTest::newRow("declaration alone") << QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?>");
     QTest::newRow("root not closed") << QByteArray("<OvrynParameter>");
     QTest::newRow("two roots") << QByteArray("<OvrynParameter/><OvrynParameter/>");
-    QTest::newRow("good root, rubbish behind it") << kSampleConfig + "x";
+    QTest::newRow("good root, rubbish after it") << kSampleConfig + "x";
     QTest::newRow("attribute without quotes") << QByteArray("<OvrynParameter a=1/>");
     QTest::newRow("no encoding of any kind") << QByteArray("<OvrynParameter a='\xFF\xFE'/>");
     QTest::newRow("nested without end") << QByteArray("<OvrynParameter>") + QByteArray("<a>").repeated(1000000);
@@ -212,7 +206,7 @@ void TestConfigFileFailures::saveBesideAForeignRoot()
 
 void TestConfigFileFailures::fileThatCannotBeOpened()
 {
-    QVERIFY(QDir().mkpath(folder->path())); // a folder of that name can be opened by nobody, root included
+    QVERIFY(QDir().mkpath(folder->path())); // a folder of that name can't be opened, not even by root
     Ovryn_ConfigFile config(folder->path());
     QVERIFY(!config.load());
     QVERIFY(gettersAnswer(config, false, false));
@@ -280,7 +274,7 @@ void TestConfigFileFailures::settersWorkUnloaded()
     QVERIFY(!config.load());
     config.setMonitorModule(kName, kId, 3);
     config.setLastCheckDate(QDate(2020, 2, 3));
-    QVERIFY(gettersAnswer(config, false, false)); // the getters go on answering false
+    QVERIFY(gettersAnswer(config, false, false)); // the getters keep returning false
     QVERIFY(QDir().rmdir(folder->path()));
     QVERIFY(config.save());
     QCOMPARE(folder->gpus().value(0).attribute("GpuName"), kName);
@@ -299,14 +293,10 @@ void TestConfigFileFailures::failedLoadForgetsTheOldState()
 
 void TestConfigFileFailures::defaultFileName()
 {
-    const QString before = QDir::currentPath();
-    const QTemporaryDir current;
-    QVERIFY(QDir::setCurrent(current.path()));
+    const CurrentFolder current;
     Ovryn_ConfigFile config;
-    const bool fresh = config.load();
-    const bool there = QFile::exists(current.filePath("config.xml"));
-    QVERIFY(QDir::setCurrent(before));
-    QVERIFY(fresh && there);
+    QVERIFY(config.load());
+    QVERIFY(QFile::exists("config.xml"));
 }
 
 QTEST_APPLESS_MAIN(TestConfigFileFailures)

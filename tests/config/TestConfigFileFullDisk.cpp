@@ -1,6 +1,4 @@
-#include "config/Ovryn_ConfigFile.h"
-
-#include "config/ConfigFolder.h"
+#include "config/ConfigFileTest.h"
 #include "config/FileSizeLimit.h"
 #include "config/NoMoreFiles.h"
 #include "config/SampleConfig.h"
@@ -9,8 +7,8 @@
 #include <QDateTime>
 #include <QtTest>
 
-/// What is left of the settings where the disk does not take them, or where they can't be read.
-class TestConfigFileFullDisk : public QObject
+/// The settings file when the disk is full or fails, or when the file can't be read.
+class TestConfigFileFullDisk : public ConfigFileTest
 {
     Q_OBJECT
 
@@ -55,7 +53,7 @@ void write(const QString &path, const QByteArray &text)
     file.setFileTime(QDateTime(QDate(2001, 2, 3), QTime(4, 5)), QFileDevice::FileModificationTime);
 }
 
-/// Another file, or one that was written to, has another time.
+/// A new or changed file has another time.
 bool isUntouched(const QString &path)
 {
     return QFileInfo(path).lastModified() == QDateTime(QDate(2001, 2, 3), QTime(4, 5));
@@ -67,7 +65,7 @@ bool knowsCard(const Ovryn_ConfigFile &config, const QString &name)
     return config.getMonitorModule(name, 1, selectOption) && selectOption == 77;
 }
 
-/// What a stand-in for the way to the disk saw, at each call.
+/// The file's content at each call of the stand-in for the sync.
 QByteArrayList synced;
 bool syncSucceeds = true;
 
@@ -166,18 +164,17 @@ void TestConfigFileFullDisk::diskThatFillsUpInTheMiddle()
 {
 #ifdef Q_OS_UNIX
     QFETCH(int, cards);
-    const ConfigFolder folder;
-    folder.write(kSampleConfig);
-    Ovryn_ConfigFile config(folder.path());
+    folder->write(kSampleConfig);
+    Ovryn_ConfigFile config(folder->path());
     QVERIFY(config.load());
     addCards(config, cards);
     {
         const FileSizeLimit limit(kSampleConfig.size());
         QVERIFY(!config.save());
     }
-    QCOMPARE(folder.text(), kSampleConfig); // put back
+    QCOMPARE(folder->text(), kSampleConfig); // put back
     QVERIFY(config.save());
-    QVERIFY(folder.gpus().size() == 2 + cards);
+    QVERIFY(folder->gpus().size() == 2 + cards);
 #else
     QSKIP("needs a limit of file sizes");
 #endif
@@ -186,13 +183,12 @@ void TestConfigFileFullDisk::diskThatFillsUpInTheMiddle()
 void TestConfigFileFullDisk::firstFileThatDoesNotFit()
 {
 #ifdef Q_OS_UNIX
-    const ConfigFolder folder;
-    Ovryn_ConfigFile config(folder.path());
+    Ovryn_ConfigFile config(folder->path());
     {
         const FileSizeLimit limit(10);
         QVERIFY(!config.load()); // a fresh file can't be written
     }
-    QVERIFY(!folder.exists());
+    QVERIFY(!folder->exists());
     GeneralSettingInfo general;
     QVERIFY(!config.getGeneralSetting(general));
 #else
@@ -202,22 +198,20 @@ void TestConfigFileFullDisk::firstFileThatDoesNotFit()
 
 void TestConfigFileFullDisk::syncedBeforeItIsClosed()
 {
-    const ConfigFolder folder;
-    folder.write(kSampleConfig);
-    Ovryn_ConfigFile config(folder.path(), recordSync);
+    folder->write(kSampleConfig);
+    Ovryn_ConfigFile config(folder->path(), recordSync);
     QVERIFY(config.load());
     config.setLastCheckDate(QDate(2030, 1, 2));
     synced.clear();
     QVERIFY(config.save());
-    QCOMPARE(synced, QByteArrayList{folder.text()}); // all of it was in the file then
-    QVERIFY(folder.text().contains("2030/01/02"));
+    QCOMPARE(synced, QByteArrayList{folder->text()}); // all of it was in the file then
+    QVERIFY(folder->text().contains("2030/01/02"));
 }
 
 void TestConfigFileFullDisk::syncThatFails()
 {
-    const ConfigFolder folder;
-    folder.write(kSampleConfig);
-    Ovryn_ConfigFile config(folder.path(), recordSync);
+    folder->write(kSampleConfig);
+    Ovryn_ConfigFile config(folder->path(), recordSync);
     QVERIFY(config.load());
     addCards(config, 1);
     synced.clear();
@@ -225,18 +219,17 @@ void TestConfigFileFullDisk::syncThatFails()
     const bool saved = config.save();
     syncSucceeds = true;
     QVERIFY(!saved);
-    QCOMPARE(folder.text(), kSampleConfig);
-    QCOMPARE(synced.size(), 2); // the old text, too, is to lie on the disk
+    QCOMPARE(folder->text(), kSampleConfig);
+    QCOMPARE(synced.size(), 2); // the old text is synced too
     QCOMPARE(synced.last(), kSampleConfig);
 }
 
 void TestConfigFileFullDisk::freshFileIsSynced()
 {
-    const ConfigFolder folder;
-    Ovryn_ConfigFile config(folder.path(), recordSync);
+    Ovryn_ConfigFile config(folder->path(), recordSync);
     synced.clear();
     QVERIFY(config.load());
-    QCOMPARE(synced, QByteArrayList{folder.text()});
+    QCOMPARE(synced, QByteArrayList{folder->text()});
 }
 
 void TestConfigFileFullDisk::unreadableFileIsNotReplaced_data()
@@ -250,13 +243,12 @@ void TestConfigFileFullDisk::unreadableFileIsNotReplaced()
 {
 #ifdef Q_OS_LINUX
     QFETCH(bool, opens);
-    const ConfigFolder folder;
     const QString unreadable = QStringLiteral("/proc/self/mem");
     if (opens)
-        QVERIFY(QFile::link(unreadable, folder.path()));
+        QVERIFY(QFile::link(unreadable, folder->path()));
     else
-        folder.write(kSampleConfig);
-    Ovryn_ConfigFile config(folder.path());
+        folder->write(kSampleConfig);
+    Ovryn_ConfigFile config(folder->path());
     if (opens) {
         QVERIFY(!config.load());
     } else {
@@ -267,14 +259,14 @@ void TestConfigFileFullDisk::unreadableFileIsNotReplaced()
     QVERIFY(!config.save());
     QVERIFY(!config.save());
     if (opens) {
-        QCOMPARE(QFile::symLinkTarget(folder.path()), unreadable);
-        QVERIFY(QFile::remove(folder.path()));
+        QCOMPARE(QFile::symLinkTarget(folder->path()), unreadable);
+        QVERIFY(QFile::remove(folder->path()));
     } else {
-        QCOMPARE(folder.text(), kSampleConfig);
-        QVERIFY(QFile::remove(folder.path()));
+        QCOMPARE(folder->text(), kSampleConfig);
+        QVERIFY(QFile::remove(folder->path()));
     }
-    QVERIFY(config.save()); // nothing stands there any more that could be lost
-    QCOMPARE(folder.section("LastStartDate").text(), QString("2030/01/02"));
+    QVERIFY(config.save()); // there is no file any more that could be lost
+    QCOMPARE(folder->section("LastStartDate").text(), QString("2030/01/02"));
 #else
     QSKIP("needs a file that can't be read");
 #endif
@@ -283,9 +275,8 @@ void TestConfigFileFullDisk::unreadableFileIsNotReplaced()
 void TestConfigFileFullDisk::unreadableForAMoment()
 {
 #ifdef Q_OS_UNIX
-    const ConfigFolder folder;
-    folder.write(kSampleConfig);
-    Ovryn_ConfigFile config(folder.path());
+    folder->write(kSampleConfig);
+    Ovryn_ConfigFile config(folder->path());
     {
         const NoMoreFiles limit;
         QVERIFY(!config.load());
@@ -293,8 +284,8 @@ void TestConfigFileFullDisk::unreadableForAMoment()
     QVERIFY(config.load());
     config.setLastStartDate(QDate(2030, 1, 2));
     QVERIFY(config.save());
-    QCOMPARE(folder.section("LastStartDate").text(), QString("2030/01/02"));
-    QCOMPARE(folder.gpus().size(), 2);
+    QCOMPARE(folder->section("LastStartDate").text(), QString("2030/01/02"));
+    QCOMPARE(folder->gpus().size(), 2);
 #else
     QSKIP("needs a limit of open files");
 #endif

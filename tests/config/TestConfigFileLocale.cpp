@@ -1,13 +1,11 @@
-#include "config/Ovryn_ConfigFile.h"
-
-#include "config/ConfigFolder.h"
+#include "config/ConfigFileTest.h"
 #include "config/SampleConfig.h"
 
 #include <QLocale>
 #include <QtTest>
 
 /// The file under a locale whose digits are not those of ASCII. The system's own locale is a Persian one here.
-class TestConfigFileLocale : public QObject
+class TestConfigFileLocale : public ConfigFileTest
 {
     Q_OBJECT
 
@@ -34,9 +32,8 @@ void TestConfigFileLocale::digits()
     const QDate date(2031, 12, 4);
     QVERIFY(QLocale::system().toString(date, QStringLiteral("yyyy")) != QLatin1String("2031"));
 
-    const ConfigFolder folder;
-    folder.write(kSampleConfig);
-    Ovryn_ConfigFile file(folder.path());
+    folder->write(kSampleConfig);
+    Ovryn_ConfigFile file(folder->path());
     QVERIFY(file.load());
     QDate checked;
     QVERIFY(file.getLastCheckDate(checked));
@@ -44,16 +41,16 @@ void TestConfigFileLocale::digits()
     file.setLastStartDate(date);
     file.setMonitorModule(QStringLiteral("new"), 1234567, 89);
     QVERIFY(file.save());
-    QCOMPARE(folder.section("LastStartDate").text(), QString("2031/12/04")); // and written
-    QCOMPARE(folder.section("LastCheckDate").text(), QString("2021/02/28"));
-    for (const char byte : folder.text())
-        QVERIFY2(byte > 0, folder.text().constData());
+    QCOMPARE(folder->section("LastStartDate").text(), QString("2031/12/04")); // and written
+    QCOMPARE(folder->section("LastCheckDate").text(), QString("2021/02/28"));
+    for (const char byte : folder->text())
+        QVERIFY2(byte > 0, folder->text().constData());
 
-    Ovryn_ConfigFile again(folder.path());
+    Ovryn_ConfigFile again(folder->path());
     QVERIFY(again.load());
     again.setLastCheckDate(QDate());
     QVERIFY(again.save());
-    QCOMPARE(folder.section("LastStartDate").text(), QString("2031/12/04"));
+    QCOMPARE(folder->section("LastStartDate").text(), QString("2031/12/04"));
     AdjustModuleInfo adjust;
     QVERIFY(again.getAdjustModule(QStringLiteral("GeForce GTX 1070 Ti"), 286094199, adjust));
     QCOMPARE(adjust.GpuFreClock, 1900);

@@ -1,133 +1,13 @@
-#include "config/Ovryn_ConfigFile.h"
-
-#include "config/ConfigFolder.h"
+#include "config/ConfigFileTest.h"
 #include "config/SampleConfig.h"
 
-#include <QtTest>
-
-namespace
-{
-
-const QString kName = QStringLiteral("A");
-constexpr quint32 kId = 7;
-
-/// Everything that the getters give of a card; `found` tells whether they all know it.
-struct Card : GpuSettingInfo
-{
-    bool found = false;
-};
-
-Card cardOf(const Ovryn_ConfigFile &config, const QString &name = kName, quint32 id = kId)
-{
-    Card card;
-    card.found = config.getMonitorModule(name, id, card.SelectOption) &&
-                 config.getAdjustModule(name, id, card.adjust) && config.getLedModule(name, id, card.led) &&
-                 config.getLcdModule(name, id, card.lcd);
-    return card;
-}
-
-QByteArray gpu(const QByteArray &children)
-{
-    return "<GPU GpuName=\"A\" SubSystemId=\"7\">" + children + "</GPU>";
-}
-
-using CardValue = qint64 (*)(const GpuSettingInfo &);
-
-#define FIELD(field)                                                                                                 \
-    [](const GpuSettingInfo &card) -> qint64 {                                                                       \
-        return card.field;                                                                                           \
-    }
-
-/// What one attribute of a card's module reads as.
-struct NumberCase
-{
-    const char *what;
-    const char *module;
-    const char *attribute;
-    const char *text;
-    CardValue value;
-    qint64 expected;
-};
-
-// clang-format off
-const NumberCase kNumberCases[] = {
-    { "signed",                               "AdjustModule", "GpuFreClock", "1900", FIELD(adjust.GpuFreClock), 1900 },
-    { "signed, negative",                     "AdjustModule", "GpuFreClock", "-1", FIELD(adjust.GpuFreClock), -1 },
-    { "signed, smallest",                     "AdjustModule", "Voltage", "-2147483648", FIELD(adjust.Voltage), -2147483648LL },
-    { "signed, largest",                      "AdjustModule", "Power", "2147483647", FIELD(adjust.Power), 2147483647 },
-    { "signed, one too large",                "AdjustModule", "Power", "2147483648", FIELD(adjust.Power), 0 },
-    { "signed, no number",                    "AdjustModule", "Temperature", "hot", FIELD(adjust.Temperature), 0 },
-    { "signed, number and more",              "AdjustModule", "Temperature", "88C", FIELD(adjust.Temperature), 0 },
-    { "signed, with a point",                 "AdjustModule", "FanSpeedLevel", "70.5", FIELD(adjust.FanSpeedLevel), 0 },
-    { "signed, hexadecimal",                  "AdjustModule", "MemoryFreClock", "0x10", FIELD(adjust.MemoryFreClock), 0 },
-    { "signed, empty",                        "AdjustModule", "FanMode", "", FIELD(adjust.FanMode), 0 },
-    { "signed, leading zeros",                "AdjustModule", "FanMode", "002", FIELD(adjust.FanMode), 2 },
-    { "signed bool, 1",                       "AdjustModule", "LinkOfPowerWithTemperature", "1", FIELD(adjust.LinkOfPowerWithTemperature), 1 },
-    { "signed bool, 0",                       "AdjustModule", "LinkOfPowerWithTemperature", "0", FIELD(adjust.LinkOfPowerWithTemperature), 0 },
-    { "signed bool, any number",              "AdjustModule", "LinkOfPowerWithTemperature", "256", FIELD(adjust.LinkOfPowerWithTemperature), 1 },
-    { "signed bool, negative",                "AdjustModule", "LinkOfPowerWithTemperature", "-1", FIELD(adjust.LinkOfPowerWithTemperature), 1 },
-    { "signed bool, too large",               "AdjustModule", "LinkOfPowerWithTemperature", "4294967295", FIELD(adjust.LinkOfPowerWithTemperature), 0 },
-    { "signed bool, word",                    "AdjustModule", "LinkOfPowerWithTemperature", "true", FIELD(adjust.LinkOfPowerWithTemperature), 0 },
-    { "unsigned bool, 1",                     "AdjustModule", "EnableHighPerformance", "1", FIELD(adjust.EnableHighPerformance), 1 },
-    { "unsigned bool, any number",            "AdjustModule", "EnableHighPerformance", "256", FIELD(adjust.EnableHighPerformance), 1 },
-    { "unsigned bool, negative",              "AdjustModule", "EnableHighPerformance", "-1", FIELD(adjust.EnableHighPerformance), 0 },
-    { "unsigned bool, largest",               "AdjustModule", "EnableHighPerformance", "4294967295", FIELD(adjust.EnableHighPerformance), 1 },
-    { "AutoSwitch is unsigned",               "LcdModule", "AutoSwitch", "-1", FIELD(lcd.AutoSwitch), 0 },
-    { "EnableLcd is unsigned",                "LcdModule", "EnableLcd", "-1", FIELD(lcd.EnableLcd), 0 },
-    { "unsigned, largest",                    "LcdModule", "SwitchTime", "4294967295", FIELD(lcd.SwitchTime), 4294967295LL },
-    { "unsigned, one too large",              "LcdModule", "SwitchTime", "4294967296", FIELD(lcd.SwitchTime), 0 },
-    { "unsigned, negative",                   "LcdModule", "ModifierKey", "-1", FIELD(lcd.ModifierKey), 0 },
-    { "unsigned, no number",                  "LcdModule", "NormalKey", "A", FIELD(lcd.NormalKey), 0 },
-    { "mask, largest",                        "MonitorModule", "SelectOption", "4294967295", FIELD(SelectOption), 4294967295LL },
-    { "mask, negative",                       "MonitorModule", "SelectOption", "-1", FIELD(SelectOption), 0 },
-    { "LedMode is signed",                    "LedModule", "LedMode", "-3", FIELD(led.LedMode), -3 },
-    { "8 bits, largest",                      "LedModule", "CheckedColorButtonStatic", "255", FIELD(led.CheckedColorButtonStatic), 255 },
-    { "8 bits, cut",                          "LedModule", "CheckedColorButtonStatic", "258", FIELD(led.CheckedColorButtonStatic), 2 },
-    { "8 bits, cut to nothing",               "LedModule", "CheckedColorButtonDynamic", "256", FIELD(led.CheckedColorButtonDynamic), 0 },
-    { "8 bits, cut of the largest",           "LedModule", "CheckedColorButtonDynamic", "4294967295", FIELD(led.CheckedColorButtonDynamic), 255 },
-    { "8 bits, negative is no unsigned",      "LedModule", "CheckedColorButtonDynamic", "-1", FIELD(led.CheckedColorButtonDynamic), 0 },
-    { "Interval is read as signed",           "LedModule", "Interval", "-2", FIELD(led.Interval), -2 },
-    { "Interval written from a negative one", "LedModule", "Interval", "4294967295", FIELD(led.Interval), 0 },
-    { "colour, default",                      "LedModule", "Color1", "16777215", FIELD(led.Colors[0]), 0xFFFFFF },
-    { "colour, wider than 24 bits",           "LedModule", "Color7", "4294967295", FIELD(led.Colors[6]), 4294967295LL },
-    { "colour, negative",                     "LedModule", "Color4", "-1", FIELD(led.Colors[3]), 0 },
-};
-// clang-format on
-
-#undef FIELD
-
-/// The entry that a card's `SubSystemId` text makes.
-struct IdCase
-{
-    const char *what;
-    const char *text;
-    quint32 id;
-};
-
-const IdCase kIdCases[] = {
-    {"largest", "4294967295", 4294967295U},
-    {"the sign bit", "2147483648", 2147483648U},
-    {"negative", "-1", 0},
-    {"no number", "x", 0},
-    {"empty", "", 0},
-};
-
-} // namespace
-
-class TestConfigFileReading : public QObject
+/// What the getters return for a loaded file.
+class TestConfigFileReading : public ConfigFileTest
 {
     Q_OBJECT
 
 private slots:
-    void init() { folder.reset(new ConfigFolder); }
-
     void readsEveryValue();
-    void readsNumbers_data();
-    void readsNumbers();
-    void readsSubSystemIds_data();
-    void readsSubSystemIds();
-    void readsDates_data();
-    void readsDates();
     void absentElementKeepsDefaults();
     void absentAttributesReadAsNothing();
     void stopsAtForeignCards_data();
@@ -147,20 +27,6 @@ private slots:
     void manyCards();
     void remarksAboutEntities_data();
     void remarksAboutEntities();
-
-private:
-    /// A configuration that has read the text.
-    Ovryn_ConfigFile *load(const QByteArray &text)
-    {
-        folder->write(text);
-        config.reset(new Ovryn_ConfigFile(folder->path()));
-        if (!config->load())
-            qFatal("the text was not loaded");
-        return config.data();
-    }
-
-    QScopedPointer<ConfigFolder> folder;
-    QScopedPointer<Ovryn_ConfigFile> config;
 };
 
 void TestConfigFileReading::readsEveryValue()
@@ -189,7 +55,7 @@ void TestConfigFileReading::readsEveryValue()
     QVERIFY(file->getLastCheckDate(checked));
     QCOMPARE(checked, QDate(2021, 2, 28));
 
-    const Card card = cardOf(*file, "GeForce GTX 1070 Ti", 286094199);
+    const ReadCard card = cardOf(*file, "GeForce GTX 1070 Ti", 286094199);
     QVERIFY(card.found);
     QCOMPARE(card.SelectOption, 21U);
     QCOMPARE(card.adjust.GpuFreClock, 1900);
@@ -213,68 +79,11 @@ void TestConfigFileReading::readsEveryValue()
     QCOMPARE(card.lcd.NormalKey, 65U);
     QCOMPARE(card.lcd.EnableLcd, false);
 
-    const Card second = cardOf(*file, "Quadro \"P&4000\" <2>", 4294967295U);
+    const ReadCard second = cardOf(*file, "Quadro \"P&4000\" <2>", 4294967295U);
     QVERIFY(second.found);
     QCOMPARE(second.adjust.GpuFreClock, 1000);
     QVERIFY(second.adjust.Nodes.isEmpty());
     QCOMPARE(second.lcd.NormalKey, 66U);
-}
-
-void TestConfigFileReading::readsNumbers_data()
-{
-    QTest::addColumn<int>("row");
-    int row = 0;
-    for (const NumberCase &number : kNumberCases)
-        QTest::newRow(number.what) << row++;
-}
-
-void TestConfigFileReading::readsNumbers()
-{
-    QFETCH(int, row);
-    const NumberCase &number = kNumberCases[row];
-    const QByteArray module = QByteArray("<") + number.module + " " + number.attribute + "=\"" + number.text + "\"/>";
-    const Card card = cardOf(*load(cards(gpu(module))));
-    QVERIFY(card.found);
-    QCOMPARE(number.value(card), number.expected);
-}
-
-void TestConfigFileReading::readsSubSystemIds_data()
-{
-    QTest::addColumn<int>("row");
-    int row = 0;
-    for (const IdCase &id : kIdCases)
-        QTest::newRow(id.what) << row++;
-}
-
-void TestConfigFileReading::readsSubSystemIds()
-{
-    QFETCH(int, row);
-    const IdCase &id = kIdCases[row];
-    load(cards(QByteArray("<GPU GpuName=\"A\" SubSystemId=\"") + id.text + "\"/>"));
-    QVERIFY(cardOf(*config, kName, id.id).found);
-    QVERIFY(!cardOf(*config, kName, id.id + 1).found);
-}
-
-void TestConfigFileReading::readsDates_data()
-{
-    QTest::addColumn<QByteArray>("element");
-    QTest::addColumn<QDate>("date");
-    QTest::newRow("date") << QByteArray("<LastCheckDate>2021/02/28</LastCheckDate>") << QDate(2021, 2, 28);
-    QTest::newRow("no such day") << QByteArray("<LastCheckDate>2021/02/29</LastCheckDate>") << QDate();
-    QTest::newRow("other separator") << QByteArray("<LastCheckDate>2021-02-28</LastCheckDate>") << QDate();
-    QTest::newRow("day first") << QByteArray("<LastCheckDate>28/02/2021</LastCheckDate>") << QDate();
-    QTest::newRow("word") << QByteArray("<LastCheckDate>never</LastCheckDate>") << QDate();
-    QTest::newRow("empty text") << QByteArray("<LastCheckDate></LastCheckDate>") << QDate();
-    QTest::newRow("no text") << QByteArray("<LastCheckDate/>") << QDate();
-}
-
-void TestConfigFileReading::readsDates()
-{
-    QFETCH(QByteArray, element);
-    QFETCH(QDate, date);
-    QDate checked(1999, 1, 1);
-    QVERIFY(load(document(element))->getLastCheckDate(checked));
-    QCOMPARE(checked, date);
 }
 
 void TestConfigFileReading::absentElementKeepsDefaults()
@@ -295,7 +104,7 @@ void TestConfigFileReading::absentElementKeepsDefaults()
     QCOMPARE(update.UpdateMode, 0);
     QCOMPARE(update.UpdateStatus, 1);
 
-    const Card card = cardOf(*file);
+    const ReadCard card = cardOf(*file);
     QVERIFY(card.found);
     QCOMPARE(card.SelectOption, 0U);
     QCOMPARE(card.adjust.GpuFreClock, -1);
@@ -344,7 +153,7 @@ void TestConfigFileReading::absentAttributesReadAsNothing()
     QVERIFY(file->getNotPromptHPS(notPrompt));
     QVERIFY(!notPrompt);
 
-    const Card card = cardOf(*file);
+    const ReadCard card = cardOf(*file);
     QVERIFY(card.found);
     QCOMPARE(card.adjust.Voltage, 0);
     QCOMPARE(card.adjust.GpuFreClock, 0);
@@ -360,7 +169,7 @@ void TestConfigFileReading::absentAttributesReadAsNothing()
     QCOMPARE(card.lcd.NormalKey, 0U);
     QCOMPARE(card.lcd.EnableLcd, false);
 
-    const Card nameless = cardOf(*file, QString(), 0);
+    const ReadCard nameless = cardOf(*file, QString(), 0);
     QVERIFY(nameless.found);
     QCOMPARE(nameless.adjust.Voltage, 9);
     QCOMPARE(nameless.adjust.Power, 0);
@@ -385,14 +194,14 @@ void TestConfigFileReading::stopsAtForeignCards()
     QFETCH(QByteArray, between);
     QFETCH(bool, secondIsRead);
     load(cards("<GPU GpuName='A' SubSystemId='1'/>" + between + "<GPU GpuName='B' SubSystemId='2'/>"));
-    QVERIFY(cardOf(*config, "A", 1).found);
-    QCOMPARE(cardOf(*config, "B", 2).found, secondIsRead);
+    QVERIFY(cardOf(*loaded, "A", 1).found);
+    QCOMPARE(cardOf(*loaded, "B", 2).found, secondIsRead);
 }
 
 void TestConfigFileReading::stopsAtForeignModules_data()
 {
     QTest::addColumn<QByteArray>("between");
-    QTest::addColumn<bool>("behindIsRead");
+    QTest::addColumn<bool>("nextIsRead");
     QTest::newRow("nothing") << QByteArray() << true;
     QTest::newRow("other module of ours") << QByteArray("<LcdModule/>") << true;
     QTest::newRow("comment") << QByteArray("<!-- tuned -->") << false;
@@ -404,14 +213,14 @@ void TestConfigFileReading::stopsAtForeignModules_data()
 void TestConfigFileReading::stopsAtForeignModules()
 {
     QFETCH(QByteArray, between);
-    QFETCH(bool, behindIsRead);
+    QFETCH(bool, nextIsRead);
     load(cards(gpu("<MonitorModule SelectOption='5'/>" + between + "<AdjustModule Power='110'/>") +
                "<GPU GpuName='B' SubSystemId='2'/>"));
-    const Card card = cardOf(*config);
+    const ReadCard card = cardOf(*loaded);
     QVERIFY(card.found); // what was read so far is kept
     QCOMPARE(card.SelectOption, 5U);
-    QCOMPARE(card.adjust.Power, behindIsRead ? 110 : -1);
-    QVERIFY(cardOf(*config, "B", 2).found); // only the walk of this card's children ends
+    QCOMPARE(card.adjust.Power, nextIsRead ? 110 : -1);
+    QVERIFY(cardOf(*loaded, "B", 2).found); // only the walk of this card's children ends
 }
 
 void TestConfigFileReading::skipsForeignSections()
@@ -419,9 +228,9 @@ void TestConfigFileReading::skipsForeignSections()
     load(document("text<!-- comment --><Other><GeneralSetting Language='no'/></Other><?pi x?>"
                   "<GeneralSetting Language='lang_en'/><GPU GpuName='A' SubSystemId='7'/>"));
     GeneralSettingInfo general;
-    QVERIFY(config->getGeneralSetting(general));
+    QVERIFY(loaded->getGeneralSetting(general));
     QCOMPARE(general.Language, QString("lang_en"));
-    QVERIFY(!cardOf(*config).found);
+    QVERIFY(!cardOf(*loaded).found);
 }
 
 void TestConfigFileReading::sectionsInAnyOrder()
@@ -432,13 +241,13 @@ void TestConfigFileReading::sectionsInAnyOrder()
     UpdateSettingInfo update;
     QDate checked;
     bool notPrompt = false;
-    QVERIFY(config->getGeneralSetting(general) && config->getUpdateSetting(update));
-    QVERIFY(config->getLastCheckDate(checked) && config->getNotPromptHPS(notPrompt));
+    QVERIFY(loaded->getGeneralSetting(general) && loaded->getUpdateSetting(update));
+    QVERIFY(loaded->getLastCheckDate(checked) && loaded->getNotPromptHPS(notPrompt));
     QCOMPARE(general.Language, QString("lang_en"));
     QCOMPARE(update.CheckInterval, 90);
     QCOMPARE(checked, QDate(2021, 2, 28));
     QVERIFY(notPrompt);
-    QVERIFY(cardOf(*config).found);
+    QVERIFY(cardOf(*loaded).found);
 }
 
 void TestConfigFileReading::repeatedSections()
@@ -447,10 +256,10 @@ void TestConfigFileReading::repeatedSections()
                   "<GpuSettings><GPU GpuName='A' SubSystemId='1'/></GpuSettings>"
                   "<GpuSettings><GPU GpuName='B' SubSystemId='2'/></GpuSettings>"));
     UpdateSettingInfo update;
-    QVERIFY(config->getUpdateSetting(update));
+    QVERIFY(loaded->getUpdateSetting(update));
     QCOMPARE(update.CheckInterval, 90); // the last one wins
-    QVERIFY(cardOf(*config, "A", 1).found);
-    QVERIFY(cardOf(*config, "B", 2).found);
+    QVERIFY(cardOf(*loaded, "A", 1).found);
+    QVERIFY(cardOf(*loaded, "B", 2).found);
 }
 
 void TestConfigFileReading::findsCardsExactly_data()
@@ -461,7 +270,7 @@ void TestConfigFileReading::findsCardsExactly_data()
     QTest::newRow("the card") << "GeForce GTX 1070 Ti" << 286094199U << true;
     QTest::newRow("name in other letters") << "GEFORCE GTX 1070 TI" << 286094199U << false;
     QTest::newRow("part of the name") << "GeForce GTX 1070" << 286094199U << false;
-    QTest::newRow("blank behind the name") << "GeForce GTX 1070 Ti " << 286094199U << false;
+    QTest::newRow("blank after the name") << "GeForce GTX 1070 Ti " << 286094199U << false;
     QTest::newRow("numbered card") << "GeForce GTX 1070 Ti 2" << 286094199U << false;
     QTest::newRow("other identifier") << "GeForce GTX 1070 Ti" << 286094198U << false;
     QTest::newRow("identifier of another card") << "GeForce GTX 1070 Ti" << 4294967295U << false;
@@ -478,10 +287,10 @@ void TestConfigFileReading::findsCardsExactly()
     LedModuleInfo led;
     LcdModuleInfo lcd;
     quint32 selectOption = 12345;
-    QCOMPARE(config->getAdjustModule(name, id, adjust), found);
-    QCOMPARE(config->getLedModule(name, id, led), found);
-    QCOMPARE(config->getLcdModule(name, id, lcd), found);
-    QCOMPARE(config->getMonitorModule(name, id, selectOption), found);
+    QCOMPARE(loaded->getAdjustModule(name, id, adjust), found);
+    QCOMPARE(loaded->getLedModule(name, id, led), found);
+    QCOMPARE(loaded->getLcdModule(name, id, lcd), found);
+    QCOMPARE(loaded->getMonitorModule(name, id, selectOption), found);
     QCOMPARE(selectOption == 12345, !found); // untouched where there is no such card
     QCOMPARE(adjust.GpuFreClock == -1, !found);
 }
@@ -489,7 +298,7 @@ void TestConfigFileReading::findsCardsExactly()
 void TestConfigFileReading::firstOfEqualCardsCounts()
 {
     load(cards(gpu("<MonitorModule SelectOption='1'/>") + gpu("<MonitorModule SelectOption='2'/>")));
-    QCOMPARE(cardOf(*config).SelectOption, 1U);
+    QCOMPARE(cardOf(*loaded).SelectOption, 1U);
 }
 
 void TestConfigFileReading::keepsDatesAndPromptWhereAbsent()
@@ -510,12 +319,12 @@ void TestConfigFileReading::secondLoadForgetsTheFirst()
 {
     load(kSampleConfig);
     folder->write(cards(gpu("")));
-    QVERIFY(config->load());
+    QVERIFY(loaded->load());
     GeneralSettingInfo general;
-    QVERIFY(config->getGeneralSetting(general));
+    QVERIFY(loaded->getGeneralSetting(general));
     QCOMPARE(general.Language, QString("lang_ch"));
-    QVERIFY(!cardOf(*config, "GeForce GTX 1070 Ti", 286094199).found);
-    QVERIFY(cardOf(*config).found);
+    QVERIFY(!cardOf(*loaded, "GeForce GTX 1070 Ti", 286094199).found);
+    QVERIFY(cardOf(*loaded).found);
 }
 
 void TestConfigFileReading::nodesOfACard_data()
@@ -532,7 +341,7 @@ void TestConfigFileReading::nodesOfACard()
     QFETCH(QByteArray, text);
     QFETCH(QList<QPoint>, nodes);
     load(cards(gpu("<AdjustModule Nodes=\"" + text + "\"/>")));
-    QCOMPARE(cardOf(*config).adjust.Nodes, nodes);
+    QCOMPARE(cardOf(*loaded).adjust.Nodes, nodes);
 }
 
 void TestConfigFileReading::manyCards()
@@ -542,9 +351,9 @@ void TestConfigFileReading::manyCards()
     for (int card = 1; card < kCards; ++card)
         children += "<GPU GpuName='card' SubSystemId='" + QByteArray::number(card) + "'/>\n";
     load(cards(children + gpu("<MonitorModule SelectOption='3'/>")));
-    QVERIFY(cardOf(*config, "card", 1).found);
-    QVERIFY(cardOf(*config, "card", kCards - 1).found);
-    QCOMPARE(cardOf(*config).SelectOption, 3U);
+    QVERIFY(cardOf(*loaded, "card", 1).found);
+    QVERIFY(cardOf(*loaded, "card", kCards - 1).found);
+    QCOMPARE(cardOf(*loaded).SelectOption, 3U);
 }
 
 void TestConfigFileReading::remarksAboutEntities_data()
@@ -555,7 +364,7 @@ void TestConfigFileReading::remarksAboutEntities_data()
     QTest::newRow("comment with a document type") << QByteArray("<!-- <!DOCTYPE a [<!ENTITY e 'x'>]> -->");
 }
 
-/// What only speaks of entities declares none, also in a file so large that it may not.
+/// A text that only mentions entities declares none, also in a file that is too large for entities.
 void TestConfigFileReading::remarksAboutEntities()
 {
     QFETCH(QByteArray, remark);

@@ -1,6 +1,4 @@
-#include "config/Ovryn_ConfigFile.h"
-
-#include "config/ConfigFolder.h"
+#include "config/ConfigFileTest.h"
 #include "config/SampleConfig.h"
 
 #include <QtTest>
@@ -16,21 +14,16 @@ constexpr quint32 kExtremesId = 0xFFFFFFFF;
 } // namespace
 
 /// The text that each value has in the file.
-class TestConfigFileValues : public QObject
+class TestConfigFileValues : public ConfigFileTest
 {
     Q_OBJECT
 
 private slots:
-    void init() { folder.reset(new ConfigFolder); }
-
     void attributes_data();
     void attributes();
     void identifierIsReadBack();
     void dates_data();
     void dates();
-
-private:
-    QScopedPointer<ConfigFolder> folder;
 };
 
 void TestConfigFileValues::attributes_data()

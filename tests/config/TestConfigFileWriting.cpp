@@ -1,6 +1,4 @@
-#include "config/Ovryn_ConfigFile.h"
-
-#include "config/ConfigFolder.h"
+#include "config/ConfigFileTest.h"
 #include "config/SampleConfig.h"
 
 #include <QtTest>
@@ -68,8 +66,8 @@ QByteArray oldCards(const QByteArray &letters)
     return old;
 }
 
-/// What `foreignIn` gives after a save, by the rule at its plainest: every card looks at all that is left of the old
-/// cards, place by place, for one that is the list's card of that place.
+/// The result of `foreignIn` after a save by the simplest form of the rule: every card searches all old cards that
+/// are left, index by index, for one that equals the list's card of that index.
 QString reusedByTheRule(const QByteArray &letters, const QByteArray &list)
 {
     QList<int> left;
@@ -87,13 +85,11 @@ QString reusedByTheRule(const QByteArray &letters, const QByteArray &list)
 
 } // namespace
 
-class TestConfigFileWriting : public QObject
+class TestConfigFileWriting : public ConfigFileTest
 {
     Q_OBJECT
 
 private slots:
-    void init() { folder.reset(new ConfigFolder); }
-
     void keepsEveryValue();
     void setValuesReachTheFile();
     void ordersSections();
@@ -109,28 +105,15 @@ private slots:
     void reusesOldCards();
     void reusesOldCardsByTheRule();
     void commentBetweenCardsLosesTheRest();
-    void cardsAreNeverIndexedBehindTheList();
+    void cardsAreNeverIndexedBeyondTheList();
     void unpluggedCardStays();
-    void newCardsGoBehind();
+    void newCardsGoToTheEnd();
     void newCardGetsDefaultsInOtherModules();
     void equalCardsShareTheFirstEntry();
     void savesTwice();
     void specialCharactersInNames();
     void saveWithoutLoad();
     void manyCards();
-
-private:
-    Ovryn_ConfigFile *load(const QByteArray &text)
-    {
-        folder->write(text);
-        config.reset(new Ovryn_ConfigFile(folder->path()));
-        if (!config->load())
-            qFatal("the text was not loaded");
-        return config.data();
-    }
-
-    QScopedPointer<ConfigFolder> folder;
-    QScopedPointer<Ovryn_ConfigFile> config;
 };
 
 void TestConfigFileWriting::keepsEveryValue()
@@ -138,10 +121,10 @@ void TestConfigFileWriting::keepsEveryValue()
     load(kSampleConfig);
     const QString before = canonical(folder->root());
     QVERIFY(before.contains("Nodes=[0,0|30,40|60,80|100,100|]"));
-    QVERIFY(config->save());
+    QVERIFY(loaded->save());
     QCOMPARE(canonical(folder->root()), before);
-    QVERIFY(config->load());
-    QVERIFY(config->save());
+    QVERIFY(loaded->load());
+    QVERIFY(loaded->save());
     QCOMPARE(canonical(folder->root()), before);
 }
 
@@ -190,7 +173,7 @@ void TestConfigFileWriting::ordersSections()
                   "<LastStartDate>2020/01/03</LastStartDate><LastCheckDate>2020/01/04</LastCheckDate>"
                   "<GpuSettings><GPU GpuName='A' SubSystemId='7'/></GpuSettings><UpdateSetting CheckInterval='90'/>"
                   "<LastCloseDate>2020/01/05</LastCloseDate><GeneralSetting Language='lang_en'/>"));
-    QVERIFY(config->save());
+    QVERIFY(loaded->save());
     QCOMPARE(childNames(folder->root()), kSections);
     QCOMPARE(folder->section("LastUpdateDate").text(), QString("2020/01/02"));
     QCOMPARE(folder->section("LastStartDate").text(), QString("2020/01/03"));
@@ -203,7 +186,7 @@ void TestConfigFileWriting::ordersModulesOfAReusedCard()
 {
     load(cards(
         "<GPU GpuName='A' SubSystemId='7'><LcdModule/><AdjustModule/></GPU><GPU GpuName='B' SubSystemId='8'/>"));
-    QVERIFY(config->save());
+    QVERIFY(loaded->save());
     QCOMPARE(folder->gpus().size(), 2);
     for (const QDomElement &gpu : folder->gpus())
         QCOMPARE(childNames(gpu), kModules);
@@ -212,7 +195,7 @@ void TestConfigFileWriting::ordersModulesOfAReusedCard()
 void TestConfigFileWriting::form()
 {
     load(cards("<GPU GpuName='\xE5\x8D\xA1' SubSystemId='7'/>"));
-    QVERIFY(config->save());
+    QVERIFY(loaded->save());
     const QList<QByteArray> lines = folder->text().replace("\r\n", "\n").split('\n');
     QCOMPARE(lines.value(0), QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?>"));
     QCOMPARE(lines.value(1), QByteArray("<OvrynParameter>"));
@@ -227,8 +210,8 @@ void TestConfigFileWriting::form()
 void TestConfigFileWriting::replacesOnlyTheDatesFirstChild()
 {
     load(document("<LastCheckDate>never<!-- yet --></LastCheckDate>"));
-    config->setLastCheckDate(QDate(2021, 3, 4));
-    QVERIFY(config->save());
+    loaded->setLastCheckDate(QDate(2021, 3, 4));
+    QVERIFY(loaded->save());
     QCOMPARE(childNames(folder->section("LastCheckDate")), QStringList({"#comment", "#text"}));
     QCOMPARE(folder->section("LastCheckDate").text(), QString("2021/03/04"));
 }
@@ -236,7 +219,7 @@ void TestConfigFileWriting::replacesOnlyTheDatesFirstChild()
 void TestConfigFileWriting::rootCommentSurvives()
 {
     load(document("<GeneralSetting/><!-- mine --><OtherSetting/>"));
-    QVERIFY(config->save());
+    QVERIFY(loaded->save());
     QCOMPARE(childNames(folder->root()), QStringList("#comment") + kSections);
     QCOMPARE(folder->root().firstChild().nodeValue(), QString(" mine "));
 }
@@ -244,7 +227,7 @@ void TestConfigFileWriting::rootCommentSurvives()
 void TestConfigFileWriting::unknownSectionStaysAhead()
 {
     load(document("<GeneralSetting/><Second b='2'/><OtherSetting/><First a='1'><c/></First>"));
-    QVERIFY(config->save());
+    QVERIFY(loaded->save());
     QCOMPARE(childNames(folder->root()), QStringList({"Second", "First"}) + kSections);
     QCOMPARE(canonical(folder->section("First")), QString("<First a=[1]><c></></>"));
 }
@@ -252,14 +235,14 @@ void TestConfigFileWriting::unknownSectionStaysAhead()
 void TestConfigFileWriting::nodesAroundTheRootSurvive()
 {
     load("<?xml version=\"1.0\" encoding=\"UTF-8\"?><!DOCTYPE OvrynParameter><!-- before --><?OvrynParameter x?>"
-         "<OvrynParameter Foreign=\"1\"/><!-- behind -->");
-    QVERIFY(config->save());
+         "<OvrynParameter Foreign=\"1\"/><!-- after -->");
+    QVERIFY(loaded->save());
     const QByteArray text = folder->text();
-    QVERIFY(text.contains("<!-- before -->") && text.contains("<!-- behind -->"));
+    QVERIFY(text.contains("<!-- before -->") && text.contains("<!-- after -->"));
     QVERIFY(text.contains("<?OvrynParameter x?>"));
     QCOMPARE(text.count("<?xml "), 1);
     QCOMPARE(folder->root().attribute("Foreign"), QString("1"));
-    QVERIFY(config->load());
+    QVERIFY(loaded->load());
 }
 
 void TestConfigFileWriting::unknownAttributesSurviveOnReusedElements()
@@ -268,7 +251,7 @@ void TestConfigFileWriting::unknownAttributesSurviveOnReusedElements()
         "<GeneralSetting Theme='dark' Language='lang_en'/><LastStartDate zone='UTC'>2021/01/02</LastStartDate>"
         "<GpuSettings note='gone'><GPU GpuName='A' SubSystemId='7' Slot='3'><LedModule Glow='9'/></GPU>"
         "</GpuSettings>"));
-    QVERIFY(config->save());
+    QVERIFY(loaded->save());
     QCOMPARE(folder->section("GeneralSetting").attribute("Theme"), QString("dark"));
     QCOMPARE(folder->section("GeneralSetting").attribute("Language"), QString("lang_en"));
     QCOMPARE(folder->section("LastStartDate").attribute("zone"), QString("UTC"));
@@ -281,7 +264,7 @@ void TestConfigFileWriting::unknownChildOfACardGoesAhead()
 {
     load(cards("<GPU GpuName='A' SubSystemId='7'><MonitorModule SelectOption='5'/><!-- c --><AdjustModule "
                "Power='9'/></GPU>"));
-    QVERIFY(config->save());
+    QVERIFY(loaded->save());
     QCOMPARE(childNames(folder->gpus().value(0)), QStringList("#comment") + kModules);
     QCOMPARE(folder->gpus().value(0).firstChildElement("AdjustModule").attribute("Power"), QString("-1"));
 }
@@ -299,12 +282,12 @@ void TestConfigFileWriting::reusesOldCards_data()
     row("only the first of many", "ABCD", "", "0---");
     row("equal ones", "AAA", "", "012");
     row("two equal ones ahead", "AAB", "", "01-");
-    row("two equal ones behind the first", "XAAB", "", "02--");
+    row("two equal ones after the first", "XAAB", "", "02--");
     row("two pairs", "AABB", "", "01--");
     row("apart", "ABA", "", "0--");
-    row("with a new card behind", "AB", "Z", "0--");
+    row("with a new card after", "AB", "Z", "0--");
     row("new card alone", "", "Z", "-");
-    row("lost cards behind a comment", "A#BC", "", "0");
+    row("lost cards after a comment", "A#BC", "", "0");
     row("comment ahead, nothing is read", "#AB", "", "");
     row("comment ahead, first card set anew", "#AB", "A", "-");
 }
@@ -316,15 +299,15 @@ void TestConfigFileWriting::reusesOldCards()
     QFETCH(QString, foreign);
     load(cards(old));
     if (!added.isEmpty())
-        config->setMonitorModule(added, 7, 1);
-    QVERIFY(config->save());
+        loaded->setMonitorModule(added, 7, 1);
+    QVERIFY(loaded->save());
     QCOMPARE(foreignIn(*folder), foreign);
 }
 
 void TestConfigFileWriting::reusesOldCardsByTheRule()
 {
     QRandomGenerator random(1);
-    bool reusedBehindTheFirst = false;
+    bool reusedAfterTheFirst = false;
     for (int round = 0; round < 300; ++round) {
         QByteArray letters;
         for (int place = random.bounded(9); place > 0; --place)
@@ -332,32 +315,31 @@ void TestConfigFileWriting::reusesOldCardsByTheRule()
         QByteArray list = letters.left(letters.contains('#') ? letters.indexOf('#') : letters.size());
         load(cards(oldCards(letters)));
         if (random.bounded(2) == 1) {
-            config->setMonitorModule("Z", 7, 1);
+            loaded->setMonitorModule("Z", 7, 1);
             list += 'Z';
         }
-        QVERIFY(config->save());
+        QVERIFY(loaded->save());
         QCOMPARE(foreignIn(*folder), reusedByTheRule(letters, list));
-        reusedBehindTheFirst =
-            reusedBehindTheFirst || foreignIn(*folder).mid(1).contains(QRegularExpression("[0-9]"));
+        reusedAfterTheFirst = reusedAfterTheFirst || foreignIn(*folder).mid(1).contains(QRegularExpression("[0-9]"));
     }
-    QVERIFY(reusedBehindTheFirst);
+    QVERIFY(reusedAfterTheFirst);
 }
 
 void TestConfigFileWriting::commentBetweenCardsLosesTheRest()
 {
     load(cards("<GPU GpuName='A' SubSystemId='1'/><!-- mine --><GPU GpuName='B' SubSystemId='2'/>"));
-    QVERIFY(config->save());
+    QVERIFY(loaded->save());
     QCOMPARE(childNames(folder->section("GpuSettings")), QStringList("GPU"));
     QCOMPARE(cardsIn(*folder), QStringList("A 1"));
 }
 
-void TestConfigFileWriting::cardsAreNeverIndexedBehindTheList()
+void TestConfigFileWriting::cardsAreNeverIndexedBeyondTheList()
 {
     // Reading ends at once, so that the list is shorter than what the old element holds.
     load(cards("text" + QByteArray("<GPU GpuName='A' SubSystemId='1'/>").repeated(50)));
-    config->setMonitorModule("B", 2, 1);
-    config->setMonitorModule("C", 3, 1);
-    QVERIFY(config->save());
+    loaded->setMonitorModule("B", 2, 1);
+    loaded->setMonitorModule("C", 3, 1);
+    QVERIFY(loaded->save());
     QCOMPARE(cardsIn(*folder), QStringList({"B 2", "C 3"}));
 }
 
@@ -366,38 +348,38 @@ void TestConfigFileWriting::unpluggedCardStays()
     load(kSampleConfig);
     const QString before = canonical(folder->gpus().value(1));
     for (int run = 0; run < 3; ++run) {
-        config->setMonitorModule("GeForce GTX 1070 Ti", 286094199, quint32(run)); // the one card seen in this run
-        QVERIFY(config->save());
-        QVERIFY(config->load());
+        loaded->setMonitorModule("GeForce GTX 1070 Ti", 286094199, quint32(run)); // the one card seen in this run
+        QVERIFY(loaded->save());
+        QVERIFY(loaded->load());
     }
     QCOMPARE(folder->gpus().size(), 2);
     QCOMPARE(canonical(folder->gpus().value(1)), before);
 }
 
-void TestConfigFileWriting::newCardsGoBehind()
+void TestConfigFileWriting::newCardsGoToTheEnd()
 {
     load(cards("<GPU GpuName='B' SubSystemId='2'/>"));
-    config->setLcdModule("C", 3, {});
-    config->setLedModule("A", 1, {});
-    config->setMonitorModule("C", 3, 1);
-    config->setAdjustModule("B", 2, {});
-    config->setAdjustModule("B", 4, {}); // another card by its identifier alone
-    QVERIFY(config->save());
+    loaded->setLcdModule("C", 3, {});
+    loaded->setLedModule("A", 1, {});
+    loaded->setMonitorModule("C", 3, 1);
+    loaded->setAdjustModule("B", 2, {});
+    loaded->setAdjustModule("B", 4, {}); // another card by its identifier alone
+    QVERIFY(loaded->save());
     QCOMPARE(cardsIn(*folder), QStringList({"B 2", "C 3", "A 1", "B 4"}));
 }
 
 void TestConfigFileWriting::newCardGetsDefaultsInOtherModules()
 {
     load(document(""));
-    config->setMonitorModule("A", 1, 9);
+    loaded->setMonitorModule("A", 1, 9);
     AdjustModuleInfo adjust = {1, 1, 1, 1, 1, 1, true, 1, {{1, 1}}, true};
     LedModuleInfo led = {};
     led.LedMode = 9;
     LcdModuleInfo lcd;
     lcd.NormalKey = 0;
     quint32 selectOption = 0;
-    QVERIFY(config->getAdjustModule("A", 1, adjust) && config->getLedModule("A", 1, led));
-    QVERIFY(config->getLcdModule("A", 1, lcd) && config->getMonitorModule("A", 1, selectOption));
+    QVERIFY(loaded->getAdjustModule("A", 1, adjust) && loaded->getLedModule("A", 1, led));
+    QVERIFY(loaded->getLcdModule("A", 1, lcd) && loaded->getMonitorModule("A", 1, selectOption));
     QCOMPARE(selectOption, 9U);
     QCOMPARE(adjust.GpuFreClock, -1);
     QVERIFY(adjust.Nodes.isEmpty());
@@ -408,12 +390,12 @@ void TestConfigFileWriting::newCardGetsDefaultsInOtherModules()
 void TestConfigFileWriting::equalCardsShareTheFirstEntry()
 {
     load(cards("<GPU GpuName='A' SubSystemId='7'/><GPU GpuName='A' SubSystemId='7'/>"));
-    config->setMonitorModule("A", 7, 1);
-    config->setMonitorModule("A", 7, 2); // the second card at close
+    loaded->setMonitorModule("A", 7, 1);
+    loaded->setMonitorModule("A", 7, 2); // the second card at close
     quint32 selectOption = 0;
-    QVERIFY(config->getMonitorModule("A", 7, selectOption));
+    QVERIFY(loaded->getMonitorModule("A", 7, selectOption));
     QCOMPARE(selectOption, 2U);
-    QVERIFY(config->save());
+    QVERIFY(loaded->save());
     QCOMPARE(folder->gpus().size(), 2);
     QCOMPARE(folder->gpus().value(0).firstChildElement("MonitorModule").attribute("SelectOption"), QString("2"));
     QCOMPARE(folder->gpus().value(1).firstChildElement("MonitorModule").attribute("SelectOption"), QString("0"));
@@ -422,10 +404,10 @@ void TestConfigFileWriting::equalCardsShareTheFirstEntry()
 void TestConfigFileWriting::savesTwice()
 {
     load(kSampleConfig);
-    config->setMonitorModule("New", 1, 4);
-    QVERIFY(config->save());
+    loaded->setMonitorModule("New", 1, 4);
+    QVERIFY(loaded->save());
     const QString before = canonical(folder->root());
-    QVERIFY(config->save());
+    QVERIFY(loaded->save());
     QCOMPARE(canonical(folder->root()), before);
     QCOMPARE(folder->gpus().size(), 3);
     QCOMPARE(folder->gpus().value(2).attribute("GpuName"), QString("New"));
@@ -447,7 +429,7 @@ void TestConfigFileWriting::saveWithoutLoad()
 {
     folder->write(kSampleConfig);
     Ovryn_ConfigFile file(folder->path());
-    QVERIFY(file.save()); // what was there is lost: only a load takes it over
+    QVERIFY(file.save()); // the former content is lost: only a load reads it
     QCOMPARE(childNames(folder->root()), kSections);
     QVERIFY(folder->gpus().isEmpty());
     GeneralSettingInfo general;
@@ -461,10 +443,10 @@ void TestConfigFileWriting::manyCards()
     for (int card = 0; card < kCards; ++card)
         children += "<GPU GpuName='card' SubSystemId='" + QByteArray::number(card) + "'/>";
     load(cards(children));
-    QVERIFY(config->save());
-    QVERIFY(config->load());
+    QVERIFY(loaded->save());
+    QVERIFY(loaded->load());
     quint32 selectOption = 5;
-    QVERIFY(config->getMonitorModule("card", kCards - 1, selectOption));
+    QVERIFY(loaded->getMonitorModule("card", kCards - 1, selectOption));
     QCOMPARE(selectOption, 0U);
 }
 

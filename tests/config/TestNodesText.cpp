@@ -22,7 +22,7 @@ void TestNodesText::reads_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<Nodes>("nodes");
     QTest::newRow("two rising nodes") << "30,40|60,80|" << Nodes{{30, 40}, {60, 80}};
-    QTest::newRow("no bar behind the last node") << "30,40|60,80" << Nodes{{30, 40}, {60, 80}};
+    QTest::newRow("no bar after the last node") << "30,40|60,80" << Nodes{{30, 40}, {60, 80}};
     QTest::newRow("falling x empties all") << "30,40|20,80|" << Nodes{};
     QTest::newRow("falling y empties all") << "30,80|40,20|" << Nodes{};
     QTest::newRow("last of three falls") << "0,0|50,50|49,100|" << Nodes{};
@@ -35,14 +35,14 @@ void TestNodesText::reads_data()
     QTest::newRow("x below the scale") << "-1,50|" << Nodes{};
     QTest::newRow("y above the scale") << "50,101|" << Nodes{};
     QTest::newRow("y below the scale") << "50,-1|" << Nodes{};
-    QTest::newRow("off the scale behind good nodes") << "10,10|20,20|30,101|" << Nodes{};
+    QTest::newRow("off the scale after good nodes") << "10,10|20,20|30,101|" << Nodes{};
     QTest::newRow("part without a comma is skipped") << "30|60,80|" << Nodes{{60, 80}};
     QTest::newRow("part with three fields is skipped") << "30,40,50|60,80|" << Nodes{{60, 80}};
     QTest::newRow("empty parts are skipped") << "||30,40||60,80||" << Nodes{{30, 40}, {60, 80}};
     QTest::newRow("field that is no number is 0") << "x,40|" << Nodes{{0, 40}};
     QTest::newRow("number that is no integer is 0") << "1.5,40|" << Nodes{{0, 40}};
     QTest::newRow("number too large for an integer is 0") << "99999999999,40|" << Nodes{{0, 40}};
-    QTest::newRow("no number behind a node falls to 0") << "30,40|60,x|" << Nodes{};
+    QTest::newRow("no number after a node falls to 0") << "30,40|60,x|" << Nodes{};
     QTest::newRow("both fields empty") << ",|" << Nodes{{0, 0}};
     QTest::newRow("blanks around numbers") << " 30 , 40 |" << Nodes{{30, 40}};
     QTest::newRow("empty text") << "" << Nodes{};

@@ -60,7 +60,7 @@ private slots:
     void keepsPrefixes();
     void expandsItsOwnEntities();
     void replacesTheDocument();
-    void tellsWhereItStopped();
+    void reportsWhereItStopped();
 };
 
 void TestSafeXml::parses_data()
@@ -100,17 +100,17 @@ void TestSafeXml::parses_data()
     QTest::newRow("large without entities of its own")
         << "<a>" + QByteArray("&amp;").repeated(100000) + "</a>" << true;
 
-    const QByteArray words = "<!ENTITY e 'x'>"; // no declaration where they stand in what follows
+    const QByteArray words = "<!ENTITY e 'x'>"; // no declaration at the places below
     const QByteArray filler(20000, ' ');
     QTest::newRow("large, the words in a comment") << "<a><!-- " + words + " -->" + filler + "</a>" << true;
     QTest::newRow("large, the words in a comment before the root")
         << "<?xml version='1.0'?><!-- " + words + " --><a>" + filler + "</a>" << true;
-    QTest::newRow("large, the words in a comment behind the root")
+    QTest::newRow("large, the words in a comment after the root")
         << "<a>" + filler + "</a><!-- " + words + " -->" << true;
     QTest::newRow("large, the words in an instruction") << "<?x " + words + "?><a>" + filler + "</a>" << true;
     QTest::newRow("large, the words as character data")
         << "<a><![CDATA[<!DOCTYPE a [" + words + "]>]]>" + filler + "</a>" << true;
-    QTest::newRow("large, the words in a comment behind a bare document type")
+    QTest::newRow("large, the words in a comment after a bare document type")
         << "<!DOCTYPE a><!-- " + words + " --><a>" + filler + "</a>" << true;
     QTest::newRow("large, the words in a comment of the document type")
         << "<!DOCTYPE a [<!-- ]> " + words + " --><?x " + words + "?><!ELEMENT a ANY>]><a>" + filler + "</a>" << true;
@@ -120,11 +120,11 @@ void TestSafeXml::parses_data()
         << "<?xml version='1.0'?>\n<!-- c -->\n<!DOCTYPE a [<!ELEMENT a ANY> <!-- c -->" + filler + words +
                "]><a></a>"
         << false;
-    QTest::newRow("large, entity behind a comment with a quote")
+    QTest::newRow("large, entity after a comment with a quote")
         << "<!DOCTYPE a [<!-- it's --><?x it's ?>" + words + "]><a>" + filler + "</a>" << false;
-    QTest::newRow("large, entity behind a value that looks like the end")
+    QTest::newRow("large, entity after a value that looks like the end")
         << "<!DOCTYPE a [<!ATTLIST a b CDATA \"'-->]>\" c CDATA ']>'>" + words + "]><a>" + filler + "</a>" << false;
-    QTest::newRow("large, entity behind a name that looks like the end")
+    QTest::newRow("large, entity after a name that looks like the end")
         << "<!DOCTYPE a SYSTEM \"]>'\" [" + words + "]><a>" + filler + "</a>" << false;
 
     QTest::newRow("large, in GB 18030")
@@ -179,7 +179,7 @@ void TestSafeXml::replacesTheDocument()
     QCOMPARE(document.documentElement().tagName(), QString("new"));
 }
 
-void TestSafeXml::tellsWhereItStopped()
+void TestSafeXml::reportsWhereItStopped()
 {
     QDomDocument document;
     XmlError error;

@@ -1,4 +1,4 @@
-#include "config/ConfigFolder.h"
+#include "config/ConfigFileTest.h"
 #include "config/Ovryn_ConfigFile.h"
 
 #include <QDomDocument>
@@ -12,7 +12,7 @@
 namespace
 {
 
-/// What the getters give of a loaded file with one card.
+/// The values of a loaded file with one card.
 struct Settings
 {
     GeneralSettingInfo general;
@@ -99,7 +99,7 @@ const Field kFields[] = {
     { "LcdModule",       "EnableLcd",                  FIELD(card.lcd.EnableLcd) },
 };
 
-/// What the types of the document read, and from which texts.
+/// The values that the document's types read from texts.
 struct Probe
 {
     const char *type;
@@ -189,8 +189,8 @@ QStringList contentOf(const QDomElement &element)
 
 } // namespace
 
-/// docs/settings-file.md says what the program reads and writes: its tables and its example against Ovryn_ConfigFile.
-class TestSettingsDocument : public QObject
+/// Compares the tables and the example of docs/settings-file.md with Ovryn_ConfigFile.
+class TestSettingsDocument : public ConfigFileTest
 {
     Q_OBJECT
 
@@ -251,9 +251,8 @@ QDomElement TestSettingsDocument::elementOf(QDomDocument &document, const QStrin
 
 Settings TestSettingsDocument::settingsOf(const QDomDocument &document) const
 {
-    const ConfigFolder folder;
-    folder.write(document.toByteArray());
-    Ovryn_ConfigFile config(folder.path());
+    folder->write(document.toByteArray());
+    Ovryn_ConfigFile config(folder->path());
     Settings settings;
     if (!config.load() || !config.getGeneralSetting(settings.general) || !config.getUpdateSetting(settings.update) ||
         !config.getNotPromptHPS(settings.notPrompt))
@@ -270,12 +269,11 @@ Settings TestSettingsDocument::settingsOf(const QDomDocument &document) const
 /// Every attribute that the program writes has a row of the document and of the table above, and the other way round.
 void TestSettingsDocument::tablesAreComplete()
 {
-    const ConfigFolder folder;
-    Ovryn_ConfigFile config(folder.path());
+    Ovryn_ConfigFile config(folder->path());
     config.setAdjustModule(QStringLiteral("A"), 1, {});
     QVERIFY(config.save());
     QStringList written;
-    for (const QString &line : contentOf(folder.root())) {
+    for (const QString &line : contentOf(folder->root())) {
         if (line.contains(QLatin1Char('=')))
             written.append(line.section(QLatin1Char('='), 0, 0));
     }
@@ -297,12 +295,11 @@ void TestSettingsDocument::tablesAreComplete()
 
 void TestSettingsDocument::exampleIsAsWritten()
 {
-    const ConfigFolder folder;
-    folder.write(example);
-    Ovryn_ConfigFile config(folder.path());
+    folder->write(example);
+    Ovryn_ConfigFile config(folder->path());
     QVERIFY(config.load());
     QVERIFY(config.save());
-    QCOMPARE(contentOf(folder.root()), contentOf(parsedExample().documentElement()));
+    QCOMPARE(contentOf(folder->root()), contentOf(parsedExample().documentElement()));
 }
 
 void TestSettingsDocument::attributes_data()
@@ -357,10 +354,9 @@ void TestSettingsDocument::types()
 
 void TestSettingsDocument::cardIsKnownByItsPair()
 {
-    const ConfigFolder folder;
-    folder.write("<OvrynParameter><GpuSettings><GPU><MonitorModule SelectOption=\"3\"/></GPU></GpuSettings>"
-                 "</OvrynParameter>");
-    Ovryn_ConfigFile config(folder.path());
+    folder->write("<OvrynParameter><GpuSettings><GPU><MonitorModule SelectOption=\"3\"/></GPU></GpuSettings>"
+                  "</OvrynParameter>");
+    Ovryn_ConfigFile config(folder->path());
     QVERIFY(config.load());
     quint32 selectOption = 0;
     QVERIFY(config.getMonitorModule(cell("GPU", "GpuName", "No attribute"),
@@ -388,23 +384,22 @@ void TestSettingsDocument::dates()
 
     QCOMPARE(row.value(QStringLiteral("No element")), QStringLiteral("today"));
     document.documentElement().removeChild(elementOf(document, element));
-    const ConfigFolder folder;
-    folder.write(document.toByteArray());
+    folder->write(document.toByteArray());
     const QDate before = QDate::currentDate(); // the day may change meanwhile
-    Ovryn_ConfigFile config(folder.path());
+    Ovryn_ConfigFile config(folder->path());
     QVERIFY(config.load());
     QVERIFY(config.save());
     const QDate after = QDate::currentDate();
-    const QDate written = QDate::fromString(folder.section(qPrintable(element)).text(), QStringLiteral("yyyy/MM/dd"));
+    const QDate written =
+        QDate::fromString(folder->section(qPrintable(element)).text(), QStringLiteral("yyyy/MM/dd"));
     QVERIFY2(before <= written && written <= after, qPrintable(written.toString()));
 }
 
 /// The one date that the program reads.
 void TestSettingsDocument::lastCheckDate()
 {
-    const ConfigFolder folder;
-    folder.write(example);
-    Ovryn_ConfigFile config(folder.path());
+    folder->write(example);
+    Ovryn_ConfigFile config(folder->path());
     QVERIFY(config.load());
     QDate date;
     QVERIFY(config.getLastCheckDate(date));

@@ -147,7 +147,7 @@ void TestFanGuard::guardLivesWhileACardIsWatched()
     guard.release(1);
     QCOMPARE(guard.processId(), qint64(0));
     QVERIFY(!QFile::exists(QStringLiteral("/proc/%1").arg(first)));
-    guard.release(1); // nobody watches it
+    guard.release(1); // it is not watched
     guard.watch(2);
     QVERIFY(guard.processId() != 0);
     guard.release(2);

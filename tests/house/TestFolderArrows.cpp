@@ -12,7 +12,7 @@
 namespace
 {
 
-/// Files outside src/platform that may know one system, each with its reason.
+/// Files outside src/platform that may depend on one system, each with its reason.
 const std::array kFilesThatKnowASystem = {
     "src/device/nvapi/NvApiLibrary_posix.cpp", // opens the driver's library
     "src/device/nvapi/NvApiLibrary_win.cpp",   // opens the driver's library
@@ -43,7 +43,7 @@ QStringList arrowLines(const QString &document)
     return block.match(document).captured(1).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
 }
 
-/// One line: "monitor, overclock -> ui, config, device". "Qt only" stands for no folder.
+/// One line: "monitor, overclock -> ui, config, device". "Qt only" means no folder.
 Arrows arrowsFrom(const QStringList &lines)
 {
     const QRegularExpression form(
@@ -180,7 +180,7 @@ QStringList linkedFolders(const QString &folder)
 
 } // namespace
 
-/// The folders of src include each other as docs/architecture.md says, and one folder alone knows the systems.
+/// The folders of src include each other as docs/architecture.md says, and only one folder depends on the systems.
 class TestFolderArrows : public QObject
 {
     Q_OBJECT

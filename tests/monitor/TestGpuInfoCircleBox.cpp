@@ -523,7 +523,7 @@ void TestGpuInfoCircleBox::aFrameRepaintsAllThatItChanges()
             QTRY_VERIFY_WITH_TIMEOUT(!keeper.painted.isEmpty(), kPatienceMs);
         for (int y = 0; y < kSide; ++y) {
             for (int x = 0; x < kSide; ++x) {
-                if (before.pixel(x, y) != after.pixel(x, y))
+                if (before.pixel(x, y) != after.pixel(x, y) && gauge.mask().contains(QPoint(x, y)))
                     QVERIFY(keeper.painted.contains(QPoint(x, y)));
             }
         }

@@ -103,7 +103,7 @@ QString valueOf(const QByteArray &entry, const char *key)
 }
 
 /// The arguments of a command line, read the way sessions read it: first the escapes of every value, then the codes
-/// behind "%", then the quotes. Empty when it breaks a rule.
+/// after "%", then the quotes. Empty when it breaks a rule.
 QStringList argumentsOf(const QString &exec)
 {
     QString value;
@@ -301,7 +301,7 @@ void TestAutoStart::entryIsRemoved()
 void TestAutoStart::removalWithNothingThere()
 {
     setStartOnBoot(false, kProgram);
-    QVERIFY(!QFileInfo::exists(configHome())); // and nothing is made for it
+    QVERIFY(!QFileInfo::exists(configHome())); // and no folder is made for it
 }
 
 void TestAutoStart::folderOfTheUser_data()

@@ -3,14 +3,14 @@
 
 #include <QtTest>
 
-/// The hot keys' place, on a screen that knows none.
+/// The replacement of the hot keys' object, on a screen without hot keys.
 class TestGlobalHotKeys : public QObject
 {
     Q_OBJECT
 
 private slots:
     void registrationFailsWithoutHotKeys();
-    void replacementStandsInFront();
+    void replacementIsUsed();
     void replacementsAreNested();
 };
 
@@ -22,7 +22,7 @@ void TestGlobalHotKeys::registrationFailsWithoutHotKeys()
     QVERIFY(!hotKeys.unregisterKey(0x33));
 }
 
-void TestGlobalHotKeys::replacementStandsInFront()
+void TestGlobalHotKeys::replacementIsUsed()
 {
     GlobalHotKeys *own = &GlobalHotKeys::current();
     {

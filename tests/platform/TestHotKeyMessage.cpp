@@ -24,7 +24,7 @@ public:
 
 } // namespace
 
-/// What the message of a pressed hot key tells, and its way to the filters.
+/// The content of a pressed hot key's message, and its way to the filters.
 class TestHotKeyMessage : public QObject
 {
     Q_OBJECT
@@ -54,7 +54,7 @@ void TestHotKeyMessage::reads_data()
     QTest::newRow("all bits set") << 0x312U << qint64(-1) << true << 0xFFFFU << 0xFFFFU;
     QTest::newRow("a key press") << 0x100U << qint64(0x00310002) << false << 0U << 0U;
     QTest::newRow("the message before") << 0x311U << qint64(0x00310002) << false << 0U << 0U;
-    QTest::newRow("the message behind") << 0x313U << qint64(0x00310002) << false << 0U << 0U;
+    QTest::newRow("the message after") << 0x313U << qint64(0x00310002) << false << 0U << 0U;
     QTest::newRow("its number in the high word") << 0x03120000U << qint64(0x00310002) << false << 0U << 0U;
 }
 

@@ -9,8 +9,8 @@
 Q_DECLARE_METATYPE(std::vector<std::wstring>)
 Q_DECLARE_METATYPE(std::vector<std::string>)
 
-/// The entry of a program without a console, with a stand-in for its system: what `main` is handed of a wide command
-/// line. The file is built with its `main` renamed to `programMain`.
+/// The entry of a program without a console, with a stand-in for its system: the arguments that `main` gets from a
+/// wide command line. The file is built with its `main` renamed to `programMain`.
 int programMain(int argc, char **argv);
 
 namespace
@@ -19,18 +19,18 @@ namespace
 constexpr int kExitCode = 42;
 constexpr int kFailed = -1;
 
-/// What the system is to answer, and what it was asked.
+/// The system's results, and the calls that it got.
 struct StandIn
 {
     std::vector<std::wstring> arguments;
     bool hasCommandLine = true;
     bool converts = true;
-    std::vector<wchar_t *> vector; ///< what the entry was lent
+    std::vector<wchar_t *> vector; ///< lent to the entry
     int releases = 0;
     bool otherConversion = false; ///< one that is not of the system's code page, or not of a whole text
 } g_system;
 
-std::vector<std::string> g_handedOver; ///< the arguments of `programMain`
+std::vector<std::string> g_passedArguments; ///< the arguments of `programMain`
 bool g_endsWithNull = false;
 int g_programRuns = 0;
 
@@ -80,7 +80,7 @@ int WideCharToMultiByte(unsigned int codePage, unsigned long flags, const wchar_
 int programMain(int argc, char **argv)
 {
     ++g_programRuns;
-    g_handedOver.assign(argv, argv + argc);
+    g_passedArguments.assign(argv, argv + argc);
     g_endsWithNull = argv[argc] == nullptr;
     for (int i = 0; i < argc; ++i)
         argv[i] = nullptr; // a program may do as it likes with its array
@@ -102,7 +102,7 @@ private slots:
 void TestProcessEntry::init()
 {
     g_system = {};
-    g_handedOver.clear();
+    g_passedArguments.clear();
     g_endsWithNull = false;
     g_programRuns = 0;
 }
@@ -132,7 +132,7 @@ void TestProcessEntry::arguments()
     g_system.vector.reserve(wide.size() + 1); // an address of its own, also for no argument
     QCOMPARE(WinMain(nullptr, nullptr, nullptr, 0), kExitCode);
     QCOMPARE(g_programRuns, 1);
-    QVERIFY(g_handedOver == narrow);
+    QVERIFY(g_passedArguments == narrow);
     QVERIFY(g_endsWithNull);
     QCOMPARE(g_system.releases, 1);
     QVERIFY(!g_system.otherConversion);
@@ -151,7 +151,7 @@ void TestProcessEntry::textThatCannotBeConverted()
     g_system.arguments = {L"a", L"b"};
     g_system.converts = false;
     QCOMPARE(WinMain(nullptr, nullptr, nullptr, 0), kExitCode);
-    QVERIFY(g_handedOver == (std::vector<std::string>{"", ""}));
+    QVERIFY(g_passedArguments == (std::vector<std::string>{"", ""}));
     QCOMPARE(g_system.releases, 1);
 }
 

@@ -36,7 +36,7 @@ private slots:
     void cleanup();
 
     void isFirst();
-    void messageIsTold();
+    void messageIsReported();
     void bringsUpAWindow_data();
     void bringsUpAWindow();
     void keepsOtherWindowStates();
@@ -59,7 +59,7 @@ void TestQtSingleApplication::isFirst()
     QVERIFY(!SingleInstanceChannel(kId).isFirst());
 }
 
-void TestQtSingleApplication::messageIsTold()
+void TestQtSingleApplication::messageIsReported()
 {
     MessageLog log;
     connect(&application, SIGNAL(messageReceived(QString)), &log, SLOT(receive(QString)));

@@ -68,7 +68,7 @@ private slots:
     void otherIdentifiersAreApart();
     void secondBecomesFirstWhenTheFirstEnds();
     void startWaitsForAnAnnouncedEnd();
-    void nobodyIsWaitedForWithoutAnAnnouncement();
+    void noWaitWithoutAnAnnouncement();
     void firstThatEndsForEverIsNotWaitedForWithoutLimit();
     void endIsAnnouncedByTheFirstAlone();
     void namesCarryTheUser();
@@ -77,7 +77,7 @@ private slots:
     void carriesMessages();
     void tooLongAMessageIsNotSent();
     void manyMessages();
-    void nobodyListens();
+    void noListener();
     void firstThatIsBusyTimesOut();
     void waitsForAServerThatComesUp();
     void lateMessageStillArrives();
@@ -134,7 +134,7 @@ void TestSingleInstanceChannel::startWaitsForAnAnnouncedEnd()
     SingleInstanceChannel second(kId);
     first->announceEnd();
     QVERIFY(!second.isFirst());
-    QVERIFY(!second.send(QStringLiteral("show"), 50)); // nobody listens any more
+    QVERIFY(!second.send(QStringLiteral("show"), 50)); // there is no listener any more
     std::thread ending([&first] {
         std::this_thread::sleep_for(std::chrono::milliseconds(100)); // so that the second one has to wait
         first.reset();
@@ -152,7 +152,7 @@ void TestSingleInstanceChannel::startWaitsForAnAnnouncedEnd()
     QTRY_COMPARE(log.messages, QStringList(QStringLiteral("show")));
 }
 
-void TestSingleInstanceChannel::nobodyIsWaitedForWithoutAnAnnouncement()
+void TestSingleInstanceChannel::noWaitWithoutAnAnnouncement()
 {
     const SingleInstanceChannel first(kId);
     SingleInstanceChannel second(kId);
@@ -252,7 +252,7 @@ void TestSingleInstanceChannel::manyMessages()
     qDeleteAll(all);
 }
 
-void TestSingleInstanceChannel::nobodyListens()
+void TestSingleInstanceChannel::noListener()
 {
     const SingleInstanceChannel alone(QStringLiteral("alone"));
     const SingleInstanceChannel other(kId);
@@ -262,7 +262,7 @@ void TestSingleInstanceChannel::nobodyListens()
 
 void TestSingleInstanceChannel::firstThatIsBusyTimesOut()
 {
-    const SingleInstanceChannel first(kId); // nobody runs its event loop here
+    const SingleInstanceChannel first(kId); // its event loop does not run here
     const SingleInstanceChannel second(kId);
     QElapsedTimer time;
     time.start();
@@ -369,10 +369,10 @@ void TestSingleInstanceChannel::hostilePeers_data()
     QTest::newRow("largest length") << frame(0xFFFFFFFF, "x") << false << none;
     QTest::newRow("sign bit") << frame(0x80000000, "x") << false << none;
     QTest::newRow("request of another protocol") << QByteArray("GET / HTTP/1.1\r\n\r\n") << false << none;
-    QTest::newRow("megabytes behind too large a length") << frame(0xFFFFFFFF, megabytes) << false << none;
+    QTest::newRow("megabytes after too large a length") << frame(0xFFFFFFFF, megabytes) << false << none;
     QTest::newRow("more than announced") << frame(2, "okmore") << false << QStringList("ok");
     QTest::newRow("two messages at once") << frame(2, "ok") + frame(2, "no") << false << QStringList("ok");
-    QTest::newRow("megabytes behind a message") << frame(2, "ok" + megabytes) << false << QStringList("ok");
+    QTest::newRow("megabytes after a message") << frame(2, "ok" + megabytes) << false << QStringList("ok");
     QTest::newRow("no UTF-8") << frame(2, "\xFF\xFE") << false
                               << QStringList(QString(2, QChar::ReplacementCharacter));
 }
@@ -394,7 +394,7 @@ void TestSingleInstanceChannel::hostilePeers()
     QTRY_COMPARE(peer.state(), QLocalSocket::UnconnectedState);
     QCOMPARE(log.messages, messages);
 
-    const Sending sending("show"); // and the next one is heard
+    const Sending sending("show"); // and the next one is received
     QTRY_COMPARE(log.messages, messages + QStringList("show"));
 }
 

@@ -41,7 +41,7 @@ public:
 
     void killNow()
     {
-        kill(); // cannot be caught, so that its lock and its socket stay behind
+        kill(); // cannot be caught, so its lock and its socket remain
         waitForFinished(kPatienceMs);
     }
 
@@ -49,7 +49,7 @@ private:
     QByteArray output;
 };
 
-/// What a start says that sends the text and ends.
+/// The output of a start that sends the text and ends.
 QStringList sendFromASecond(const QString &text, int timeoutMs = kPatienceMs)
 {
     Start second({QStringLiteral("send"), text, QString::number(timeoutMs)});

@@ -111,9 +111,9 @@ void TestX11Keys::translates_data()
     QTest::newRow("letter of another alphabet") << 0x6C1U << 0U;
     QTest::newRow("letter with an accent") << 0xE9U << 0U;
     QTest::newRow("dead accent") << 0xFE51U << 0U;
-    QTest::newRow("behind F24") << 0xFFD6U << 0U;
+    QTest::newRow("after F24") << 0xFFD6U << 0U;
     QTest::newRow("before the keypad's digits") << 0xFFA9U << 0U;
-    QTest::newRow("behind the keypad's digits") << 0xFFBAU << 0U;
+    QTest::newRow("after the keypad's digits") << 0xFFBAU << 0U;
     QTest::newRow("a character beyond the tables") << 0x01002022U << 0U;
     QTest::newRow("a key for loudness") << 0x1008FF11U << 0U;
     QTest::newRow("all bits") << 0xFFFFFFFFU << 0U;

@@ -24,7 +24,7 @@ inline bool operator==(const PaintedText &a, const PaintedText &b)
            a.fullHinting == b.fullHinting;
 }
 
-/// A device that paints nothing and notes the texts: two fonts that look the same on a screen differ here.
+/// A device that paints nothing and records the texts: two fonts that look the same on a screen differ here.
 class PaintedTexts : public QPaintDevice
 {
 public:
@@ -81,7 +81,7 @@ private:
     mutable Engine engine;
 };
 
-/// What a failed comparison shows.
+/// The text of a failed comparison.
 inline QDebug operator<<(QDebug debug, const PaintedText &text)
 {
     return debug << text.text << text.family << text.pixels << text.weight << text.fullHinting;

@@ -141,7 +141,7 @@ const Expected kExpected[] = {
 
 } // namespace
 
-/// Every text of the interface in both languages, letter for letter.
+/// Every text of the interface in both languages, character by character.
 class TestLanguageTable : public QObject
 {
     Q_OBJECT

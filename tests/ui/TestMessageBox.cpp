@@ -17,7 +17,7 @@
 namespace
 {
 
-/// What every caller of the box passes.
+/// The window flags of every caller of the box.
 const Qt::WindowFlags kCallersFlags = Qt::CustomizeWindowHint | Qt::WindowTitleHint;
 
 constexpr int kOneButton = 0;
@@ -85,7 +85,7 @@ private slots:
     void styleRules_data();
     void styleRules();
     void pictureIsTheBackground();
-    void connectionsHold();
+    void everyConnectionExists();
     void unnamedButtonIsReported();
     void secondBoxIsReported();
     void failedConnectionIsSeen();
@@ -277,7 +277,7 @@ void TestMessageBox::windowFlags()
     Ovryn_MessageBox box(kOneButton, QString(), QStringLiteral("?"), 1, hasParent ? &parent : nullptr,
                          Qt::WindowFlags(0x2001000));
     QVERIFY(box.isWindow());
-    // What was given, a dialog's window type, without a frame, and on top; nothing else.
+    // The given flags, a dialog's window type, no frame, and on top; nothing else.
     QCOMPARE(int(box.windowFlags()), 0x2001000 | 0x3 | 0x800 | (onTop ? 0x40000 : 0));
     QVERIFY(box.testAttribute(Qt::WA_TranslucentBackground));
     QCOMPARE(box.windowOpacity(), 1.0);
@@ -426,7 +426,7 @@ void TestMessageBox::pictureIsTheBackground()
         QCOMPARE(image.convertToFormat(QImage::Format_ARGB32_Premultiplied).pixel(point), expected.pixel(point));
 }
 
-void TestMessageBox::connectionsHold()
+void TestMessageBox::everyConnectionExists()
 {
     ConnectWarnings warnings;
     Ovryn_MessageBox box(kTwoButtons | kWithCheckBox, QString(), QStringLiteral("?"), 1, nullptr, kCallersFlags);

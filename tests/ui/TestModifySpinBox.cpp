@@ -18,7 +18,7 @@ private slots:
     void cleanup();
     void typing_data();
     void typing();
-    void snappedCursorStandsAtTheEnd();
+    void snappedCursorIsAtTheEnd();
     void selectionGoesBeforeTheDigitCounts();
     void editChanging_data();
     void editChanging();
@@ -93,7 +93,7 @@ void TestModifySpinBox::typing()
     QTEST(box->text(), "text");
 }
 
-void TestModifySpinBox::snappedCursorStandsAtTheEnd()
+void TestModifySpinBox::snappedCursorIsAtTheEnd()
 {
     auto *line = box->findChild<QLineEdit *>();
     box->setValue(10);
@@ -154,7 +154,7 @@ void TestModifySpinBox::keypadEnterEndsTheEdit()
     QTest::keyClick(box, Qt::Key_Enter, Qt::KeypadModifier);
     QVERIFY(parent->hasFocus());
     QVERIFY(!box->hasFocus());
-    QCOMPARE(finished.count(), 1); // of the lost focus alone: the key itself goes no further
+    QCOMPARE(finished.count(), 1); // only from the lost focus: the key itself is consumed
     QCOMPARE(box->value(), 1);
 }
 

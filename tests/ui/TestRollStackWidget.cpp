@@ -44,7 +44,7 @@ private slots:
     void deletedPageIsForgotten_data();
     void deletedPageIsForgotten();
     void timerRunsTheSlideToItsEnd();
-    void connectionsHold();
+    void everyConnectionExists();
 
 private:
     void tick(int times)
@@ -349,7 +349,7 @@ void TestRollStackWidget::timerRunsTheSlideToItsEnd()
     QVERIFY(a->isHidden());
 }
 
-void TestRollStackWidget::connectionsHold()
+void TestRollStackWidget::everyConnectionExists()
 {
     ConnectWarnings warnings;
     RollStackWidget another;

@@ -49,7 +49,7 @@ private slots:
     void slotsHandOn();
     void languageReachesThePage();
     void sizeAndMask();
-    void connectionsHold();
+    void everyConnectionExists();
 
 private:
     void tick(int times)
@@ -318,7 +318,7 @@ void TestSettingParentWidget::sizeAndMask()
     QVERIFY(!panel->mask().isEmpty());
 }
 
-void TestSettingParentWidget::connectionsHold()
+void TestSettingParentWidget::everyConnectionExists()
 {
     ConnectWarnings warnings;
     Ovryn_SettingParentWidget another({}, {}, nullptr);

@@ -49,7 +49,7 @@ struct Heard
 
 } // namespace
 
-/// The settings page as a keeper of two records: what is shown, read back and told at once.
+/// The settings page and its two records: what it shows, returns and signals at once.
 class TestSettingWidget : public QObject
 {
     Q_OBJECT

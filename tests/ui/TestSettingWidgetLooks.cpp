@@ -35,7 +35,7 @@ QString textOf(const QWidget &page, const QString &name)
 
 } // namespace
 
-/// The settings page to the eye: its texts in both languages, its parts and their style.
+/// The looks of the settings page: its texts in both languages, its parts and their style.
 class TestSettingWidgetLooks : public QObject
 {
     Q_OBJECT
@@ -61,7 +61,7 @@ private slots:
     void logOpensInTheLanguage_data();
     void logOpensInTheLanguage();
     void shortListsKeepTheirTexts();
-    void connectionsHold();
+    void everyConnectionExists();
 };
 
 void TestSettingWidgetLooks::initTestCase()
@@ -342,7 +342,7 @@ void TestSettingWidgetLooks::shortListsKeepTheirTexts()
     QCOMPARE(textOf(page, QStringLiteral("lbl_Setting")), QStringLiteral("Settings"));
 }
 
-void TestSettingWidgetLooks::connectionsHold()
+void TestSettingWidgetLooks::everyConnectionExists()
 {
     ConnectWarnings warnings;
     Ovryn_SettingWidget page;

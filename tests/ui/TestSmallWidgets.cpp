@@ -18,7 +18,7 @@
 namespace
 {
 
-/// Notes whether an item was handed over with the focus state.
+/// Records whether an item was painted with the focus state.
 class FocusWatchingStyle : public QProxyStyle
 {
 public:
@@ -294,7 +294,7 @@ void TestSmallWidgets::itemHasNoFocusFrame()
     QCOMPARE(style.items, 1);
     QVERIFY(!style.sawFocus);
     QVERIFY(style.sawSelection);
-    QVERIFY(option.state & QStyle::State_HasFocus); // the caller's option is left alone
+    QVERIFY(option.state & QStyle::State_HasFocus); // the caller's option is unchanged
 }
 
 QTEST_MAIN(TestSmallWidgets)

@@ -1,4 +1,5 @@
 #include "support/ConnectWarnings.h"
+#include "support/CurrentFolder.h"
 #include "ui/Fonts.h"
 #include "ui/Ovryn_UpdateLogWidget.h"
 
@@ -9,11 +10,26 @@
 #include <QLayout>
 #include <QMouseEvent>
 #include <QPushButton>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTextEdit>
 
 #include <memory>
+
+namespace
+{
+
+/// A dialog that is shown away from the screen's corner.
+class ShownLog : public Ovryn_UpdateLogWidget
+{
+public:
+    ShownLog() : Ovryn_UpdateLogWidget(1, nullptr)
+    {
+        move(100, 80);
+        show();
+    }
+};
+
+} // namespace
 
 class TestUpdateLogWidget : public QObject
 {
@@ -30,35 +46,31 @@ private slots:
     void missingFileLeavesTheBoxEmpty_data();
     void missingFileLeavesTheBoxEmpty();
     void controls();
-    void standsOverTheMiddleOfItsWindow();
+    void isOverTheMiddleOfItsWindow();
     void buttonCloses();
     void drag_data();
     void drag();
     void dragFollowsBackToItsStart();
     void releaseEndsTheDrag();
     void look();
-    void connectionsHold();
+    void everyConnectionExists();
 
 private:
     static void write(const QString &name, const QString &content);
     static void send(QWidget &dialog, QEvent::Type type, QPoint global, Qt::MouseButton button,
                      Qt::MouseButtons held);
 
-    std::unique_ptr<QTemporaryDir> folder;
-    QString folderBefore;
+    std::unique_ptr<CurrentFolder> folder;
 };
 
 void TestUpdateLogWidget::init()
 {
-    folder = std::make_unique<QTemporaryDir>();
-    folderBefore = QDir::currentPath();
-    QVERIFY(QDir::setCurrent(folder->path()));
+    folder = std::make_unique<CurrentFolder>();
     QVERIFY(QDir().mkdir(QStringLiteral("updateLog")));
 }
 
 void TestUpdateLogWidget::cleanup()
 {
-    QDir::setCurrent(folderBefore);
     folder.reset();
 }
 
@@ -152,7 +164,7 @@ void TestUpdateLogWidget::controls()
     QVERIFY(dialog.rect().contains(container->geometry()));
 }
 
-void TestUpdateLogWidget::standsOverTheMiddleOfItsWindow()
+void TestUpdateLogWidget::isOverTheMiddleOfItsWindow()
 {
     QWidget window;
     window.setGeometry(40, 30, 700, 520);
@@ -196,9 +208,7 @@ void TestUpdateLogWidget::drag()
     QFETCH(int, held);
     QFETCH(QPoint, by);
     QFETCH(QPoint, moved);
-    Ovryn_UpdateLogWidget dialog(1, nullptr);
-    dialog.move(100, 80);
-    dialog.show();
+    ShownLog dialog;
     const QPoint before = dialog.pos();
     const QPoint press = before + QPoint(5, 5);
     send(dialog, QEvent::MouseButtonPress, press, Qt::MouseButton(pressed), Qt::MouseButtons(pressed));
@@ -208,9 +218,7 @@ void TestUpdateLogWidget::drag()
 
 void TestUpdateLogWidget::dragFollowsBackToItsStart()
 {
-    Ovryn_UpdateLogWidget dialog(1, nullptr);
-    dialog.move(100, 80);
-    dialog.show();
+    ShownLog dialog;
     const QPoint before = dialog.pos();
     const QPoint press = before + QPoint(5, 5);
     send(dialog, QEvent::MouseButtonPress, press, Qt::LeftButton, Qt::LeftButton);
@@ -221,9 +229,7 @@ void TestUpdateLogWidget::dragFollowsBackToItsStart()
 
 void TestUpdateLogWidget::releaseEndsTheDrag()
 {
-    Ovryn_UpdateLogWidget dialog(1, nullptr);
-    dialog.move(100, 80);
-    dialog.show();
+    ShownLog dialog;
     const QPoint before = dialog.pos();
     const QPoint press = before + QPoint(5, 5);
     send(dialog, QEvent::MouseButtonPress, press, Qt::LeftButton, Qt::LeftButton);
@@ -244,7 +250,7 @@ void TestUpdateLogWidget::look()
     QCOMPARE(image.pixelColor(dialog.width() / 2, 100), QColor(0, 0, 0, 220)); // the text box is clear
 }
 
-void TestUpdateLogWidget::connectionsHold()
+void TestUpdateLogWidget::everyConnectionExists()
 {
     ConnectWarnings warnings;
     Ovryn_UpdateLogWidget dialog(1, nullptr);

@@ -8,8 +8,8 @@
 
 #include <sys/fsuid.h>
 
-/// While it lives, this thread meets a folder of the current one as somebody to whom it doesn't belong: a file in it
-/// can be read and written, but not removed. Also root meets it so.
+/// While it lives, this thread does not own a folder of the current folder: a file in it can be read and written, but
+/// not removed. That holds for root too.
 class ForeignFolder
 {
 public:

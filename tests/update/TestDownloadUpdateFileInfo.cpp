@@ -1,5 +1,6 @@
 #include "config/FileSizeLimit.h"
 #include "config/NoMoreFiles.h"
+#include "support/CurrentFolder.h"
 #include "support/LoopbackHttpServer.h"
 #include "support/UpdateManifest.h"
 #include "update/ForeignFolder.h"
@@ -58,19 +59,28 @@ private:
         file.write(content);
     }
 
+    /// How many requests the server gets until a later one of another downloader is answered: an earlier one has
+    /// arrived by then.
+    int requestsUntilALaterOneIsAnswered()
+    {
+        Ovryn_DownloadUpdateFileInfo later(nullptr);
+        QSignalSpy spy(&later, SIGNAL(downloadFinished(bool)));
+        later.startDownload();
+        return spy.wait(kPatienceMs) ? server->requests().size() : -1;
+    }
+
+    static constexpr int kPatienceMs = 30000;
     std::unique_ptr<LoopbackHttpServer> server;
-    std::unique_ptr<QTemporaryDir> folder;
-    QString formerFolder;
+    std::unique_ptr<CurrentFolder> folder;
 };
 
 namespace
 {
 
-constexpr int kPatienceMs = 30000;
 const char *const kRequest = "GET /update_packets/OvrynDeck2_UpdateFiles/update_info.xml";
 
-/// What the downloader told, in order.
-QList<bool> told(const QSignalSpy &spy)
+/// The results that the downloader reported, in order.
+QList<bool> reported(const QSignalSpy &spy)
 {
     QList<bool> results;
     for (const QList<QVariant> &arguments : spy)
@@ -82,9 +92,7 @@ QList<bool> told(const QSignalSpy &spy)
 
 void TestDownloadUpdateFileInfo::init()
 {
-    formerFolder = QDir::currentPath();
-    folder = std::make_unique<QTemporaryDir>();
-    QVERIFY(QDir::setCurrent(folder->path()));
+    folder = std::make_unique<CurrentFolder>();
     server = std::make_unique<LoopbackHttpServer>();
     qputenv("OVRYN_TEST_UPDATE_SERVER", server->address().toLatin1());
 }
@@ -92,7 +100,6 @@ void TestDownloadUpdateFileInfo::init()
 void TestDownloadUpdateFileInfo::cleanup()
 {
     server.reset();
-    QDir::setCurrent(formerFolder);
     folder.reset();
 }
 
@@ -143,7 +150,7 @@ void TestDownloadUpdateFileInfo::endings()
     QSignalSpy spy(&downloader, SIGNAL(downloadFinished(bool)));
     downloader.startDownload();
     QCOMPARE(downloader.currentState(), 1);
-    QTRY_COMPARE_WITH_TIMEOUT(told(spy), QList<bool>{complete}, kPatienceMs);
+    QTRY_COMPARE_WITH_TIMEOUT(reported(spy), QList<bool>{complete}, kPatienceMs);
     QCOMPARE(downloader.currentState(), complete ? 3 : 2);
     QCOMPARE(server->requests(), QStringList{QString::fromLatin1(kRequest)});
     QCOMPARE(QFileInfo::exists(QStringLiteral("temp/update_info.xml")), complete);
@@ -168,14 +175,14 @@ void TestDownloadUpdateFileInfo::answerLargerThanAllowed()
     Ovryn_DownloadUpdateFileInfo downloader(nullptr);
     QSignalSpy spy(&downloader, SIGNAL(downloadFinished(bool)));
     downloader.startDownload();
-    QTRY_COMPARE_WITH_TIMEOUT(told(spy), QList<bool>{false}, kPatienceMs);
+    QTRY_COMPARE_WITH_TIMEOUT(reported(spy), QList<bool>{false}, kPatienceMs);
     QCOMPARE(downloader.currentState(), 2);
     QVERIFY(!QFileInfo::exists(QStringLiteral("temp/update_info.xml")));
-    QTRY_COMPARE_WITH_TIMEOUT(server->connections(), 0, kPatienceMs); // broken off
+    QTRY_COMPARE_WITH_TIMEOUT(server->connections(), 0, kPatienceMs); // cut off
 
     server->answerWith(updateManifest("1.1"));
     downloader.startDownload(); // no failure for good
-    QTRY_COMPARE_WITH_TIMEOUT(told(spy), (QList<bool>{false, true}), kPatienceMs);
+    QTRY_COMPARE_WITH_TIMEOUT(reported(spy), (QList<bool>{false, true}), kPatienceMs);
     QCOMPARE(saved(), updateManifest("1.1"));
 }
 
@@ -202,7 +209,7 @@ void TestDownloadUpdateFileInfo::fullDisk()
         downloader.startDownload();
         QTRY_VERIFY_WITH_TIMEOUT(!spy.isEmpty(), kPatienceMs);
     }
-    QCOMPARE(told(spy), QList<bool>{false});
+    QCOMPARE(reported(spy), QList<bool>{false});
     QCOMPARE(downloader.currentState(), 2);
     QVERIFY(!QFileInfo::exists(QStringLiteral("temp/update_info.xml")));
     QTRY_COMPARE_WITH_TIMEOUT(server->connections(), 0, kPatienceMs);
@@ -217,7 +224,7 @@ void TestDownloadUpdateFileInfo::noServer()
     Ovryn_DownloadUpdateFileInfo downloader(nullptr);
     QSignalSpy spy(&downloader, SIGNAL(downloadFinished(bool)));
     downloader.startDownload();
-    QTRY_COMPARE_WITH_TIMEOUT(told(spy), QList<bool>{false}, kPatienceMs);
+    QTRY_COMPARE_WITH_TIMEOUT(reported(spy), QList<bool>{false}, kPatienceMs);
     QCOMPARE(downloader.currentState(), 2);
     QVERIFY(QFileInfo::exists(QStringLiteral("temp")));
     QVERIFY(!QFileInfo::exists(QStringLiteral("temp/update_info.xml")));
@@ -229,7 +236,7 @@ void TestDownloadUpdateFileInfo::noHost()
     Ovryn_DownloadUpdateFileInfo downloader(nullptr);
     QSignalSpy spy(&downloader, SIGNAL(downloadFinished(bool)));
     downloader.startDownload();
-    QTRY_COMPARE_WITH_TIMEOUT(told(spy), QList<bool>{false}, kPatienceMs);
+    QTRY_COMPARE_WITH_TIMEOUT(reported(spy), QList<bool>{false}, kPatienceMs);
     QCOMPARE(downloader.currentState(), 2);
     QVERIFY(!QFileInfo::exists(QStringLiteral("temp/update_info.xml")));
 }
@@ -248,7 +255,7 @@ void TestDownloadUpdateFileInfo::dataGoToTheDiskAsTheyArrive()
                              kPatienceMs);
     QVERIFY(spy.isEmpty());
     server->release();
-    QTRY_COMPARE_WITH_TIMEOUT(told(spy), QList<bool>{true}, kPatienceMs);
+    QTRY_COMPARE_WITH_TIMEOUT(reported(spy), QList<bool>{true}, kPatienceMs);
     QVERIFY(saved() == body);
 }
 
@@ -264,7 +271,7 @@ void TestDownloadUpdateFileInfo::secondStartWhileRunning()
     downloader.startDownload();
     QCOMPARE(downloader.currentState(), 1);
     server->release();
-    QTRY_COMPARE_WITH_TIMEOUT(told(spy), QList<bool>{true}, kPatienceMs);
+    QTRY_COMPARE_WITH_TIMEOUT(reported(spy), QList<bool>{true}, kPatienceMs);
     QCOMPARE(server->requests().size(), 1);
     QCOMPARE(saved(), updateManifest("1.1"));
 }
@@ -288,7 +295,7 @@ void TestDownloadUpdateFileInfo::startsAgain()
     downloader.startDownload();
     QCOMPARE(downloader.currentState(), 1);
     QTRY_COMPARE_WITH_TIMEOUT(spy.size(), 2, kPatienceMs);
-    QCOMPARE(told(spy).last(), true);
+    QCOMPARE(reported(spy).last(), true);
     QCOMPARE(saved(), updateManifest("1.1")); // nothing of the longer one is left
 }
 
@@ -301,7 +308,7 @@ void TestDownloadUpdateFileInfo::failureLeavesNoEarlierManifest()
     Ovryn_DownloadUpdateFileInfo downloader(nullptr);
     QSignalSpy spy(&downloader, SIGNAL(downloadFinished(bool)));
     downloader.startDownload();
-    QTRY_COMPARE_WITH_TIMEOUT(told(spy), QList<bool>{false}, kPatienceMs);
+    QTRY_COMPARE_WITH_TIMEOUT(reported(spy), QList<bool>{false}, kPatienceMs);
     QVERIFY(!QFileInfo::exists(QStringLiteral("temp/update_info.xml")));
     QVERIFY(QFileInfo::exists(QStringLiteral("temp/other.zip")));
 }
@@ -313,20 +320,19 @@ void TestDownloadUpdateFileInfo::folderThatCannotBeMade()
     Ovryn_DownloadUpdateFileInfo downloader(nullptr);
     QSignalSpy spy(&downloader, SIGNAL(downloadFinished(bool)));
     downloader.startDownload();
-    QCOMPARE(told(spy), QList<bool>{false}); // at once
-    QCOMPARE(downloader.currentState(), 1);  // for good: later checks come to nothing
+    QCOMPARE(reported(spy), QList<bool>{false}); // at once
+    QCOMPARE(downloader.currentState(), 1);      // permanently: later checks do nothing
 
     QVERIFY(QFile::remove(QStringLiteral("temp")));
     downloader.startDownload();
-    QTest::qWait(50);
-    QCOMPARE(spy.size(), 1);
-    QCOMPARE(server->requests(), QStringList());
     QVERIFY(!QFileInfo::exists(QStringLiteral("temp")));
 
     Ovryn_DownloadUpdateFileInfo ofTheNextStart(nullptr);
     QSignalSpy nextSpy(&ofTheNextStart, SIGNAL(downloadFinished(bool)));
     ofTheNextStart.startDownload();
-    QTRY_COMPARE_WITH_TIMEOUT(told(nextSpy), QList<bool>{true}, kPatienceMs);
+    QTRY_COMPARE_WITH_TIMEOUT(reported(nextSpy), QList<bool>{true}, kPatienceMs);
+    QCOMPARE(spy.size(), 1);
+    QCOMPARE(server->requests().size(), 1); // only of the last downloader
 }
 
 void TestDownloadUpdateFileInfo::earlierManifestThatCannotBeRemoved()
@@ -337,16 +343,15 @@ void TestDownloadUpdateFileInfo::earlierManifestThatCannotBeRemoved()
     Ovryn_DownloadUpdateFileInfo downloader(nullptr);
     QSignalSpy spy(&downloader, SIGNAL(downloadFinished(bool)));
     downloader.startDownload();
-    QCOMPARE(told(spy), QList<bool>{false});
+    QCOMPARE(reported(spy), QList<bool>{false});
     QCOMPARE(downloader.currentState(), 2);
     QVERIFY(QFileInfo::exists(inTheWay));
-    QTest::qWait(50);
-    QCOMPARE(server->requests(), QStringList());
 
     QVERIFY(QDir(QStringLiteral("temp/update_info.xml")).removeRecursively());
     downloader.startDownload(); // no failure for good
     QTRY_COMPARE_WITH_TIMEOUT(spy.size(), 2, kPatienceMs);
-    QCOMPARE(told(spy).last(), true);
+    QCOMPARE(reported(spy).last(), true);
+    QCOMPARE(server->requests().size(), 1); // none of the failed start
 }
 
 void TestDownloadUpdateFileInfo::earlierManifestThatCouldOnlyBeWritten()
@@ -361,15 +366,14 @@ void TestDownloadUpdateFileInfo::earlierManifestThatCouldOnlyBeWritten()
         const ForeignFolder foreign(QStringLiteral("temp"), QStringLiteral("temp/update_info.xml"));
         QFile file(QStringLiteral("temp/update_info.xml"));
         QVERIFY(!file.remove());
-        QVERIFY(file.open(QIODevice::ReadWrite)); // nothing else stands in the way
+        QVERIFY(file.open(QIODevice::ReadWrite)); // there is no other obstacle
         file.close();
         downloader.startDownload();
     }
-    QCOMPARE(told(spy), QList<bool>{false});
+    QCOMPARE(reported(spy), QList<bool>{false});
     QCOMPARE(downloader.currentState(), 2);
     QCOMPARE(saved(), QByteArray("earlier"));
-    QTest::qWait(50);
-    QCOMPARE(server->requests(), QStringList());
+    QCOMPARE(requestsUntilALaterOneIsAnswered(), 1);
 #else
     QSKIP("only one platform lets a file be written that cannot be removed");
 #endif
@@ -378,16 +382,16 @@ void TestDownloadUpdateFileInfo::earlierManifestThatCouldOnlyBeWritten()
 void TestDownloadUpdateFileInfo::fileThatCannotBeOpened()
 {
 #ifdef Q_OS_UNIX
+    server->answerWith(updateManifest("1.1"));
     Ovryn_DownloadUpdateFileInfo downloader(nullptr);
     QSignalSpy spy(&downloader, SIGNAL(downloadFinished(bool)));
     {
         const NoMoreFiles noMoreFiles;
         downloader.startDownload();
     }
-    QCOMPARE(told(spy), QList<bool>{false});
+    QCOMPARE(reported(spy), QList<bool>{false});
     QCOMPARE(downloader.currentState(), 2);
-    QTest::qWait(50);
-    QCOMPARE(server->requests(), QStringList());
+    QCOMPARE(requestsUntilALaterOneIsAnswered(), 1);
 #else
     QSKIP("only one platform has a limit of open files");
 #endif
@@ -413,7 +417,7 @@ void TestDownloadUpdateFileInfo::earlierManifestIsALink()
     Ovryn_DownloadUpdateFileInfo downloader(nullptr);
     QSignalSpy spy(&downloader, SIGNAL(downloadFinished(bool)));
     downloader.startDownload();
-    QTRY_COMPARE_WITH_TIMEOUT(told(spy), QList<bool>{true}, kPatienceMs);
+    QTRY_COMPARE_WITH_TIMEOUT(reported(spy), QList<bool>{true}, kPatienceMs);
     QVERIFY(!QFileInfo(QStringLiteral("temp/update_info.xml")).isSymLink());
     QCOMPARE(saved(), updateManifest("1.1"));
     QCOMPARE(QFileInfo::exists(target), !dangling);
@@ -431,7 +435,7 @@ void TestDownloadUpdateFileInfo::endsInTheMiddle()
         QTRY_COMPARE_WITH_TIMEOUT(server->requests().size(), 1, kPatienceMs);
     }
     server->release();
-    QTest::qWait(50); // nobody is there any more for what arrives
+    QTRY_COMPARE_WITH_TIMEOUT(server->connections(), 0, kPatienceMs);
     QCOMPARE(saved(), QByteArray());
 }
 

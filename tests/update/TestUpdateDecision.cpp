@@ -34,8 +34,8 @@ void TestUpdateDecision::newerVersion_data()
     QTest::newRow("earlier") << "1.0.2.3" << false;
     QTest::newRow("shorter and greater") << "1.1" << true;
     QTest::newRow("beginning of the own") << "1.0.2" << false;
-    QTest::newRow("own with more behind it") << "1.0.2.4.0" << true;
-    QTest::newRow("own with a blank behind it") << "1.0.2.4 " << true;
+    QTest::newRow("own with more after it") << "1.0.2.4.0" << true;
+    QTest::newRow("own with a blank after it") << "1.0.2.4 " << true;
     QTest::newRow("greater number, smaller text") << "1.0.10.0" << false;
     QTest::newRow("smaller number, greater text") << "1.0.2.40" << true;
     QTest::newRow("a digit is greater than a dot") << "10.0.0.0" << true;
@@ -81,7 +81,7 @@ void TestUpdateDecision::checkIsDue()
 
 void TestUpdateDecision::decision_data()
 {
-    QTest::addColumn<UpdateTrigger>("road");
+    QTest::addColumn<UpdateTrigger>("trigger");
     QTest::addColumn<int>("mode");
     QTest::addColumn<QString>("current");
     QTest::addColumn<QString>("manual");
@@ -135,12 +135,12 @@ void TestUpdateDecision::decision_data()
 
 void TestUpdateDecision::decision()
 {
-    QFETCH(UpdateTrigger, road);
+    QFETCH(UpdateTrigger, trigger);
     QFETCH(int, mode);
     QFETCH(QString, current);
     QFETCH(QString, manual);
     QFETCH(UpdateAction, action);
-    QVERIFY(decideUpdate(road, mode, current, manual) == action);
+    QVERIFY(decideUpdate(trigger, mode, current, manual) == action);
 }
 
 QTEST_APPLESS_MAIN(TestUpdateDecision)

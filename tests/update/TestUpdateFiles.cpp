@@ -18,8 +18,8 @@ class TestUpdateFiles : public QObject
 private slots:
     void init();
     void cleanup();
-    void returnIsTold_data();
-    void returnIsTold();
+    void returnIsRecognised_data();
+    void returnIsRecognised();
     void updaterBesideTheProgram();
     void updaterElsewhere_data();
     void updaterElsewhere();
@@ -125,12 +125,12 @@ QStringList TestUpdateFiles::outside() const
     return found;
 }
 
-void TestUpdateFiles::returnIsTold_data()
+void TestUpdateFiles::returnIsRecognised_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<bool>("isReturn");
     QTest::newRow("by the updater") << QStringList{"OvrynDeck2", "_OvrynUpdate"} << true;
-    QTest::newRow("with more behind it") << QStringList{"OvrynDeck2", "_OvrynUpdate", "x"} << true;
+    QTest::newRow("with more after it") << QStringList{"OvrynDeck2", "_OvrynUpdate", "x"} << true;
     QTest::newRow("by the user") << QStringList{"OvrynDeck2"} << false;
     QTest::newRow("another argument") << QStringList{"OvrynDeck2", "_OvrynDeck2"} << false;
     QTest::newRow("other case") << QStringList{"OvrynDeck2", "_ovrynupdate"} << false;
@@ -139,7 +139,7 @@ void TestUpdateFiles::returnIsTold_data()
     QTest::newRow("no arguments at all") << QStringList() << false;
 }
 
-void TestUpdateFiles::returnIsTold()
+void TestUpdateFiles::returnIsRecognised()
 {
     QFETCH(QStringList, arguments);
     QTEST(isReturnFromUpdater(arguments), "isReturn");
@@ -212,7 +212,7 @@ void TestUpdateFiles::clearingALink_data()
     QTest::addColumn<QString>("path");
     QTest::newRow("to a folder outside") << "other"
                                          << "temp";
-    QTest::newRow("with a slash behind it") << "other"
+    QTest::newRow("with a slash after it") << "other"
                                             << "temp/";
     QTest::newRow("to a folder of the installation") << "installation/kept"
                                                      << "temp";

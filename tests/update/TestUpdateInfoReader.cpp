@@ -19,7 +19,7 @@ private slots:
     void missingFile();
     void folderInPlaceOfAFile();
     void failureEmptiesAnEarlierResult();
-    void tellsWhereParsingStopped();
+    void reportsWhereParsingStopped();
     void fifteenMegabytes();
     void oneByteTooMany();
 
@@ -53,7 +53,7 @@ QByteArray wide(int attributes, const QByteArray &value = {})
     return text + "/></Update>";
 }
 
-/// A manifest larger than what may be anything but plain.
+/// A manifest beyond the size up to which many attributes are allowed.
 QString large(const QString &declaration)
 {
     return declaration + QStringLiteral("<Update><CurrentVersion Value='2'/><!--") + QString(20000, QChar(0x884C)) +
@@ -225,7 +225,7 @@ void TestUpdateInfoReader::refuses_data()
     QTest::newRow("zeros") << QByteArray(1000, '\0') << false;
     QTest::newRow("another root") << QByteArray("<update><CurrentVersion Value='2'/></update>") << true;
     QTest::newRow("root of the settings") << QByteArray("<OvrynParameter/>") << true;
-    QTest::newRow("good manifest, rubbish behind it") << QByteArray(updateManifest("2") + "<Update/>") << false;
+    QTest::newRow("good manifest, rubbish after it") << QByteArray(updateManifest("2") + "<Update/>") << false;
     QTest::newRow("Update below another root")
         << QByteArray("<a><Update><CurrentVersion Value='2'/></Update></a>") << true;
     QTest::newRow("a million files") << updateManifest("2", "", manifestFile("d", "n", "v").repeated(1000000))
@@ -298,7 +298,7 @@ void TestUpdateInfoReader::failureEmptiesAnEarlierResult()
     QCOMPARE(reader.getCurrentVersion(), QStringLiteral("1.2"));
 }
 
-void TestUpdateInfoReader::tellsWhereParsingStopped()
+void TestUpdateInfoReader::reportsWhereParsingStopped()
 {
     Ovryn_UpdateInfoReader reader;
     QVERIFY(!reader.read(write("<Update>\n  <FileInfos>\n</Update>")));

@@ -4,7 +4,7 @@
 #include <QTest>
 #include <QUrl>
 
-/// The server that a program asks as it is shipped.
+/// The update server of the shipped program.
 class TestUpdateServer : public QObject
 {
     Q_OBJECT

@@ -2,7 +2,7 @@
 
 /// \file
 /// The few things that the entry of the other platform asks of its system, so that it can be compiled and tried here.
-/// `TestProcessEntry.cpp` tells what they do.
+/// `TestProcessEntry.cpp` defines what they do.
 
 #define WINAPI
 #define CP_ACP 0
