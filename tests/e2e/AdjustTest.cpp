@@ -53,9 +53,9 @@ QStringList coolerWrites(const InstalledProgram &program, int card, int from)
     return writesTo(program.journal(), card, from).filter(QStringLiteral("cooler"));
 }
 
-AdjustPageHands AdjustTest::handsOn(const InstalledProgram &program, qint64 window) const
+AdjustPageRobot AdjustTest::robotFor(const InstalledProgram &program, qint64 window) const
 {
-    return AdjustPageHands(screen, program, window, layout.pagePanel);
+    return AdjustPageRobot(screen, program, window, layout.pagePanel);
 }
 
 QRect AdjustTest::gaugeHole(qint64 window) const
@@ -63,25 +63,25 @@ QRect AdjustTest::gaugeHole(qint64 window) const
     return onScreen(window, QRect(layout.gaugeShown.center() - QPoint(110, 50), QSize(220, 100)));
 }
 
-void AdjustTest::openPage(InstalledProgram &program, qint64 window, const AdjustPageHands &hands)
+void AdjustTest::openPage(InstalledProgram &program, qint64 window, const AdjustPageRobot &robot)
 {
     program.clickIn(window, layout.adjustButton.center());
     pressBoxButton(program, true);
     QTRY_VERIFY_WITH_TIMEOUT(program.otherWindows().isEmpty(), kPatienceMs);
-    QTRY_VERIFY_WITH_TIMEOUT(hands.stands(), kPatienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(robot.isShown(), kPatienceMs);
 }
 
-void AdjustTest::answerApply(InstalledProgram &program, const AdjustPageHands &hands, bool yes)
+void AdjustTest::answerApply(InstalledProgram &program, const AdjustPageRobot &robot, bool yes)
 {
-    hands.press(hands.parts.applyButton);
+    robot.press(robot.parts.applyButton);
     pressBoxButton(program, yes);
     QTRY_VERIFY_WITH_TIMEOUT(program.otherWindows().isEmpty(), kPatienceMs);
 }
 
-QStringList AdjustTest::writesOfApply(InstalledProgram &program, const AdjustPageHands &hands, int howMany)
+QStringList AdjustTest::writesOfApply(InstalledProgram &program, const AdjustPageRobot &robot, int howMany)
 {
     const int before = program.journal().size();
-    answerApply(program, hands, true);
+    answerApply(program, robot, true);
     QStringList writes;
     (void)QTest::qWaitFor(
         [&] {

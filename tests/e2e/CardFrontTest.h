@@ -8,7 +8,7 @@
 #include <functional>
 #include <memory>
 
-/// What the tests share that look at the window "Card front", on a screen with room for it beside the program.
+/// The base of tests that examine the window "Card front", on a screen with room for it beside the program.
 class CardFrontTest : public ProgramTest
 {
     Q_OBJECT
@@ -18,7 +18,7 @@ protected:
 
     bool startFront(const QStringList &arguments); ///< it ends with the test function
     [[nodiscard]] qint64 waitForFront() const;     ///< its window, 0 on a time-out
-    /// Looks at the middle of a card's strip; what is seen there stands in `seen`.
+    /// Reads the colour in the middle of a card's strip into `seen`.
     bool look(qint64 window, int card, bool hasLcd);
     /// Looks until the colour is of the kind wanted.
     bool becomes(qint64 window, int card, bool hasLcd, const std::function<bool(const QColor &)> &wanted);

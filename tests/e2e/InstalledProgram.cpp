@@ -74,10 +74,10 @@ QProcessEnvironment InstalledProgram::environment() const
     environment.insert(QStringLiteral("NVAPI_SIM_STATE"), statePath());
     if (!scene.isEmpty())
         environment.insert(QStringLiteral("NVAPI_SIM_SCENARIO"), scene);
-    // A runtime folder of its own, so that an instance of the person at the machine is no first instance.
+    // A runtime folder of its own, so that the user's own running instance does not count.
     environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), folder.filePath(QStringLiteral("runtime")));
     environment.insert(QStringLiteral("TMPDIR"), folder.filePath(QStringLiteral("runtime")));
-    // Nor does it touch that person's autostart folder.
+    // Nor does it use the user's own autostart folder.
     environment.insert(QStringLiteral("HOME"), folder.path());
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), folder.filePath(QStringLiteral("settings")));
     for (auto variable = variables.cbegin(); variable != variables.cend(); ++variable)
@@ -88,7 +88,7 @@ QProcessEnvironment InstalledProgram::environment() const
 void InstalledProgram::prepare(QProcess &start) const
 {
     start.setProcessEnvironment(environment());
-    start.setWorkingDirectory(QDir::rootPath()); // it must find its folder by itself
+    start.setWorkingDirectory(QDir::rootPath()); // the program must find its own folder
 }
 
 bool InstalledProgram::start()

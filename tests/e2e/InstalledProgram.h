@@ -10,9 +10,9 @@
 #include <QRect>
 #include <QTemporaryDir>
 
-/// One installation of the real executable in a folder of its own (config.xml lies beside it), started on
-/// a virtual screen with the simulated driver in front. The process ends with the object. A call in its journal that
-/// no card would be asked fails the test then.
+/// One installation of the real executable in a folder of its own, with its config.xml, started on a virtual screen
+/// with the simulated driver. The object's end ends the process. A violation in the driver's journal fails the test
+/// then.
 class InstalledProgram
 {
 public:
@@ -28,8 +28,8 @@ public:
     void prepare(QProcess &start) const; ///< a start of this installation that the test makes itself
     bool start();                        ///< waits until the process runs
     int startAgain();                    ///< a second start at once; its exit code, -1 on a time-out
-    /// Another process, by its identifier, is the program from now on: its windows are looked for, and it ends with
-    /// the object, too.
+    /// From now on the process with that identifier is the program: its windows are searched, and it ends with the
+    /// object too.
     void follow(qint64 processId);
     bool signal(const char *name); ///< as kill(1) names it: TERM, INT, HUP, KILL; false when it has ended before
     bool kill();                   ///< at once, as a crash or a power cut would; false when it has ended before
@@ -47,7 +47,7 @@ public:
 
     void clickIn(qint64 window, QPoint position) const; ///< in window pixels
 
-    [[nodiscard]] QRect trayIcon() const; ///< its place on the screen, null while the tray hasn't taken it
+    [[nodiscard]] QRect trayIcon() const; ///< its place on the screen, null while it is not in the tray
 
     [[nodiscard]] QDomElement config() const; ///< root element of config.xml, null when not well-formed
     [[nodiscard]] QString configAttribute(const QString &element, const QString &attribute) const;
@@ -56,12 +56,12 @@ public:
 
     [[nodiscard]] QByteArray configBytes() const;    ///< the file as it stands, empty for none
     [[nodiscard]] QString path() const;              ///< of the executable
-    [[nodiscard]] QByteArray autoStartEntry() const; ///< what stands in this user's autostart folder, empty for none
+    [[nodiscard]] QByteArray autoStartEntry() const; ///< in this user's autostart folder, empty for none
 
-    [[nodiscard]] QList<QJsonObject> journal() const;     ///< what the driver was asked, in order
-    [[nodiscard]] QStringList violations() const;         ///< lines of the journal that no card would be asked
+    [[nodiscard]] QList<QJsonObject> journal() const;     ///< the calls of the driver, in order
+    [[nodiscard]] QStringList violations() const;         ///< lines of the journal with a violation
     [[nodiscard]] QString statePath() const;              ///< of the file that the driver keeps its state in
-    [[nodiscard]] QJsonObject cardState(int index) const; ///< what a simulated card did and held last
+    [[nodiscard]] QJsonObject cardState(int index) const; ///< the last state of a simulated card
 
 private:
     [[nodiscard]] QProcessEnvironment environment() const;

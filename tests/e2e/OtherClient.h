@@ -4,8 +4,8 @@
 
 #include <xcb/xcb.h>
 
-/// Another application on the same X server, as far as its keyboard goes: a connection of its own, with a window that
-/// can take the focus and with key grabs on the root window. All calls wait for the server.
+/// Another application on the same X server, only for the keyboard: a connection of its own, a window that can take
+/// the focus, and key grabs on the root window. All calls wait for the server.
 class OtherClient
 {
 public:
@@ -24,7 +24,7 @@ public:
     /// The key that gives the keysym, 0 when none does.
     [[nodiscard]] xcb_keycode_t keyWith(xcb_keysym_t keysym) const;
 
-    /// False when somebody else holds it.
+    /// False when another client holds it.
     bool grab(xcb_keycode_t key, quint16 state);
     void releaseGrabs();
 

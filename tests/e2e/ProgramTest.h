@@ -9,16 +9,16 @@
 
 constexpr QSize kDialogSize(1020, 680); ///< of the main window
 
-/// Longest wait for anything that the program does; a machine that builds meanwhile is slow.
+/// Longest wait for anything that the program does; a machine that builds at the same time is slow.
 constexpr int kPatienceMs = 20000;
 
-/// A config.xml with which no question stands in the way at the start.
+/// A config.xml with which the program asks nothing at the start.
 extern const char *const kQuietConfig;
 
 /// As config.xml writes it.
 [[nodiscard]] QString today();
 
-/// A line of the journal as "operation", with the device's address behind a transfer.
+/// A line of the journal as "operation", with the device's address after a transfer.
 [[nodiscard]] QString operationOf(const QJsonObject &call);
 
 /// How many pixels of a region differ noticeably.
@@ -27,14 +27,14 @@ extern const char *const kQuietConfig;
 /// True where the ring, a header's band or a page's frame lies.
 [[nodiscard]] bool isRed(QRgb pixel);
 
-/// What the end-to-end tests share: a screen of their own and the hands that every user has. Positions are
-/// pixels of the main window, unless a name says screen.
+/// The base of the end-to-end tests: a screen of their own and a user's common actions. Positions are pixels of the
+/// main window, unless a name says screen.
 class ProgramTest : public QObject
 {
     Q_OBJECT
 
 protected:
-    /// Starts a program whose configuration has no question to ask; its main window, 0 when none came.
+    /// Starts a program that asks nothing at its start. Returns its main window, 0 on a time-out.
     [[nodiscard]] qint64 startedWindow(InstalledProgram &program);
     void pressBoxButton(InstalledProgram &program, bool yes);
     void pressOnlyBoxButton(InstalledProgram &program);

@@ -1,6 +1,6 @@
 // A session manager with one client, for the end-to-end tests. It prints the address that clients find in
 // SESSION_MANAGER, then reads orders from its standard input, a line each: "save" asks the client to save itself
-// because the session may end, "cancel" calls that end off, "die" ends the session for the client. It prints "saved"
+// because the session may end, "cancel" cancels that end, "die" ends the session for the client. It prints "saved"
 // when the client has saved itself and "gone" when the client's connection is closed, and ends with its input.
 
 #include <X11/ICE/ICElib.h>

@@ -4,8 +4,8 @@
 #include <QJsonArray>
 #include <QTest>
 
-/// Adjusting a card with the real executable: what its driver is told, what the card makes of it, and what
-/// stays for the next start.
+/// Adjusting a card with the real executable: the orders to the driver, their effects on the card, and what is saved
+/// for the next start.
 class TestAdjust : public AdjustTest
 {
     Q_OBJECT
@@ -23,7 +23,7 @@ namespace
 
 constexpr int kFanAt50C = 25; // percent, of that card's own control
 
-/// A small card that is hot two seconds after its load came and cool two seconds after it went.
+/// A small card that is hot two seconds after its load begins and cool two seconds after it ends.
 const QByteArray kCardWithChangingLoad = R"({ "thermal": { "heatCapacityJK": 2 },
     "load": { "kind": "steps", "steps": [[6000, 4], [6000, 100]] } })";
 
@@ -41,13 +41,13 @@ void TestAdjust::draggedSliderShowsInTheGauge()
     program.writeConfig(kQuietConfig);
     const qint64 window = startedWindow(program);
     QVERIFY(window != 0);
-    const AdjustPageHands hands = handsOn(program, window);
-    openPage(program, window, hands);
+    const AdjustPageRobot robot = robotFor(program, window);
+    openPage(program, window, robot);
 
     const QRect hole = gaugeHole(window);
-    const QRect row = hands.onScreen(hands.rowPlace(RowGpuClock));
-    const QRect buttons = hands.onScreen(hands.placeOf(hands.parts.applyButton | hands.parts.cancelButton));
-    const QPoint aside = hands.onScreen(hands.placeOf(hands.parts.defaultButton).center());
+    const QRect row = robot.onScreen(robot.rowPlace(RowGpuClock));
+    const QRect buttons = robot.onScreen(robot.placeOf(robot.parts.applyButton | robot.parts.cancelButton));
+    const QPoint aside = robot.onScreen(robot.placeOf(robot.parts.defaultButton).center());
     const auto looksAsBefore = [&](const QImage &before, const QRect &rect) {
         return QTest::qWaitFor([&] { return differingPixels(before, screen.picture(), rect) == 0; }, kPatienceMs);
     };
@@ -56,24 +56,24 @@ void TestAdjust::draggedSliderShowsInTheGauge()
     const QImage atRest = screen.picture();
 
     const double atBase = 200.0 / 1400.0; // offsets reach from -200 to +1200 MHz
-    screen.hold(hands.onScreen(hands.sliderPoint(RowGpuClock, atBase)),
-                hands.onScreen(hands.sliderPoint(RowGpuClock, 0.6)));
-    QVERIFY(pictureChanges(atRest, hole)); // preset, present and difference in place of the reading
+    screen.hold(robot.onScreen(robot.sliderPoint(RowGpuClock, atBase)),
+                robot.onScreen(robot.sliderPoint(RowGpuClock, 0.6)));
+    QVERIFY(pictureChanges(atRest, hole)); // the three rows of the adjustment replace the reading
     QVERIFY(pictureChanges(atRest, row));
     QVERIFY(pictureChanges(atRest, buttons)); // there is something to apply now
 
     // still held, it goes on to another number
     const QImage held = screen.picture();
-    screen.movePointer(hands.onScreen(hands.sliderPoint(RowGpuClock, 0.02)));
+    screen.movePointer(robot.onScreen(robot.sliderPoint(RowGpuClock, 0.02)));
     QTRY_VERIFY_WITH_TIMEOUT(differingPixels(held, screen.picture(), hole) > 0, kPatienceMs);
     screen.release();
     QVERIFY(looksAsBefore(atRest, hole)); // the overlay has faded
 
     // neither a refused question nor Cancel reaches the card
-    answerApply(program, hands, false);
+    answerApply(program, robot, false);
     screen.movePointer(aside);
     QVERIFY(differingPixels(atRest, screen.picture(), row) > 0);
-    hands.press(hands.parts.cancelButton);
+    robot.press(robot.parts.cancelButton);
     screen.movePointer(aside);
     QVERIFY(looksAsBefore(atRest, row));
     QVERIFY(looksAsBefore(atRest, buttons));
@@ -89,17 +89,17 @@ void TestAdjust::typedNumbersReachTheCardAndAreKept()
     program.writeConfig(kQuietConfig);
     qint64 window = startedWindow(program);
     QVERIFY(window != 0);
-    const AdjustPageHands hands = handsOn(program, window);
-    openPage(program, window, hands);
+    const AdjustPageRobot robot = robotFor(program, window);
+    openPage(program, window, robot);
     QTRY_COMPARE_WITH_TIMEOUT(graphicsMHz(program), 1683, kPatienceMs);
 
-    hands.press(hands.parts.manualButton);                            // the fan's row can be edited from here on
-    hands.type(RowFan, QStringLiteral("999"), QStringLiteral("Tab")); // beyond 100
-    hands.type(RowMemoryClock, QStringLiteral("9999"), QStringLiteral("Tab")); // beyond 5004
-    hands.type(RowGpuClock, QStringLiteral("1707"), QStringLiteral("Return"));
-    hands.type(RowVoltage, QStringLiteral("1075"), QStringLiteral("KP_Enter"));
-    hands.type(RowPower, QStringLiteral("110"), QStringLiteral("Tab"));
-    hands.type(RowTemperature, QStringLiteral("85"), QStringLiteral("Return"));
+    robot.press(robot.parts.manualButton);                            // the fan's row can be edited from here on
+    robot.type(RowFan, QStringLiteral("999"), QStringLiteral("Tab")); // beyond 100
+    robot.type(RowMemoryClock, QStringLiteral("9999"), QStringLiteral("Tab")); // beyond 5004
+    robot.type(RowGpuClock, QStringLiteral("1707"), QStringLiteral("Return"));
+    robot.type(RowVoltage, QStringLiteral("1075"), QStringLiteral("KP_Enter"));
+    robot.type(RowPower, QStringLiteral("110"), QStringLiteral("Tab"));
+    robot.type(RowTemperature, QStringLiteral("85"), QStringLiteral("Return"));
     QVERIFY(program.otherWindows().isEmpty()); // Return pressed no button of the dialog
     QCOMPARE(writesTo(program.journal(), 0), QStringList());
 
@@ -107,15 +107,15 @@ void TestAdjust::typedNumbersReachTheCardAndAreKept()
         "cooler 100% policy 1", "graphics 100000 kHz",
         "memory 1000000 kHz",   QStringLiteral("temperature %1/256 C priority 1").arg(85 * 256),
         "power 110000",         "voltage 25000 uV"};
-    QCOMPARE(writesOfApply(program, hands, wanted.size()), wanted);
+    QCOMPARE(writesOfApply(program, robot, wanted.size()), wanted);
     QTRY_COMPARE_WITH_TIMEOUT(graphicsMHz(program), 1783, kPatienceMs);
     QTRY_COMPARE_WITH_TIMEOUT(readings(program).value(QStringLiteral("memoryKHz")).toInt(), 5004000, kPatienceMs);
     QTRY_COMPARE_WITH_TIMEOUT(readings(program).value(QStringLiteral("fanPercent")).toInt(), 100, kPatienceMs);
 
     // half of the power is too little for that clock
     QVERIFY(!readings(program).value(QStringLiteral("powerLimited")).toBool());
-    hands.type(RowPower, QStringLiteral("50"), QStringLiteral("Tab"));
-    QCOMPARE(writesOfApply(program, hands, wanted.size()).value(4), QStringLiteral("power 50000"));
+    robot.type(RowPower, QStringLiteral("50"), QStringLiteral("Tab"));
+    QCOMPARE(writesOfApply(program, robot, wanted.size()).value(4), QStringLiteral("power 50000"));
     QTRY_VERIFY_WITH_TIMEOUT(readings(program).value(QStringLiteral("powerLimited")).toBool(), kPatienceMs);
     QVERIFY(graphicsMHz(program) < 1683);
 
@@ -155,12 +155,12 @@ void TestAdjust::defaultGivesEverythingBack()
                         Temperature="80" FanMode="1")")));
     const qint64 window = startedWindow(program);
     QVERIFY(window != 0);
-    const AdjustPageHands hands = handsOn(program, window);
-    openPage(program, window, hands);
+    const AdjustPageRobot robot = robotFor(program, window);
+    openPage(program, window, robot);
     QTRY_COMPARE_WITH_TIMEOUT(graphicsMHz(program), 1726, kPatienceMs);
 
     const int before = program.journal().size();
-    hands.press(hands.parts.defaultButton);
+    robot.press(robot.parts.defaultButton);
     const QStringList defaults = {"entry 1",
                                   "graphics 0 kHz",
                                   "memory 0 kHz",
@@ -188,37 +188,37 @@ void TestAdjust::drawnCurveDrivesTheFan()
     program.writeConfig(kQuietConfig);
     qint64 window = startedWindow(program);
     QVERIFY(window != 0);
-    const AdjustPageHands hands = handsOn(program, window);
-    openPage(program, window, hands);
+    const AdjustPageRobot robot = robotFor(program, window);
+    openPage(program, window, robot);
 
-    hands.press(hands.parts.configButton);
+    robot.press(robot.parts.configButton);
     const QList<QPoint> atFirst = FanCurve::defaultCurve();
     for (int i = atFirst.size() - 2; i > 0; --i)
-        hands.doubleClickNode(atFirst.at(i)); // away with the middle ones: a straight line is left
+        robot.doubleClickNode(atFirst.at(i)); // removes the middle ones: a straight line is left
     for (const QPoint node : {QPoint(40, 30), QPoint(60, 60), QPoint(75, 85), QPoint(90, 95)})
-        hands.doubleClickNode(node);
-    hands.doubleClickNode(QPoint(60, 60)); // away again
-    hands.dragNode(QPoint(75, 85), QPoint(70, 80));
+        robot.doubleClickNode(node);
+    robot.doubleClickNode(QPoint(60, 60)); // removes it again
+    robot.dragNode(QPoint(75, 85), QPoint(70, 80));
     QList<QPoint> drawn = {QPoint(0, 0)};
     for (const QPoint node : {QPoint(40, 30), QPoint(70, 80), QPoint(90, 95)})
-        drawn << hands.placedNode(node);
+        drawn << robot.placedNode(node);
     drawn << QPoint(100, 100);
 
-    // the curve alone doesn't take the fan out of the driver's hands
-    answerApply(program, hands, true);
-    QTRY_VERIFY_WITH_TIMEOUT(hands.stands(), kPatienceMs);
+    // the curve alone doesn't take the fan out of the driver's control
+    answerApply(program, robot, true);
+    QTRY_VERIFY_WITH_TIMEOUT(robot.isShown(), kPatienceMs);
     int calls = program.journal().size();
     QTRY_VERIFY_WITH_TIMEOUT(program.journal().size() > calls + 40, kPatienceMs);
     QCOMPARE(writesTo(program.journal(), 0), QStringList());
 
-    hands.press(hands.parts.userDefinedButton);
+    robot.press(robot.parts.userDefinedButton);
     const QStringList limits = {"graphics 0 kHz", "memory 0 kHz",
                                 QStringLiteral("temperature %1/256 C priority 1").arg(83 * 256), "power 100000",
                                 "voltage 0 uV"};
-    QCOMPARE(writesOfApply(program, hands, limits.size()), limits); // no level: that is for the curve's thread
+    QCOMPARE(writesOfApply(program, robot, limits.size()), limits); // no level: that is for the curve's thread
 
-    // Both ends of the temperature's swing are seen with the level that the curve has there. The thread may be a
-    // reading behind, and tells whole degrees: so only a card at rest agrees, and within a degree.
+    // Both ends of the temperature's range must show the curve's level for them. The thread may use the previous
+    // reading, and it reads whole degrees: so only a card with a steady temperature agrees, within a degree.
     const auto followsAtLoad = [&](int from, int to) {
         const QJsonObject now = readings(program);
         const int load = now.value(QStringLiteral("loadPercent")).toInt();
@@ -279,7 +279,7 @@ void TestAdjust::highPerformance()
         const int before = program.journal().size();
         const QImage picture = screen.picture();
         program.clickIn(window, layout.highPerformanceButton.center());
-        screen.movePointer(button.topLeft() - QPoint(0, 60)); // the picture under the pointer is another one
+        screen.movePointer(button.topLeft() - QPoint(0, 60)); // a hovered button has another picture
         return QTest::qWaitFor([&] { return isPreset(writesTo(program.journal(), 0, before), expected); },
                                kPatienceMs) &&
                pictureChanges(picture, button);
@@ -297,7 +297,7 @@ void TestAdjust::highPerformance()
     window = startedWindow(program);
     QVERIFY(window != 0);
     QVERIFY(isPreset(writesTo(program.journal(), 0, firstRun), on));
-    QVERIFY(switched(off)); // to the card's defaults: what stood before the mode isn't known any more
+    QVERIFY(switched(off)); // to the card's defaults: the values from before the mode aren't known any more
     closeByButton(program, window);
     QCOMPARE(savedAdjustment(program, "EnableHighPerformance"), QStringLiteral("0"));
 }

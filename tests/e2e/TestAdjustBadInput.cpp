@@ -2,8 +2,8 @@
 
 #include <QTest>
 
-/// The adjust page with files and drivers that are no good: what is saved beyond every range, broken curves, and a
-/// driver that refuses.
+/// The adjust page with bad files and drivers: saved values beyond every range, broken curves, and a driver that
+/// refuses.
 class TestAdjustBadInput : public AdjustTest
 {
     Q_OBJECT
@@ -54,22 +54,22 @@ void TestAdjustBadInput::savedNumbersOutOfRange()
     QCOMPARE(low.value(QStringLiteral("voltageOffset_uV")).toInt(), 0);
     QCOMPARE(coolerWrites(program, 1), QStringList{QStringLiteral("cooler 20% policy 1")});
 
-    const AdjustPageHands hands = handsOn(program, window);
-    openPage(program, window, hands);
-    hands.press(hands.parts.autoButton);
-    hands.type(RowGpuClock, QStringLiteral("1700"), QStringLiteral("Tab"));
-    QVERIFY(writesOfApply(program, hands, 6).contains(QStringLiteral("graphics 93000 kHz")));
+    const AdjustPageRobot robot = robotFor(program, window);
+    openPage(program, window, robot);
+    robot.press(robot.parts.autoButton);
+    robot.type(RowGpuClock, QStringLiteral("1700"), QStringLiteral("Tab"));
+    QVERIFY(writesOfApply(program, robot, 6).contains(QStringLiteral("graphics 93000 kHz")));
     closeByButton(program, window);
     QCOMPARE(program.cardSections().size(), cards.size());
     QCOMPARE(savedAdjustment(program, "GpuFreClock"), QStringLiteral("1700"));
-    // negative numbers leave the card's own in place
+    // negative numbers keep the card's own values
     QCOMPARE(savedAdjustment(program, "GpuFreClock", 2), QStringLiteral("1607"));
     QCOMPARE(savedAdjustment(program, "Power", 2), QStringLiteral("100"));
 }
 
 void TestAdjustBadInput::brokenCurves()
 {
-    // At 65 degrees, where the curve that stands in for a broken one has 70 percent.
+    // At 65 degrees, where the default curve that replaces a broken one has 70 percent.
     struct Curve
     {
         const char *what;
@@ -129,27 +129,27 @@ void TestAdjustBadInput::driverThatRefusesEveryWrite()
                                                               FanMode="2" Nodes="")")));
     const qint64 window = startedWindow(program);
     QVERIFY(window != 0);
-    const AdjustPageHands hands = handsOn(program, window);
-    openPage(program, window, hands);
+    const AdjustPageRobot robot = robotFor(program, window);
+    openPage(program, window, robot);
 
-    QTRY_VERIFY_WITH_TIMEOUT(coolerWrites(program, 0).size() > 4, kPatienceMs); // the curve's thread goes on trying
+    QTRY_VERIFY_WITH_TIMEOUT(coolerWrites(program, 0).size() > 4, kPatienceMs); // the curve's thread keeps trying
     const int before = program.journal().size();
-    const auto wasTold = [&](const QString &write) {
+    const auto wasOrdered = [&](const QString &write) {
         return QTest::qWaitFor([&] { return writesTo(program.journal(), 0, before, kMainThread).contains(write); },
                                kPatienceMs);
     };
-    hands.press(hands.parts.defaultButton);
-    QVERIFY(wasTold(QStringLiteral("entry 1")));
+    robot.press(robot.parts.defaultButton);
+    QVERIFY(wasOrdered(QStringLiteral("entry 1")));
     program.clickIn(window, layout.highPerformanceButton.center());
-    QVERIFY(wasTold(QStringLiteral("graphics 126000 kHz")));
-    // Last of all, so that nothing but the reading behind it can put the row back to what the card has.
-    hands.press(hands.parts.manualButton);
-    hands.type(RowGpuClock, QStringLiteral("1800"), QStringLiteral("Tab"));
-    answerApply(program, hands, true);
-    QVERIFY(wasTold(QStringLiteral("graphics 193000 kHz")));
+    QVERIFY(wasOrdered(QStringLiteral("graphics 126000 kHz")));
+    // The last step, so that only the reading after it can set the row back to the card's value.
+    robot.press(robot.parts.manualButton);
+    robot.type(RowGpuClock, QStringLiteral("1800"), QStringLiteral("Tab"));
+    answerApply(program, robot, true);
+    QVERIFY(wasOrdered(QStringLiteral("graphics 193000 kHz")));
     closeByButton(program, window);
     QCOMPARE(savedAdjustment(program, "GpuFreClock"),
-             QStringLiteral("1607")); // what the card has, not what was wanted
+             QStringLiteral("1607")); // the card's value, not the wanted one
     QCOMPARE(savedAdjustment(program, "Power"), QStringLiteral("100"));
 }
 

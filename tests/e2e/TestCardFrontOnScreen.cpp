@@ -69,7 +69,7 @@ void TestCardFrontOnScreen::write(const QByteArray &text) const
 
 void TestCardFrontOnScreen::lightsFollowTheFile()
 {
-    QVERIFY(startFront({folder->filePath(QStringLiteral("state.json"))})); // which is not there yet
+    QVERIFY(startFront({folder->filePath(QStringLiteral("state.json"))})); // which does not exist yet
     const qint64 window = waitForFront();
     QVERIFY(window != 0);
     QCOMPARE(screen.geometryOf(window).size(), windowSize(0));
@@ -77,7 +77,7 @@ void TestCardFrontOnScreen::lightsFollowTheFile()
     QVERIFY2(becomes(window, 0, false, is(QColor(255, 0, 0))), qPrintable(seen.name()));
     write(stateOf({steady("0,127,255")}));
     QVERIFY2(becomes(window, 0, false, is(QColor(0, 127, 255))), qPrintable(seen.name()));
-    write("{\"cards\":[{\"na"); // a broken file leaves what was
+    write("{\"cards\":[{\"na"); // a broken file changes nothing
     write(stateOf({steady("255,255,0")}).chopped(1));
     QVERIFY(look(window, 0, false));
     QCOMPARE(seen, QColor(0, 127, 255));
@@ -93,7 +93,7 @@ void TestCardFrontOnScreen::lightsBreathe()
     QVERIFY(startFront({folder->filePath(QStringLiteral("state.json"))}));
     const qint64 window = waitForFront();
     QVERIFY(window != 0);
-    // without a word from anybody it goes up and down again
+    // without a new state it goes up and down again
     QVERIFY2(becomes(window, 0, false, [](const QColor &colour) { return colour.green() > 180; }),
              qPrintable(seen.name()));
     QVERIFY2(becomes(window, 0, false, [](const QColor &colour) { return colour.green() < 120; }),
@@ -131,7 +131,7 @@ void TestCardFrontOnScreen::programsLightsAreShown()
     QVERIFY(look(window, 0, true));
     QVERIFY(seen.value() < 80);
 
-    // The page's one chosen colour is red. Until the page has rolled in, a click meets another page or none.
+    // The page's one chosen colour is red. Until the page has rolled in, a click hits another page or none.
     const LedPageLayout page = ledPageLayoutFor(layout.pagePanel.size());
     const auto clickRadio = [&](const QRect &radio) {
         program.clickIn(main, layout.pagePanel.topLeft() + QPoint(radio.left() + 10, radio.center().y()));
@@ -153,7 +153,7 @@ void TestCardFrontOnScreen::programsLightsAreShown()
     QVERIFY2(becomes(window, 0, true, [&](const QColor &colour) { return colour != before; }),
              qPrintable(seen.name()));
     closeByButton(program, main);
-    QCOMPARE(front->state(), QProcess::Running); // it shows what the cards did last
+    QCOMPARE(front->state(), QProcess::Running); // it keeps showing the last state
 }
 
 void TestCardFrontOnScreen::noFileNamed()

@@ -4,8 +4,8 @@
 #include <QTest>
 #include <QThread>
 
-/// A hundred kills of the real executable while it drives a fan along a curve: whatever the moment, the fan ends up
-/// with the driver, and no guard stays.
+/// A hundred kills of the real executable while it drives a fan along a curve: whatever the moment, the driver gets
+/// the fan back, and no guard stays.
 class TestFanGuardKills : public AdjustTest
 {
     Q_OBJECT
@@ -22,8 +22,8 @@ namespace
 
 constexpr int kKills = 100;
 constexpr quint32 kSeed = 20260301;
-constexpr int kStartMs = 1500; ///< the curve's first order is given in this
-constexpr int kCloseMs = 100;  ///< the fan is handed back in this
+constexpr int kStartMs = 1500; ///< the curve's first order comes within this
+constexpr int kCloseMs = 100;  ///< the fan is returned within this
 constexpr qint64 kOwnMemoryMaxKB = 5 * 1024;
 
 /// Memory of a process that it shares with no other, in KB.
@@ -116,7 +116,7 @@ void TestFanGuardKills::noGuardWithoutACurve()
     QCOMPARE(program.guards(), QList<qint64>());
     const QStringList orders = coolerWrites(program, 0);
     QVERIFY(program.kill());
-    QCOMPARE(coolerWrites(program, 0), orders); // a level of the user's stays
+    QCOMPARE(coolerWrites(program, 0), orders); // the user's level stays
 }
 
 void TestFanGuardKills::guardIsSmall()

@@ -95,7 +95,7 @@ private:
     const VirtualScreen &screen;
     std::unique_ptr<OtherClient> other;
     std::unique_ptr<PressLog> log;
-    QList<quint32> identifiers; ///< to be unregistered behind the test
+    QList<quint32> identifiers; ///< to be unregistered after the test
 };
 
 void TestHotKeyX11::initTestCase()
@@ -148,7 +148,7 @@ void TestHotKeyX11::setLocks(quint16 locks) const
         press({QStringLiteral("Num_Lock")});
 }
 
-/// Everything that was pressed before is handled behind it: a last key goes the same way and is waited for.
+/// All earlier presses are handled once a last key, which takes the same way, has arrived.
 void TestHotKeyX11::settle()
 {
     constexpr quint32 kLastId = 0xBFFF;
@@ -282,7 +282,7 @@ void TestHotKeyX11::keyOfAnotherClientIsRefused()
     press({QStringLiteral("ctrl+1")});
     settle();
     QCOMPARE(log->presses, QStringList());
-    // No half of it was kept: the other client can have all of the key.
+    // No part of it was kept: the other client can grab all of the key.
     for (const quint16 states : {quint16(0), kCapsLock, kNumLock, kLocks})
         QVERIFY(other->grab(key, XCB_MOD_MASK_CONTROL | states));
     other->releaseGrabs();
@@ -389,7 +389,7 @@ void TestHotKeyX11::fieldTakesRealKeys_data()
 {
     QTest::addColumn<bool>("modifierMode");
     QTest::addColumn<quint16>("locks");
-    QTest::addColumn<QString>("keys"); // a number is the key's own, whatever it writes
+    QTest::addColumn<QString>("keys"); // a number is a key code, whatever the key writes
     QTest::addColumn<QString>("text");
 
     const quint16 none = 0;
@@ -443,7 +443,7 @@ void TestHotKeyX11::fieldTakesRealKeys_data()
                               << "Alt";
     QTest::newRow("right Alt") << true << none << "Alt_R"
                                << "Alt";
-    QTest::newRow("right Ctrl behind Alt") << true << none << "Alt_L Control_R"
+    QTest::newRow("right Ctrl after Alt") << true << none << "Alt_L Control_R"
                                            << "Ctrl";
     QTest::newRow("letter in a modifier field") << true << none << "k"
                                                 << "Ctrl";

@@ -6,7 +6,7 @@
 
 /// A hundred kills of the real executable at random moments of its start and its end, which are when it writes
 /// config.xml. The file is removed before it is written anew, so a kill may lose it: the next start then makes a
-/// fresh one. What never happens is a file that is neither the old, nor the new, nor replaced.
+/// fresh one. The file must always be the old one, the new one, or one that the next start replaces.
 class TestKill : public ProgramTest
 {
     Q_OBJECT
@@ -15,7 +15,7 @@ private slots:
     void hundredKills();
 
 private:
-    /// What a file holds, the order of attributes and the white space aside. Empty for one that is missing, cut off
+    /// What a file holds, without the order of attributes and the white space. Empty for one that is missing, cut off
     /// or lacks a section.
     [[nodiscard]] QString contentOf(const InstalledProgram &program) const;
 };
@@ -44,7 +44,7 @@ QString canonical(const QDomElement &element)
     return text + QLatin1Char('>');
 }
 
-/// What a start makes of a complete file.
+/// The expected file after a start with a complete file.
 QString stamped(const QString &content)
 {
     return QString(content).replace(QRegularExpression(QStringLiteral("<LastStartDate [^>]*>")),
@@ -83,7 +83,7 @@ void TestKill::hundredKills()
     InstalledProgram program(screen);
     program.useScenario(R"({ "cards": [{}] })");
 
-    // What the program itself makes of nothing, and of the file that the rounds begin with.
+    // The program's own files: from no file, and from the one that the rounds begin with.
     QVERIFY(startedWindow(program) != 0);
     QVERIFY(program.kill());
     const QString fresh = contentOf(program);
@@ -106,7 +106,7 @@ void TestKill::hundredKills()
     for (int kill = 2; kill < kKills; kill += 2) {
         const QByteArray round = "round " + QByteArray::number(kill / 2);
         if (kill % 4 == 2)
-            program.writeConfig(mine); // the others go on with what the last kill left
+            program.writeConfig(mine); // the others continue with the last kill's file
         QString before = kill % 4 == 2 ? good : contentOf(program);
         if (before.isEmpty())
             ++lost;
@@ -146,7 +146,7 @@ void TestKill::hundredKills()
     QVERIFY(endedBefore < kKills * 2 / 5); // the moments were early enough
     QVERIFY(savedAtClose > kKills / 20);   // and late enough
 
-    // After all that it works as ever.
+    // After all kills the program works as before.
     const qint64 window = startedWindow(program);
     QVERIFY(window != 0);
     closeByButton(program, window);

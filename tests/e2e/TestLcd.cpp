@@ -7,8 +7,8 @@
 
 #include <memory>
 
-/// The LCD page of the real executable: what its card's LCD is told, the hot key beside another program, and
-/// what stays for the next start.
+/// The LCD page of the real executable: the frames to the card's LCD, the hot key while another program has the
+/// focus, and what is saved for the next start.
 class TestLcd : public ProgramTest
 {
     Q_OBJECT
@@ -25,7 +25,7 @@ private:
     void press(InstalledProgram &program, qint64 window, const QRect &part);
     /// Apply, answered with yes.
     void apply(InstalledProgram &program, qint64 window);
-    /// A window of another program, with the keyboard's focus. Null when it can't be had.
+    /// A window of another program, with the keyboard's focus. Null on failure.
     [[nodiscard]] std::unique_ptr<QProcess> otherProgramInFront();
 
     LcdPageLayout parts; ///< of the English page
@@ -62,7 +62,7 @@ int samples(const InstalledProgram &program)
     return count;
 }
 
-/// How often each page stands in a row, without the last, which is not over.
+/// How many frames in a row each page has, without the last page, which has not ended yet.
 QList<int> pageLengths(const QList<int> &commands)
 {
     QList<int> lengths;
@@ -103,7 +103,7 @@ void TestLcd::init()
 
 void TestLcd::press(InstalledProgram &program, qint64 window, const QRect &part)
 {
-    // near the left end, where a radio and the switch have what takes the click
+    // near the left end, where a radio and the switch take the click
     program.clickIn(window, layout.pagePanel.topLeft() + part.topLeft() + QPoint(8, part.height() / 2));
 }
 
@@ -111,10 +111,10 @@ void TestLcd::openPage(InstalledProgram &program, qint64 window)
 {
     program.clickIn(window, layout.secondSlotButton.center());
     const QRect confirm = parts.confirm.translated(layout.pagePanel.topLeft());
-    const auto stands = [&] {
+    const auto isShown = [&] {
         return isRed(screen.picture().pixel(screen.geometryOf(window).topLeft() + confirm.topLeft() + QPoint(3, 3)));
     };
-    QTRY_VERIFY_WITH_TIMEOUT(stands(), kPatienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(isShown(), kPatienceMs);
 }
 
 void TestLcd::apply(InstalledProgram &program, qint64 window)
@@ -159,7 +159,7 @@ void TestLcd::applyHotKeyAndOff()
     QCOMPARE(lengths.at(2), 3);
     QCOMPARE(lengths.at(3), 3);
 
-    // by hand: the pages stand still until the hot key is pressed, whoever has the focus
+    // manual mode: the page stays until the hot key is pressed, whatever window has the focus
     press(program, window, parts.manualSwitch);
     apply(program, window);
     const std::unique_ptr<QProcess> other = otherProgramInFront();
@@ -178,7 +178,7 @@ void TestLcd::applyHotKeyAndOff()
     other->kill();
     other->waitForFinished();
 
-    // off: one frame tells it, and then there is silence while the sampling goes on
+    // off: one last frame, and then none while the sampling continues
     screen.activate(window);
     press(program, window, parts.enableLcd);
     apply(program, window);
@@ -239,7 +239,7 @@ void TestLcd::cardWithoutAnLcd()
     program.writeConfig(kQuietConfig);
     const qint64 window = startedWindow(program);
     QVERIFY(window != 0);
-    QTRY_VERIFY_WITH_TIMEOUT(workersCommands(program).size() >= 4, kPatienceMs); // refused, and sent all the same
+    QTRY_VERIFY_WITH_TIMEOUT(workersCommands(program).size() >= 4, kPatienceMs); // refused, and sent nevertheless
     QVERIFY(program.isRunning());
     QVERIFY(program.otherWindows().isEmpty());
     closeByButton(program, window);

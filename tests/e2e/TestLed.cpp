@@ -1,12 +1,12 @@
 #include "e2e/CardFrontTest.h"
-#include "e2e/LedPageHands.h"
+#include "e2e/LedPageRobot.h"
 #include "simulated/front/FrontLayout.h"
 
 #include <QElapsedTimer>
 #include <QTest>
 
-/// The LED page of the real executable: what its card's controller is told, click by click, what stays for the
-/// next start, and what a controller that fails or dawdles does to the program.
+/// The LED page of the real executable: the frames to the card's controller for each click, what is saved for the
+/// next start, and the effect of a controller that fails or is slow.
 class TestLed : public CardFrontTest
 {
     Q_OBJECT
@@ -23,25 +23,25 @@ private slots:
     void lightsOnTheCard();
 
 private:
-    [[nodiscard]] bool openPage(InstalledProgram &program, qint64 window, const LedPageHands &hands);
+    [[nodiscard]] bool openPage(InstalledProgram &program, qint64 window, const LedPageRobot &robot);
     /// Waits for so many more frames to the first card; all that have come since the last call.
     [[nodiscard]] QStringList newFrames(const InstalledProgram &program, int howMany = 1);
-    /// What a drag of the palette brings: the frames until half a second after it, and none before its end.
+    /// The frames of a drag of the palette: those until half a second after it, and none before its end.
     [[nodiscard]] QStringList framesOfDrag(const InstalledProgram &program, QPoint from, QPoint to);
 
-    int framesSeen = 0; ///< of the running program's, those that a test has looked at
+    int framesSeen = 0; ///< of the running program, already checked by the test
 };
 
 namespace
 {
 
-/// Half a second, less what a coarse timer may be early.
+/// Half a second, minus the tolerance of a coarse timer.
 constexpr int kAfterDragMs = 475;
 
 constexpr int kSlowCallMs = 2000;
 constexpr int kWorkers = 4;               // of a card: readings, LCD, LEDs, fan
-constexpr int kLongestEndOfWorker = 2000; // behind the call that it is in; it is ended by force after that
-/// A call that the window's own thread is in as it is told to close, and one that it waits for.
+constexpr int kLongestEndOfWorker = 2000; // after its running call; it is ended by force then
+/// The call that the window's own thread is in when it gets the close, and another one that it waits for.
 constexpr int kLongestCloseMs = kWorkers * (kSlowCallMs + kLongestEndOfWorker) + 2 * kSlowCallMs;
 
 const QByteArray kCoolLedCard = R"({ "led": { "type": 3 }, "thermal": { "pinnedC": 40 } })";
@@ -86,10 +86,10 @@ QByteArray hexOf(const QColor &color)
 
 } // namespace
 
-bool TestLed::openPage(InstalledProgram &program, qint64 window, const LedPageHands &hands)
+bool TestLed::openPage(InstalledProgram &program, qint64 window, const LedPageRobot &robot)
 {
     program.clickIn(window, layout.firstSlotButton.center());
-    return QTest::qWaitFor([&] { return hands.stands(); }, kPatienceMs);
+    return QTest::qWaitFor([&] { return robot.isShown(); }, kPatienceMs);
 }
 
 QStringList TestLed::newFrames(const InstalledProgram &program, int howMany)
@@ -111,19 +111,18 @@ QStringList TestLed::framesOfDrag(const InstalledProgram &program, QPoint from, 
     sinceStart.start();
     screen.hold(from, (from + to) / 2);
     QStringList frames = ledFrames(program.journal()).mid(framesSeen);
-    if (frames.size() <= sinceStart.elapsed() / kAfterDragMs) { // the hand rested, on a machine that is busy
+    if (frames.size() <= sinceStart.elapsed() / kAfterDragMs) { // the pointer rested too long
         framesSeen += frames.size();
         frames.clear();
     }
-    QElapsedTimer sinceLastMovement; // started before it, so that nothing makes it run too short
+    QElapsedTimer sinceLastMovement; // started before the movement, so that it never measures too little
     sinceLastMovement.start();
     screen.movePointer(to);
     screen.release();
     const auto arrived = [&] {
         return ledFrames(program.journal()).size() > framesSeen + frames.size();
     };
-    while (!arrived() && sinceLastMovement.elapsed() < kPatienceMs)
-        QTest::qWait(5);
+    (void)QTest::qWaitFor(arrived, kPatienceMs); // without a frame the list below stays empty
     const qint64 waited = sinceLastMovement.elapsed();
     frames = ledFrames(program.journal()).mid(framesSeen);
     if (waited < kAfterDragMs)
@@ -142,43 +141,43 @@ void TestLed::everyEffect()
     program.writeConfig(kQuietConfig);
     qint64 window = startedWindow(program);
     QVERIFY(window != 0);
-    const LedPageHands hands(screen, program, window, layout);
-    const LedPageLayout &parts = hands.parts;
-    QVERIFY(openPage(program, window, hands));
-    QCOMPARE(newFrames(program), QStringList(kProbe)); // start and opening tell the LEDs nothing
+    const LedPageRobot robot(screen, program, window, layout);
+    const LedPageLayout &parts = robot.parts;
+    QVERIFY(openPage(program, window, robot));
+    QCOMPARE(newFrames(program), QStringList(kProbe)); // start and opening send nothing to the LEDs
 
-    hands.press(parts.breath);
+    robot.press(parts.breath);
     QCOMPARE(newFrames(program), QStringList(ledFrame("01 32 02 FF0000")));
-    hands.press(parts.bright);
+    robot.press(parts.bright);
     QCOMPARE(newFrames(program), QStringList(ledFrame("02 32 02 FF0000")));
 
     // the colours in the order of their choice, whatever the order of the buttons
-    hands.press(parts.presets[3]);
+    robot.press(parts.presets[3]);
     QCOMPARE(newFrames(program), QStringList(ledFrame("02 32 02 FF0000 00FF00")));
-    hands.press(parts.customs[5]);
+    robot.press(parts.customs[5]);
     QCOMPARE(newFrames(program), QStringList(ledFrame("02 32 02 FF0000 00FF00 FFFFFF")));
-    hands.press(parts.presets[1]);
+    robot.press(parts.presets[1]);
     QCOMPARE(newFrames(program), QStringList(ledFrame("02 32 02 FF0000 00FF00 FFFFFF FFA500")));
-    hands.press(parts.presets[0]); // away with the oldest
+    robot.press(parts.presets[0]); // removes the oldest
     QCOMPARE(newFrames(program), QStringList(ledFrame("02 32 02 00FF00 FFFFFF FFA500")));
 
     // the interval: a step, and a typed number
-    program.clickIn(window, hands.placeOf(parts.interval).center());
+    program.clickIn(window, robot.placeOf(parts.interval).center());
     screen.key(QStringLiteral("Up"));
     QCOMPARE(newFrames(program), QStringList(ledFrame("02 32 03 00FF00 FFFFFF FFA500")));
-    hands.typeInto(hands.placeOf(parts.interval), QStringLiteral("9"), QStringLiteral("Tab"));
+    robot.typeInto(robot.placeOf(parts.interval), QStringLiteral("9"), QStringLiteral("Tab"));
     QCOMPARE(newFrames(program), QStringList(ledFrame("02 32 09 00FF00 FFFFFF FFA500")));
 
-    hands.press(parts.sleep);
+    robot.press(parts.sleep);
     QCOMPARE(newFrames(program), QStringList(ledFrame("00 00 0A")));
-    hands.press(parts.gradient);
+    robot.press(parts.gradient);
     QCOMPARE(newFrames(program), QStringList(ledFrame("04 32 02")));
-    hands.press(parts.state);
+    robot.press(parts.state);
     QCOMPARE(newFrames(program), QStringList(ledFrame("01 32 04 00FF00")));
     QVERIFY(program.journal().last().value(QStringLiteral("thread")).toInt() != 1); // its own thread's
-    hands.press(parts.presets[4]);                                                  // the colours are greyed out
-    hands.press(parts.reset);
-    hands.press(parts.bright);
+    robot.press(parts.presets[4]);                                                  // the colours are greyed out
+    robot.press(parts.reset);
+    robot.press(parts.bright);
     QCOMPARE(newFrames(program), QStringList(ledFrame("02 32 09 00FF00 FFFFFF FFA500")));
 
     closeByButton(program, window);
@@ -186,13 +185,13 @@ void TestLed::everyEffect()
     QCOMPARE(program.journal().last().value(QStringLiteral("op")).toString(), QStringLiteral("NvAPI_Unload"));
     QCOMPARE(savedLed(program), QStringLiteral("9 3 10 32") + whiteButtons(7));
 
-    // the next start shows all of it and tells the LEDs nothing; the chosen ones stand in another order then
+    // the next start shows all of it and sends nothing to the LEDs; the selected ones have another order then
     window = startedWindow(program);
     QVERIFY(window != 0);
-    const LedPageHands newHands(screen, program, window, layout);
-    QVERIFY(openPage(program, window, newHands));
+    const LedPageRobot newRobot(screen, program, window, layout);
+    QVERIFY(openPage(program, window, newRobot));
     QCOMPARE(newFrames(program), QStringList(kProbe));
-    newHands.press(parts.presets[6]);
+    newRobot.press(parts.presets[6]);
     QCOMPARE(newFrames(program), QStringList(ledFrame("02 32 09 FFFFFF FFA500 00FF00 8B00FF")));
     closeByButton(program, window);
     QCOMPARE(newFrames(program), QStringList(ledFrame("02 32 09 FFFFFF FFA500 00FF00 8B00FF", true)));
@@ -205,35 +204,35 @@ void TestLed::paletteAndReset()
     program.writeConfig(kQuietConfig);
     const qint64 window = startedWindow(program);
     QVERIFY(window != 0);
-    const LedPageHands hands(screen, program, window, layout);
-    QVERIFY(openPage(program, window, hands));
+    const LedPageRobot robot(screen, program, window, layout);
+    QVERIFY(openPage(program, window, robot));
     QCOMPARE(newFrames(program), QStringList(kProbe));
 
-    // a colour that no custom button was clicked for goes nowhere
-    screen.drag(hands.ringPoint(100), hands.ringPoint(140));
+    // without a click on a custom button the palette's colour is not used
+    screen.drag(robot.ringPoint(100), robot.ringPoint(140));
 
-    hands.press(hands.parts.customs[2]);
+    robot.press(robot.parts.customs[2]);
     QCOMPARE(newFrames(program), QStringList(ledFrame("01 32 02 FFFFFF")));
-    const QPoint blue = hands.ringPoint(230);
-    QCOMPARE(framesOfDrag(program, hands.ringPoint(160), blue),
-             QStringList(ledFrame("01 32 02" + hexOf(hands.colorAt(blue)))));
-    QCOMPARE(framesOfDrag(program, hands.sliderPoint(0.5), hands.sliderPoint(1)),
+    const QPoint blue = robot.ringPoint(230);
+    QCOMPARE(framesOfDrag(program, robot.ringPoint(160), blue),
+             QStringList(ledFrame("01 32 02" + hexOf(robot.colorAt(blue)))));
+    QCOMPARE(framesOfDrag(program, robot.sliderPoint(0.5), robot.sliderPoint(1)),
              QStringList(ledFrame("01 32 02 000000")));
-    hands.typeInto(hands.numberBox("spinGreen"), QStringLiteral("200"), QStringLiteral("Return"));
+    robot.typeInto(robot.numberBox("spinGreen"), QStringLiteral("200"), QStringLiteral("Return"));
     QCOMPARE(newFrames(program), QStringList(ledFrame("01 32 02 00C800")));
     program.clickIn(window,
-                    hands.numberBox("spinRed").center()); // the box that loses the focus tells its number again
+                    robot.numberBox("spinRed").center()); // the box that loses the focus emits its number again
     QCOMPARE(newFrames(program), QStringList(ledFrame("01 32 02 00C800")));
-    hands.typeInto(hands.numberBox("spinRed"), QStringLiteral("999"), QStringLiteral("Return")); // beyond 255
+    robot.typeInto(robot.numberBox("spinRed"), QStringLiteral("999"), QStringLiteral("Return")); // beyond 255
     QCOMPARE(newFrames(program), QStringList(ledFrame("01 32 02 FFC800")));
     QVERIFY(program.otherWindows().isEmpty()); // Return pressed no button of the dialog
 
-    // Reset takes the custom colours away; the palette edits nothing after it
-    hands.press(hands.parts.breath); // at once, and once more for the number box that loses the focus
+    // Reset removes the custom colours; the palette edits nothing after it
+    robot.press(robot.parts.breath); // at once, and once more for the number box that loses the focus
     QCOMPARE(newFrames(program, 2), QStringList({ledFrame("01 32 02 FFC800"), ledFrame("01 32 02 FFC800")}));
-    hands.press(hands.parts.reset);
+    robot.press(robot.parts.reset);
     QCOMPARE(newFrames(program), QStringList(ledFrame("01 32 02 FF0000")));
-    screen.drag(hands.ringPoint(100), hands.ringPoint(140));
+    screen.drag(robot.ringPoint(100), robot.ringPoint(140));
     closeByButton(program, window);
     QCOMPARE(newFrames(program), QStringList(ledFrame("01 32 02 FF0000", true)));
     QCOMPARE(savedLed(program), QStringLiteral("2 0 1 0") + whiteButtons(7));
@@ -247,15 +246,15 @@ void TestLed::steadyColourFollowsADrag()
         CheckedColorButtonDynamic="1" Color1="4278190335")"));
     const qint64 window = startedWindow(program);
     QVERIFY(window != 0);
-    const LedPageHands hands(screen, program, window, layout);
-    QVERIFY(openPage(program, window, hands));
+    const LedPageRobot robot(screen, program, window, layout);
+    QVERIFY(openPage(program, window, robot));
     QCOMPARE(newFrames(program), QStringList(kProbe));
-    hands.press(hands.parts.customs[0]);
+    robot.press(robot.parts.customs[0]);
     QCOMPARE(newFrames(program), QStringList(ledFrame("00 32 02 0000FF")));
 
-    const QPoint end = hands.ringPoint(140);
-    screen.drag(hands.ringPoint(20), end);
-    const QByteArray color = hexOf(hands.colorAt(end)); // asked now: it takes the window's place on the screen
+    const QPoint end = robot.ringPoint(140);
+    screen.drag(robot.ringPoint(20), end);
+    const QByteArray color = hexOf(robot.colorAt(end)); // asked now: it takes the window's place on the screen
     const QString last = ledFrame("00 32 02" + color);
     QTRY_COMPARE_WITH_TIMEOUT(ledFrames(program.journal()).last(), last, kPatienceMs);
     const QStringList frames = newFrames(program);
@@ -278,12 +277,12 @@ void TestLed::controllerWithoutGradient()
         CheckedColorButtonDynamic="0")"));
     const qint64 window = startedWindow(program);
     QVERIFY(window != 0);
-    const LedPageHands hands(screen, program, window, layout);
-    QVERIFY(openPage(program, window, hands));
-    // the one case in which a start tells the LEDs something
+    const LedPageRobot robot(screen, program, window, layout);
+    QVERIFY(openPage(program, window, robot));
+    // the one case in which a start sends a frame to the LEDs
     QCOMPARE(newFrames(program, 2), QStringList({kProbe, ledFrame("01 32 10 8B00FF")}));
-    hands.press(hands.parts.gradient); // there is no such button
-    hands.press(hands.parts.sleep);
+    robot.press(robot.parts.gradient); // there is no such button
+    robot.press(robot.parts.sleep);
     QCOMPARE(newFrames(program), QStringList(ledFrame("00 00 0A")));
     closeByButton(program, window);
     QCOMPARE(ledFrames(program.journal()).size(), framesSeen); // the LEDs stay as they are
@@ -300,27 +299,27 @@ void TestLed::controllerThatStopsAndComesBack()
     program.writeConfig(kQuietConfig);
     const qint64 window = startedWindow(program);
     QVERIFY(window != 0);
-    const LedPageHands hands(screen, program, window, layout);
-    QVERIFY(openPage(program, window, hands));
+    const LedPageRobot robot(screen, program, window, layout);
+    QVERIFY(openPage(program, window, robot));
     QCOMPARE(newFrames(program), QStringList(kProbe));
 
-    hands.press(hands.parts.bright);
+    robot.press(robot.parts.bright);
     QCOMPARE(newFrames(program), QStringList(ledFrame("02 32 02 FF0000") + QStringLiteral(" -> -1")));
-    hands.press(hands.parts.state); // its thread ends with this
+    robot.press(robot.parts.state); // its thread ends with this
     QCOMPARE(newFrames(program), QStringList(ledFrame("01 32 04 00FF00") + QStringLiteral(" -> -1")));
-    QVERIFY(program.otherWindows().isEmpty()); // and nobody is told
+    QVERIFY(program.otherWindows().isEmpty()); // and no message is shown
 
-    // the window goes on as if nothing were
-    hands.press(hands.parts.breath);
+    // the window works as usual
+    robot.press(robot.parts.breath);
     QCOMPARE(newFrames(program), QStringList(ledFrame("01 32 02 FF0000") + QStringLiteral(" -> -1")));
     QStringList frames;
     for (int i = 0; i < 10 && (frames.isEmpty() || frames.last().contains(QLatin1String("->"))); ++i) {
-        hands.press(i % 2 == 0 ? hands.parts.bright : hands.parts.breath);
+        robot.press(i % 2 == 0 ? robot.parts.bright : robot.parts.breath);
         frames = newFrames(program);
     }
     QVERIFY2(!frames.isEmpty() && !frames.last().contains(QLatin1String("->")), qPrintable(frames.join(' ')));
 
-    hands.press(hands.parts.state); // which revived its thread when it was left
+    robot.press(robot.parts.state); // which revived its thread when it was left
     QCOMPARE(newFrames(program), QStringList(ledFrame("01 32 04 00FF00")));
     closeByButton(program, window);
 }
@@ -344,17 +343,17 @@ void TestLed::slowDriver()
     program.writeConfig(kQuietConfig);
     const qint64 window = startedWindow(program);
     QVERIFY(window != 0);
-    const LedPageHands hands(screen, program, window, layout);
-    QVERIFY(openPage(program, window, hands));
+    const LedPageRobot robot(screen, program, window, layout);
+    QVERIFY(openPage(program, window, robot));
     QCOMPARE(newFrames(program).size(), 1);
-    hands.press(hands.parts.state);
+    robot.press(robot.parts.state);
 
     // the slow calls are the worker's: the window's pages change meanwhile
     const QRect panel = onScreen(window, layout.pagePanel);
     const QImage ledPage = screen.picture();
     program.clickIn(window, layout.monitorButton.center());
     QVERIFY(pictureChanges(ledPage, panel));
-    QVERIFY(openPage(program, window, hands));
+    QVERIFY(openPage(program, window, robot));
 
     program.clickIn(window, layout.closeButton.center());
     QVERIFY(program.waitForBox() != 0);
@@ -385,29 +384,29 @@ void TestLed::lightsOnTheCard()
     const auto lights = [&](const std::function<bool(const QColor &)> &wanted) {
         return becomes(cardWindow, 0, hasLcd, wanted);
     };
-    const LedPageHands hands(screen, program, window, layout);
-    QVERIFY(openPage(program, window, hands));
+    const LedPageRobot robot(screen, program, window, layout);
+    QVERIFY(openPage(program, window, robot));
 
-    hands.press(hands.parts.bright);
+    robot.press(robot.parts.bright);
     QVERIFY2(lights(is(QColor(255, 0, 0))), qPrintable(seen.name()));
-    hands.press(hands.parts.presets[4]);
+    robot.press(robot.parts.presets[4]);
     QCOMPARE(newFrames(program, 3).last(), ledFrame("02 32 02 FF0000 007FFF"));
-    hands.press(hands.parts.presets[0]); // away with the other one
+    robot.press(robot.parts.presets[0]); // removes the other one
     QCOMPARE(newFrames(program), QStringList(ledFrame("02 32 02 007FFF")));
     QVERIFY2(lights(is(QColor(0, 127, 255))), qPrintable(seen.name()));
-    hands.press(hands.parts.customs[2]);
+    robot.press(robot.parts.customs[2]);
     QCOMPARE(newFrames(program), QStringList(ledFrame("02 32 02 007FFF FFFFFF")));
-    hands.press(hands.parts.presets[4]);
+    robot.press(robot.parts.presets[4]);
     QCOMPARE(newFrames(program), QStringList(ledFrame("02 32 02 FFFFFF")));
     QVERIFY2(lights(is(QColor(255, 255, 255))), qPrintable(seen.name()));
 
-    const QPoint end = hands.ringPoint(140);
-    const QColor green = hands.colorAt(end);
-    screen.drag(hands.ringPoint(20), end);
+    const QPoint end = robot.ringPoint(140);
+    const QColor green = robot.colorAt(end);
+    screen.drag(robot.ringPoint(20), end);
     QVERIFY2(lights(is(green)), qPrintable(seen.name()));
 
-    // up and down without a word, always in that colour
-    hands.press(hands.parts.breath);
+    // up and down without a new frame, always in that colour
+    robot.press(robot.parts.breath);
     const auto isShade = [](const QColor &color) {
         return color.green() > color.blue() && color.blue() > color.red(); // unlit glass is grey
     };
@@ -419,7 +418,7 @@ void TestLed::lightsOnTheCard()
     };
     QVERIFY2(lights(darker), qPrintable(seen.name()));
     QVERIFY2(lights(brighter), qPrintable(seen.name()));
-    hands.press(hands.parts.sleep);
+    robot.press(robot.parts.sleep);
     QVERIFY2(lights([](const QColor &color) { return color.value() < 80; }), qPrintable(seen.name()));
     closeByButton(program, window);
 }

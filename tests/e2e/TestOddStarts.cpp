@@ -105,7 +105,7 @@ void TestOddStarts::folderThatIsGone()
 
 int main(int argc, char **argv)
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen"); // the test itself draws nothing; only the program needs the screen
+    qputenv("QT_QPA_PLATFORM", "offscreen"); // the test itself has no window; only the program needs the screen
     QApplication application(argc, argv);
     TestOddStarts test;
     return QTest::qExec(&test, argc, argv);

@@ -2,7 +2,7 @@
 
 #include <QTest>
 
-/// The ends of the real executable that no user asked for by its own buttons, and the starts that meet an end.
+/// The ends of the real executable that do not come from its own buttons, and starts during an end.
 class TestProgramEnd : public AdjustTest
 {
     Q_OBJECT
@@ -185,7 +185,7 @@ void TestProgramEnd::endOfTheSessionThatIsCalledOff()
     QVERIFY(manager.hears("saved"));
     manager.order("cancel");
     const int orders = coolerWrites(program, 0).size();
-    QTRY_VERIFY_WITH_TIMEOUT(coolerWrites(program, 0).size() > orders + 1, kPatienceMs); // all goes on
+    QTRY_VERIFY_WITH_TIMEOUT(coolerWrites(program, 0).size() > orders + 1, kPatienceMs); // everything continues
     QCOMPARE(program.mainWindow(), window);
     closeByButton(program, window);
 }
@@ -213,7 +213,7 @@ void TestProgramEnd::startRightAfterTheClose_data()
 void TestProgramEnd::startRightAfterTheClose()
 {
     QFETCH(int, cards);
-    // The fan's order takes a while, so that the second start meets the end for certain.
+    // The fan's order takes a while, so that the second start certainly comes during the end.
     QList<QByteArray> scene;
     for (int card = 0; card < cards; ++card)
         scene << kSteadyCard;

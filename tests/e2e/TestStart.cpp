@@ -3,8 +3,8 @@
 
 #include <QTest>
 
-/// How the real executable comes up: first and second starts, what the driver is asked then, and starts with
-/// files, cards and drivers that are no good.
+/// The start of the real executable: first and second starts, their driver calls, and starts with bad files, cards
+/// and drivers.
 class TestStart : public ProgramTest
 {
     Q_OBJECT
@@ -86,7 +86,7 @@ void TestStart::firstStart()
 
     QCOMPARE(screen.geometryOf(window).size(), kDialogSize);
 
-    // Both cards are sampled again and again while the prompt stands.
+    // Both cards are sampled repeatedly while the prompt is open.
     const int calls = program.journal().size();
     QTRY_VERIFY_WITH_TIMEOUT(program.journal().size() > calls + 80, kPatienceMs);
 }
@@ -116,7 +116,7 @@ void TestStart::windowHasItsFlags()
     QVERIFY(window != 0);
     const QList<QJsonObject> shown = shownWindows(notes, "OvrynDeck2");
     QCOMPARE(shown.size(), 1);
-    constexpr int kWindow = 0x1; // what every window is
+    constexpr int kWindow = 0x1; // every window has it
     QCOMPARE(shown.first().value(QStringLiteral("flags")).toInt(), 0x4800 | kWindow);
     closeByButton(program, window);
 }
@@ -128,7 +128,7 @@ void TestStart::driverCallsOfDetection()
     QVERIFY(startedWindow(program) != 0);
 
     QStringList expected = kEnumeration;
-    expected << kIdentity << "I2CWrite 0xA0" << kLcdReadings << "I2CWrite 0xAC"; // the maker's card answers
+    expected << kIdentity << "I2CWrite 0xA0" << kLcdReadings << "I2CWrite 0xAC"; // the maker's card acknowledges
     expected << kIdentity << "I2CWrite 0xA0"
              << "I2CWriteEx 0xA0"
              << "I2CWriteEx 0xA0" // the foreign one does not

@@ -2,7 +2,7 @@
 
 #include <QTest>
 
-/// The real executable in a real tray: out of sight and back, the ways to its end, and what is kept then.
+/// The real executable in a real tray: hidden and shown again, the ways to its end, and what is saved then.
 class TestTray : public ProgramTest
 {
     Q_OBJECT
@@ -89,7 +89,7 @@ void TestTray::minimisedAndBack()
     minimise(program, window);
     QCOMPARE(program.otherWindows(), QList<qint64>());
     const int before = samples(program);
-    QTRY_VERIFY_WITH_TIMEOUT(samples(program) > before + 1, kPatienceMs); // the cards are watched all the same
+    QTRY_VERIFY_WITH_TIMEOUT(samples(program) > before + 1, kPatienceMs); // the cards are sampled nevertheless
 
     if (way == QLatin1String("icon")) {
         QRect icon;
@@ -104,7 +104,7 @@ void TestTray::minimisedAndBack()
     QTRY_COMPARE_WITH_TIMEOUT(screen.activeWindow(), window, kPatienceMs);
     QTRY_COMPARE_WITH_TIMEOUT(screen.geometryOf(window), place, kPatienceMs);
 
-    // Neither way there nor back is an end or a beginning: nothing is saved, and no card is told anything.
+    // Neither hiding nor showing is an end or a start: nothing is saved, and no card gets an order.
     QCOMPARE(program.cardSections().size(), 0);
     QCOMPARE(program.configText(QStringLiteral("LastCloseDate")), QStringLiteral("2020/02/29"));
     QCOMPARE(program.autoStartEntry(), QByteArray());
@@ -156,7 +156,7 @@ void TestTray::closeAsksFirst()
     QCOMPARE(sections.size(), 2);
     QCOMPARE(sections.at(0).attribute(QStringLiteral("GpuName")), QStringLiteral("GeForce GTX 1070 Ti"));
     QCOMPARE(sections.at(0).attribute(QStringLiteral("SubSystemId")), QString::number(0x111D7377u));
-    // the driver is let go last: no worker asked it for anything afterwards
+    // the driver is unloaded last: no worker called it afterwards
     QCOMPARE(program.journal().last().value(QStringLiteral("op")).toString(), QStringLiteral("NvAPI_Unload"));
 }
 
@@ -191,7 +191,7 @@ void TestTray::autoStartBoxTakesEffectAtClose()
     InstalledProgram program(screen);
     program.writeConfig(config);
 
-    // A first run without a click leaves what the file says.
+    // A first run without a click keeps the file's setting.
     qint64 window = startedWindow(program);
     QVERIFY(window != 0);
     closeByButton(program, window);
@@ -252,7 +252,7 @@ void TestTray::driverThatHangsAtTheEnd()
     QVERIFY(window != 0);
     program.clickIn(window, layout.closeButton.center());
     pressBoxButton(program, true);
-    QVERIFY(program.waitForEnd(90000)); // the fan is handed back by a call that takes ten minutes
+    QVERIFY(program.waitForEnd(90000)); // the call that returns the fan takes ten minutes
     QVERIFY(program.endedNormally());
     QCOMPARE(program.exitCode(), 0);
     QCOMPARE(program.configText(QStringLiteral("LastCloseDate")), today());

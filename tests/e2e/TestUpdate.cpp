@@ -22,7 +22,7 @@ private slots:
     void updaterThatIsMissing();
     void automaticWithoutAQuestion();
     void automaticWithAQuestion();
-    void automaticWhileAnotherQuestionStands();
+    void automaticWhileAnotherQuestionIsOpen();
     void automaticFromTheTray();
     void serverThatIsDown();
 
@@ -293,7 +293,7 @@ void TestUpdate::automaticWithAQuestion()
     QTRY_COMPARE_WITH_TIMEOUT(program.updaterArguments(), QByteArray("_OvrynDeck2\nlang_ch\n"), kPatienceMs);
 }
 
-void TestUpdate::automaticWhileAnotherQuestionStands()
+void TestUpdate::automaticWhileAnotherQuestionIsOpen()
 {
     LoopbackHttpServer server;
     server.answerWith(updateManifest("1.1"));

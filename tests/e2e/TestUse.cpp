@@ -28,10 +28,10 @@ void TestUse::pageButtonsOpenAndCloseTheirPages()
     const QPoint ringAtHome =
         QPoint(layout.gaugeHome.center().x() - layout.gaugeHome.width() * 27 / 100, layout.gaugeHome.center().y());
     const QPoint ringAside = ringAtHome + layout.gaugeShown.topLeft() - layout.gaugeHome.topLeft();
-    const auto ringStands = [&](QPoint at) {
+    const auto ringIsShown = [&](QPoint at) {
         return isRed(screen.picture().pixel(screen.geometryOf(window).topLeft() + at));
     };
-    QTRY_VERIFY_WITH_TIMEOUT(ringStands(ringAtHome), kPatienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(ringIsShown(ringAtHome), kPatienceMs);
 
     const QList<QPair<const char *, QRect>> buttons = {{"monitor", layout.monitorButton},
                                                        {"information", layout.fixedInfoButton},
@@ -42,18 +42,18 @@ void TestUse::pageButtonsOpenAndCloseTheirPages()
         program.clickIn(window, button.second.center());
         QVERIFY2(pictureChanges(home, panel), button.first);
         if (qstrcmp(button.first, "LED") != 0) // the colours take the gauge's place there
-            QTRY_VERIFY2_WITH_TIMEOUT(ringStands(ringAside), button.first, kPatienceMs);
+            QTRY_VERIFY2_WITH_TIMEOUT(ringIsShown(ringAside), button.first, kPatienceMs);
         program.clickIn(window, button.second.center());
-        QTRY_VERIFY2_WITH_TIMEOUT(ringStands(ringAtHome), button.first, kPatienceMs);
+        QTRY_VERIFY2_WITH_TIMEOUT(ringIsShown(ringAtHome), button.first, kPatienceMs);
     }
 
     // from page to page without going home
     program.clickIn(window, layout.monitorButton.center());
-    QTRY_VERIFY_WITH_TIMEOUT(ringStands(ringAside), kPatienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(ringIsShown(ringAside), kPatienceMs);
     const QImage monitor = screen.picture();
     program.clickIn(window, layout.fixedInfoButton.center());
     QVERIFY(pictureChanges(monitor, panel));
-    QVERIFY(ringStands(ringAside));
+    QVERIFY(ringIsShown(ringAside));
     closeByButton(program, window);
     QCOMPARE(program.cardSections().size(), 2);
 }
@@ -66,7 +66,7 @@ void TestUse::adjustAsksOnceARun()
     QVERIFY(window != 0);
     const QRect panel = onScreen(window, layout.pagePanel);
 
-    for (const bool yes : {false, true}) { // a refusal keeps the question armed
+    for (const bool yes : {false, true}) { // after a refusal the next click asks again
         const QImage home = screen.picture();
         program.clickIn(window, layout.adjustButton.center());
         const qint64 box = program.waitForBox();
@@ -105,11 +105,11 @@ void TestUse::tickedRowsBecomeGraphsAndAreKept()
     QImage before = screen.picture();
     program.clickIn(window, layout.monitorButton.center());
     QVERIFY(pictureChanges(before, onScreen(window, page)));
-    // the page has slid in once its header band stands at the panel's place
-    const auto bandStands = [&] {
+    // the page has slid in once its header band is at the panel's place
+    const auto bandIsShown = [&] {
         return isRed(screen.picture().pixel(screen.geometryOf(window).topLeft() + page.topLeft() + QPoint(4, band)));
     };
-    QTRY_VERIFY_WITH_TIMEOUT(bandStands(), kPatienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(bandIsShown(), kPatienceMs);
 
     program.clickIn(window, row(0));
     program.clickIn(window, row(2));
@@ -131,7 +131,7 @@ void TestUse::tickedRowsBecomeGraphsAndAreKept()
     window = startedWindow(program);
     QVERIFY(window != 0);
     program.clickIn(window, layout.monitorButton.center());
-    QTRY_VERIFY_WITH_TIMEOUT(bandStands(), kPatienceMs);
+    QTRY_VERIFY_WITH_TIMEOUT(bandIsShown(), kPatienceMs);
     program.clickIn(window, row(0));
     closeByButton(program, window);
     QCOMPARE(program.cardSections()
@@ -214,7 +214,7 @@ void TestUse::escapeDoesNotClose()
     screen.activate(window);
     QTRY_COMPARE_WITH_TIMEOUT(screen.activeWindow(), window, kPatienceMs);
     screen.key(QStringLiteral("Escape"));
-    program.clickIn(window, layout.monitorButton.center()); // a later event has been handled
+    program.clickIn(window, layout.monitorButton.center()); // shows that a later event is handled
     const QImage before = screen.picture();
     QVERIFY(pictureChanges(before, onScreen(window, layout.pagePanel)));
     QVERIFY(program.isRunning());

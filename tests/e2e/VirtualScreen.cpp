@@ -57,7 +57,7 @@ bool VirtualScreen::start(QSize size)
                     QStringLiteral("-nolisten"), QStringLiteral("tcp")}))
         return false;
     if (!parts.front()->waitForReadyRead(kStartTimeoutMs)) {
-        problem = QStringLiteral("Xvfb tells no display");
+        problem = QStringLiteral("Xvfb reports no display");
         return false;
     }
     displayName = QLatin1Char(':') + QString::fromLatin1(parts.front()->readAllStandardOutput()).trimmed();
@@ -89,7 +89,7 @@ QProcessEnvironment VirtualScreen::environment() const
     environment.insert(QStringLiteral("DISPLAY"), displayName);
     environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
     environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
-    // Nothing on this screen reads or changes the settings of the person at the machine.
+    // Nothing on this screen reads or changes the user's own settings.
     environment.insert(QStringLiteral("HOME"), home.path());
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home.filePath(QStringLiteral(".config")));
     environment.remove(QStringLiteral("FONTCONFIG_FILE")); // the program is to find the machine's own fonts

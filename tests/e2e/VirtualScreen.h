@@ -12,8 +12,8 @@
 #include <memory>
 #include <vector>
 
-/// An X server of the test's own, with window manager, compositor and tray host, and the hands and eyes
-/// to use it. Everything ends with the object.
+/// An X server of the test's own, with window manager, compositor and tray host, and the functions to use and examine
+/// it. Everything ends with the object.
 class VirtualScreen
 {
 public:
@@ -34,7 +34,7 @@ public:
     [[nodiscard]] QRect geometryOf(qint64 window) const;
 
     void movePointer(QPoint screenPosition) const;
-    void click(QPoint screenPosition) const; ///< left button, with a pause that a hand would make too
+    void click(QPoint screenPosition) const; ///< left button, with a pause as a user makes it
     void rightClick(QPoint screenPosition) const;
     void doubleClick(QPoint screenPosition) const;
     void hold(QPoint from, QPoint to) const; ///< presses the left button, moves and keeps it pressed

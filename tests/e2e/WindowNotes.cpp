@@ -1,5 +1,5 @@
-// Part of a program that is the real one but for this: it writes down each window that it shows, a line of JSON for
-// each, into the file that OVRYN_WINDOW_NOTES names. A test reads there what the screen doesn't tell exactly.
+// Linked into a copy of the real program: it writes a line of JSON for each window that it shows into the file that
+// OVRYN_WINDOW_NOTES names. A test reads details there that can't be read exactly from the screen.
 
 #include <QAbstractButton>
 #include <QApplication>

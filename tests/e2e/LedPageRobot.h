@@ -7,20 +7,20 @@
 #include "e2e/InstalledProgram.h"
 #include "e2e/VirtualScreen.h"
 
-/// The LED page of a running program and the palette beside it, as a user's hands find them. Rectangles and
-/// positions are pixels of the main window, unless a name says screen.
-class LedPageHands
+/// Uses the LED page of a running program and the palette beside it by mouse and keys. Rectangles and positions are
+/// pixels of the main window, unless a comment says screen.
+class LedPageRobot
 {
 public:
-    LedPageHands(const VirtualScreen &screen, const InstalledProgram &program, qint64 window,
+    LedPageRobot(const VirtualScreen &screen, const InstalledProgram &program, qint64 window,
                  const MainDialogLayout &dialog);
 
-    /// True once the page has slid in and the palette stands in its place beside it.
-    [[nodiscard]] bool stands() const;
+    /// True once the page has slid in and the palette is in its place beside it.
+    [[nodiscard]] bool isShown() const;
 
     [[nodiscard]] QRect placeOf(const QRect &part) const;  ///< of one of `parts`
     [[nodiscard]] QPoint ringPoint(double hue) const;      ///< in the middle of the ring, on the screen
-    [[nodiscard]] QColor colorAt(QPoint ringPoint) const;  ///< what the ring chooses there
+    [[nodiscard]] QColor colorAt(QPoint ringPoint) const;  ///< that the ring chooses there
     [[nodiscard]] QPoint sliderPoint(double ratio) const;  ///< 0 is white, 1 is black, on the screen
     [[nodiscard]] QRect numberBox(const char *name) const; ///< of the RGB box
     void press(const QRect &part) const;                   ///< one of `parts`, near its left edge
@@ -43,6 +43,6 @@ private:
 /// A frame for the LED controller as the journal writes it: from the bytes between size and checksum.
 [[nodiscard]] QString ledFrame(const char *body, bool closing = false);
 
-/// The frames that the LED controller of a card was sent from a line of the journal on, with " -> -1" behind one
-/// that failed. Only first attempts count, those of the plain call at the newest record.
+/// The frames that the LED controller of a card was sent from a line of the journal on, with " -> -1" after one that
+/// failed. Only first attempts count, those of the plain call at the newest record.
 [[nodiscard]] QStringList ledFrames(const QList<QJsonObject> &journal, int card = 0, int from = 0);

@@ -1,4 +1,4 @@
-#include "e2e/AdjustPageHands.h"
+#include "e2e/AdjustPageRobot.h"
 
 #include "e2e/ProgramTest.h"
 #include "overclock/SliderRowLayout.h"
@@ -9,7 +9,7 @@
 namespace
 {
 
-constexpr int kHandleHalf = 7; // of the toolkit's own handle, which the painted one is grabbed by
+constexpr int kHandleHalf = 7; // of the toolkit's own handle, which takes the mouse press
 
 SliderRowLayout rowLayout(const AdjustPageLayout &parts, AdjustRowIndex row)
 {
@@ -67,7 +67,7 @@ QString writeOf(const QJsonObject &call)
 
 } // namespace
 
-AdjustPageHands::AdjustPageHands(const VirtualScreen &ofScreen, const InstalledProgram &ofProgram, qint64 mainWindow,
+AdjustPageRobot::AdjustPageRobot(const VirtualScreen &ofScreen, const InstalledProgram &ofProgram, qint64 mainWindow,
                                  const QRect &ofPage)
     : parts(adjustPageLayoutFor(ofPage.size())),
       screen(ofScreen),
@@ -78,17 +78,17 @@ AdjustPageHands::AdjustPageHands(const VirtualScreen &ofScreen, const InstalledP
 {
 }
 
-QPoint AdjustPageHands::onScreen(QPoint position) const
+QPoint AdjustPageRobot::onScreen(QPoint position) const
 {
     return screen.geometryOf(window).topLeft() + position;
 }
 
-QRect AdjustPageHands::onScreen(const QRect &rect) const
+QRect AdjustPageRobot::onScreen(const QRect &rect) const
 {
     return QRect(onScreen(rect.topLeft()), rect.size());
 }
 
-bool AdjustPageHands::stands() const
+bool AdjustPageRobot::isShown() const
 {
     const QImage picture = screen.picture();
     const QPoint left = onScreen(page.topLeft() + QPoint(2, page.height() / 2));
@@ -96,39 +96,39 @@ bool AdjustPageHands::stands() const
     return isRed(picture.pixel(left)) && isRed(picture.pixel(right));
 }
 
-QRect AdjustPageHands::placeOf(const QRect &part) const
+QRect AdjustPageRobot::placeOf(const QRect &part) const
 {
     return part.translated(page.topLeft());
 }
 
-QRect AdjustPageHands::rowPlace(AdjustRowIndex row) const
+QRect AdjustPageRobot::rowPlace(AdjustRowIndex row) const
 {
     return placeOf(parts.rows[row]) & page;
 }
 
-QPoint AdjustPageHands::sliderPoint(AdjustRowIndex row, double ratio) const
+QPoint AdjustPageRobot::sliderPoint(AdjustRowIndex row, double ratio) const
 {
     const QRect slider = rowLayout(parts, row).sliderRect.translated(placeOf(parts.rows[row]).topLeft());
     const double way = ratio * (slider.width() - 2 * kHandleHalf);
     return QPoint(slider.left() + kHandleHalf + int(way), slider.center().y());
 }
 
-QPoint AdjustPageHands::nodePoint(QPoint value) const
+QPoint AdjustPageRobot::nodePoint(QPoint value) const
 {
     return placeOf(parts.editor).topLeft() + plot.pixelOf(value);
 }
 
-QPoint AdjustPageHands::placedNode(QPoint value) const
+QPoint AdjustPageRobot::placedNode(QPoint value) const
 {
     return plot.valueOf(plot.pixelOf(value));
 }
 
-void AdjustPageHands::press(const QRect &part) const
+void AdjustPageRobot::press(const QRect &part) const
 {
     program.clickIn(window, placeOf(part).center());
 }
 
-void AdjustPageHands::type(AdjustRowIndex row, const QString &digits, const QString &endKey) const
+void AdjustPageRobot::type(AdjustRowIndex row, const QString &digits, const QString &endKey) const
 {
     const QRect box = rowLayout(parts, row).spinRect.translated(placeOf(parts.rows[row]).topLeft());
     program.clickIn(window, box.center());
@@ -137,12 +137,12 @@ void AdjustPageHands::type(AdjustRowIndex row, const QString &digits, const QStr
     screen.key(endKey);
 }
 
-void AdjustPageHands::doubleClickNode(QPoint value) const
+void AdjustPageRobot::doubleClickNode(QPoint value) const
 {
     screen.doubleClick(onScreen(nodePoint(value)));
 }
 
-void AdjustPageHands::dragNode(QPoint from, QPoint to) const
+void AdjustPageRobot::dragNode(QPoint from, QPoint to) const
 {
     screen.drag(onScreen(nodePoint(from)), onScreen(nodePoint(to)));
 }

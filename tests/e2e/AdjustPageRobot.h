@@ -6,23 +6,23 @@
 #include "overclock/AdjustRows.h"
 #include "overclock/FanCurvePlot.h"
 
-/// The adjust page of a running program, as a user's hands find it: where its parts lie, and the common
-/// movements. Rectangles and positions are pixels of the main window.
-class AdjustPageHands
+/// Uses the adjust page of a running program by mouse and keys: the places of its parts and the common actions.
+/// Rectangles and positions are pixels of the main window.
+class AdjustPageRobot
 {
 public:
     /// `page` is the place of the pages in the main window.
-    AdjustPageHands(const VirtualScreen &screen, const InstalledProgram &program, qint64 window, const QRect &page);
+    AdjustPageRobot(const VirtualScreen &screen, const InstalledProgram &program, qint64 window, const QRect &page);
 
-    /// True once the page has slid in; its frame stands at both sides then.
-    [[nodiscard]] bool stands() const;
+    /// True once the page has slid in, with its frame at both sides.
+    [[nodiscard]] bool isShown() const;
 
     [[nodiscard]] QRect placeOf(const QRect &part) const; ///< of one of `parts`
     [[nodiscard]] QRect rowPlace(AdjustRowIndex row) const;
     [[nodiscard]] QPoint sliderPoint(AdjustRowIndex row, double ratio) const; ///< 0 is the minimum, 1 the maximum
     [[nodiscard]] QPoint nodePoint(QPoint value) const;                       ///< in the curve's editor
 
-    /// What the editor makes of a node that is placed where `value` stands: a unit may get lost.
+    /// The value of a node that is placed at the pixel of `value`: rounding may lose a unit.
     [[nodiscard]] QPoint placedNode(QPoint value) const;
 
     void press(const QRect &part) const; ///< a button of `parts`
@@ -43,6 +43,6 @@ private:
     const FanCurvePlot plot;
 };
 
-/// What the driver was told about a card from a line of the journal on, one text for each write, such as
-/// "cooler 100% policy 1" and "graphics +100000 kHz". `thread` 0 stands for all.
+/// The orders to a card from a line of the journal on, one text for each write, such as "cooler 100% policy 1" and
+/// "graphics +100000 kHz". `thread` 0 means all threads.
 [[nodiscard]] QStringList writesTo(const QList<QJsonObject> &journal, int card, int from = 0, int thread = 0);

@@ -1,11 +1,11 @@
-#include "e2e/LedPageHands.h"
+#include "e2e/LedPageRobot.h"
 
 #include "board/led/Ovryn_ColorSlider.h"
 #include "e2e/ProgramTest.h"
 
 #include <QWidget>
 
-LedPageHands::LedPageHands(const VirtualScreen &ofScreen, const InstalledProgram &ofProgram, qint64 mainWindow,
+LedPageRobot::LedPageRobot(const VirtualScreen &ofScreen, const InstalledProgram &ofProgram, qint64 mainWindow,
                            const MainDialogLayout &dialog)
     : parts(ledPageLayoutFor(dialog.pagePanel.size())),
       screen(ofScreen),
@@ -20,35 +20,35 @@ LedPageHands::LedPageHands(const VirtualScreen &ofScreen, const InstalledProgram
     palette.grab(); // sends the pending resize events, down to the numbers
 }
 
-bool LedPageHands::stands() const
+bool LedPageRobot::isShown() const
 {
-    // The green preset, dimmed while an effect without colours is on, and the ring's blue, which no gauge has at that
-    // place.
+    // The green preset, which is dimmed during an effect without colours, and the ring's blue, which a gauge does not
+    // have at that place.
     const QImage picture = screen.picture();
     const QColor preset = picture.pixelColor(onScreen(placeOf(parts.presets[3]).center()));
     const QColor blue = picture.pixelColor(ringPoint(225));
     return preset.green() > 120 && preset.red() < 60 && blue.blue() > 150 && blue.red() < 90;
 }
 
-QRect LedPageHands::placeOf(const QRect &part) const
+QRect LedPageRobot::placeOf(const QRect &part) const
 {
     return part.translated(page.topLeft());
 }
 
-QPoint LedPageHands::ringPoint(double hue) const
+QPoint LedPageRobot::ringPoint(double hue) const
 {
     const QPointF point = ring.pointAt(hue, (ring.outerRadius + ring.innerRadius) / 2);
     return onScreen(palettePlace.topLeft() + point.toPoint());
 }
 
-QColor LedPageHands::colorAt(QPoint point) const
+QColor LedPageRobot::colorAt(QPoint point) const
 {
-    // The marker's hue goes through the slider, which knows whole degrees.
+    // The marker's hue passes through the slider, which has whole degrees only.
     const QColor marker = HueRing::pureColor(ring.hueAt(point - onScreen(palettePlace.topLeft())));
     return QColor::fromHsv(marker.hsvHue(), 255, 255).toRgb();
 }
 
-QPoint LedPageHands::sliderPoint(double ratio) const
+QPoint LedPageRobot::sliderPoint(double ratio) const
 {
     const QWidget *slider = palette.findChild<Ovryn_ColorSlider *>();
     const QRect place(slider->mapTo(&palette, QPoint()), slider->size());
@@ -56,20 +56,20 @@ QPoint LedPageHands::sliderPoint(double ratio) const
                     QPoint(place.left() + int(ratio * (place.width() - 1)), place.center().y()));
 }
 
-QRect LedPageHands::numberBox(const char *name) const
+QRect LedPageRobot::numberBox(const char *name) const
 {
     const QWidget *box = palette.findChild<QWidget *>(QLatin1String(name));
     return QRect(box->mapTo(&palette, QPoint()), box->size()).translated(palettePlace.topLeft());
 }
 
-void LedPageHands::press(const QRect &part) const
+void LedPageRobot::press(const QRect &part) const
 {
     // A radio's words do not fill its rectangle.
     const QRect place = placeOf(part);
     program.clickIn(window, QPoint(place.left() + qMin(10, place.width() / 2), place.center().y()));
 }
 
-void LedPageHands::typeInto(const QRect &box, const QString &number, const QString &endKey) const
+void LedPageRobot::typeInto(const QRect &box, const QString &number, const QString &endKey) const
 {
     program.clickIn(window, box.center());
     screen.key(QStringLiteral("ctrl+a"));
@@ -77,7 +77,7 @@ void LedPageHands::typeInto(const QRect &box, const QString &number, const QStri
     screen.key(endKey);
 }
 
-QPoint LedPageHands::onScreen(QPoint position) const
+QPoint LedPageRobot::onScreen(QPoint position) const
 {
     return screen.geometryOf(window).topLeft() + position;
 }
