@@ -10,15 +10,16 @@
 
 #include <memory>
 
-/// Pages and workers that wait for nothing that takes long.
+/// Pages and workers with short pauses.
 constexpr PageTimings kQuickPages{{0, 0, 0, 10, 1}, {0, 1}, 5, 5};
 
-/// The same with samples at the program's own pace, for windows that are looked at: where painting a sample takes
-/// longer than the time to the next, the queue of samples never gets empty and nothing else has its turn.
+/// The same with samples at the program's own rate, for visible windows: where the painting of a sample takes longer
+/// than the time to the next, the queue of samples never gets empty and other events wait.
 constexpr PageTimings kCalmPages{{0, 0, 0, 10, 1}, {0, 1}, Ovryn_SendNvCardInfoThread::kSleepMs, 5};
 
-/// What each test of the main dialog finds: a stand-in for the driver with one card of the maker's, and an empty
-/// folder of its own as the current one. The user's settings folder lies in that too: closing a dialog writes there.
+/// The fixture of each test of the main dialog: a stand-in for the driver with one card of the maker, and an empty
+/// folder of its own as the current one. The user's settings folder is in it too, because closing a dialog writes
+/// there.
 class MainDialogTest : public QObject
 {
     Q_OBJECT

@@ -52,7 +52,7 @@ public:
     {
         return content(".arguments");
     }
-    [[nodiscard]] QString folderOfCall() const ///< stands when the arguments do
+    [[nodiscard]] QString folderOfCall() const ///< empty as long as the arguments are
     {
         return content(".folder").trimmed();
     }

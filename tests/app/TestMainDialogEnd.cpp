@@ -13,8 +13,7 @@
 #include <QSignalSpy>
 #include <QSystemTrayIcon>
 
-/// The main dialog's close event and destruction: what is kept, in which order things go, and what the cards are
-/// told.
+/// The main dialog's close event and destruction: what is saved, the order of the end, and the orders to the cards.
 class TestMainDialogEnd : public MainDialogTest
 {
     Q_OBJECT
@@ -133,7 +132,7 @@ void TestMainDialogEnd::everyPageOfEveryCardIsKept()
         QVERIFY(file.getLcdModule(name, 0x111D7377, lcd));
         QCOMPARE(selectOption, card.selectOption);
         QCOMPARE(adjust.FanMode, card.fanMode);
-        QCOMPARE(adjust.GpuFreClock, 1607); // what the card runs at: this driver keeps no offset
+        QCOMPARE(adjust.GpuFreClock, 1607); // the card's present clock: this driver keeps no offset
         QCOMPARE(qint32(led.LedMode), card.ledMode);
         QCOMPARE(qint32(led.Interval), card.interval);
         QCOMPARE(quint32(led.Colors[1]), card.color2);
@@ -158,7 +157,7 @@ void TestMainDialogEnd::settingsAreReadAtClose()
     QVERIFY(!general.ApplyLastParamOnStart);
     QCOMPARE(general.Language, QStringLiteral("lang_en"));
     QCOMPARE(general.PageEffects, QStringLiteral("advanced"));
-    QCOMPARE(general.RefreshTimeOfMonitor, 1); // no choice of the list stands for 2
+    QCOMPARE(general.RefreshTimeOfMonitor, 1); // the list has no entry for 2
 }
 
 void TestMainDialogEnd::lastCloseDateIsToday()
@@ -243,7 +242,7 @@ void TestMainDialogEnd::endOfTheLoopWithoutACloseSaves()
     QVERIFY(savedText().contains(QLatin1String("GpuName=\"GeForce GTX 1070 Ti\"")));
     QVERIFY(dialog.wasClosed());
 
-    // After a close there is nothing to keep: what stands in the file is not written again.
+    // After a close there is nothing to save: the file is not written again.
     writeConfig("kept");
     dialog.endWork();
     QCOMPARE(savedText(), QStringLiteral("kept"));
@@ -256,7 +255,7 @@ void TestMainDialogEnd::sessionThatMayEndSaves()
     dialog.show();
     dialog.onCommitDataRequest();
     QVERIFY(savedText().contains(QLatin1String("GpuName=\"GeForce GTX 1070 Ti\"")));
-    QVERIFY(dialog.isVisible()); // the others of the session may still call its end off
+    QVERIFY(dialog.isVisible()); // another program may still cancel the end of the session
     QCOMPARE(closed.count(), 0);
 }
 
@@ -308,8 +307,8 @@ void TestMainDialogEnd::partsGoCardByCard()
     watch(dialog->findChild<QSystemTrayIcon *>(), QStringLiteral("tray"));
     dialog.reset();
 
-    // With the number of device objects that still hold the driver; each card's information page has one of its own,
-    // which goes with the tree.
+    // Each entry has the number of device objects that still hold the driver. Each card's information page has one of
+    // its own, which is deleted with the widget tree.
     const QStringList byHand = {"worker0, 4", "LCD0, 4", "LED0, 4", "adjust0, 4",
                                 "worker1, 3", "LCD1, 3", "LED1, 3", "adjust1, 3"};
     QCOMPARE(QStringList(gone.mid(0, byHand.size())), byHand);
@@ -323,7 +322,7 @@ void TestMainDialogEnd::partsGoCardByCard()
 void TestMainDialogEnd::fanAtTheEnd_data()
 {
     QTest::addColumn<int>("fanMode");
-    QTest::addColumn<QStringList>("told");
+    QTest::addColumn<QStringList>("orders");
     QTest::newRow("automatic: not touched") << 0 << QStringList();
     QTest::newRow("by hand: the level stays") << 1 << QStringList();
     QTest::newRow("by the curve: handed back") << 2 << QStringList(kFanHandedBack);
@@ -341,13 +340,13 @@ void TestMainDialogEnd::fanAtTheEnd()
     };
     QTRY_VERIFY(!levels().isEmpty());
     dialog->close();
-    QVERIFY(!levels().contains(kFanHandedBack)); // closing alone changes nothing
+    QVERIFY(!levels().contains(kFanHandedBack)); // the close event itself changes nothing
     const int before = levels().size();
     dialog.reset();
     QStringList after = levels().mid(before);
     if (fanMode == 2)
         after = after.mid(after.size() - 1); // the curve's thread may have ordered its level once more
-    QTEST(after, "told");
+    QTEST(after, "orders");
 }
 
 QTEST_MAIN(TestMainDialogEnd)

@@ -20,17 +20,17 @@
 
 #include <iterator>
 
-/// Which words the main dialog hands to its parts, at the start and at a change of language, and in which order.
+/// The texts that the main dialog gives to its parts, at the start and at a change of language, and their order.
 class TestMainDialogLanguage : public MainDialogTest
 {
     Q_OBJECT
 
 private slots:
     void initTestCase();
-    void wordsReach_data();
-    void wordsReach();
-    void wordsReachTheGauge_data();
-    void wordsReachTheGauge();
+    void textsReach_data();
+    void textsReach();
+    void textsReachTheGauge_data();
+    void textsReachTheGauge();
     void pagesFollowInTheirOrder();
 };
 
@@ -42,7 +42,7 @@ QString captionAndFamily(const QWidget *widget, const QString &caption)
     return caption + QStringLiteral(" in ") + widget->font().family();
 }
 
-/// A word of one card's part, with the family where the part shows one that follows the language.
+/// A text of one card's part, with the font family where that follows the language.
 struct Word
 {
     const char *part;
@@ -65,7 +65,7 @@ QString buttonOf(const QWidget *page, const char *name)
 }
 
 // clang-format off
-const Word kWords[] = {
+const Word kTexts[] = {
     { "main dialog", [](const OvrynDeck2 &dialog, int) {
           return dialog.findChild<QPushButton *>(QStringLiteral("btnMonitor"))->text();
       }, "监控窗口", "Monitor" },
@@ -112,7 +112,7 @@ QByteArray configIn(const char *language)
     return QByteArray("<OvrynParameter><GeneralSetting Language=\"") + language + "\"/></OvrynParameter>";
 }
 
-/// The ring's captions and the overlay's words, painted.
+/// The ring's captions and the overlay's texts, painted.
 QImage captionsOf(Ovryn_GpuInfoCircleBox &gauge)
 {
     gauge.setAdjustInfo(QStringLiteral("1"), QStringLiteral("2"), 3);
@@ -127,14 +127,14 @@ void TestMainDialogLanguage::initTestCase()
     registerApplicationFonts();
 }
 
-void TestMainDialogLanguage::wordsReach_data()
+void TestMainDialogLanguage::textsReach_data()
 {
     QTest::addColumn<int>("word");
-    for (int word = 0; word < int(std::size(kWords)); ++word)
-        QTest::newRow(kWords[word].part) << word;
+    for (int word = 0; word < int(std::size(kTexts)); ++word)
+        QTest::newRow(kTexts[word].part) << word;
 }
 
-void TestMainDialogLanguage::wordsReach()
+void TestMainDialogLanguage::textsReach()
 {
     QFETCH(int, word);
     driver->cards.resize(kCards);
@@ -142,16 +142,16 @@ void TestMainDialogLanguage::wordsReach()
     OvrynDeck2 dialog(nullptr, kQuickPages);
     const auto everyCardHas = [&](const char *text) {
         for (int card = 0; card < kCards; ++card)
-            QCOMPARE(kWords[word].of(dialog, card), QString::fromUtf8(text));
+            QCOMPARE(kTexts[word].of(dialog, card), QString::fromUtf8(text));
     };
-    everyCardHas(kWords[word].english);
+    everyCardHas(kTexts[word].english);
     chooseLanguage(dialog, kLanguageChinese);
-    everyCardHas(kWords[word].chinese);
+    everyCardHas(kTexts[word].chinese);
     chooseLanguage(dialog, kLanguageEnglish);
-    everyCardHas(kWords[word].english);
+    everyCardHas(kTexts[word].english);
 }
 
-void TestMainDialogLanguage::wordsReachTheGauge_data()
+void TestMainDialogLanguage::textsReachTheGauge_data()
 {
     QTest::addColumn<QByteArray>("first");
     QTest::addColumn<bool>("changed");
@@ -159,32 +159,32 @@ void TestMainDialogLanguage::wordsReachTheGauge_data()
     QTest::newRow("at a change of language") << QByteArray("lang_ch") << true;
 }
 
-void TestMainDialogLanguage::wordsReachTheGauge()
+void TestMainDialogLanguage::textsReachTheGauge()
 {
     QFETCH(QByteArray, first);
     QFETCH(bool, changed);
     writeConfig(configIn(first.constData()));
     OvrynDeck2 dialog(nullptr, kQuickPages);
     auto *gauge = dialog.findChild<Ovryn_GpuInfoCircleBox *>();
-    paintingOf(*gauge); // what is hidden gets its size with its first painting
+    paintingOf(*gauge); // a hidden widget gets its size with its first painting
     if (changed)
         chooseLanguage(dialog, kLanguageEnglish);
 
     Ovryn_GpuInfoCircleBox expected;
     expected.resize(gauge->size());
     paintingOf(expected);
-    const QImage withoutWords = captionsOf(expected);
+    const QImage withoutTexts = captionsOf(expected);
     expected.setLanguage({"C L O C K", "T E M P", "M E M O R Y", "Preset ", "Present ", "Dec ", "Inc "},
                          kLanguageEnglish);
-    QVERIFY(captionsOf(expected) != withoutWords);
+    QVERIFY(captionsOf(expected) != withoutTexts);
     QCOMPARE(captionsOf(*gauge), captionsOf(expected));
 }
 
 namespace
 {
 
-/// Notes, while it lives, in which order parts of the dialog change. Only what is delivered at once counts: other
-/// fonts, tool tips and styles, and a repaint.
+/// Records, while it lives, the order in which parts of the dialog change. Only events that are delivered at once
+/// count: other fonts, tool tips and styles, and a repaint.
 class OrderOfChanges : public QObject
 {
 public:
@@ -221,7 +221,7 @@ private:
 
 } // namespace
 
-/// The gauge and the board temperatures show their words later, so nothing can be told of their turn.
+/// The gauge and the board temperatures show their texts later, so their place in the order can't be seen.
 void TestMainDialogLanguage::pagesFollowInTheirOrder()
 {
     OvrynDeck2 dialog(nullptr, kCalmPages);
@@ -230,7 +230,7 @@ void TestMainDialogLanguage::pagesFollowInTheirOrder()
     finishSlide(dialog);
     auto *monitor = pageOf<Ovryn_NvCardInfoWidget>(dialog, 0);
     QTRY_VERIFY(monitor->isVisible() && monitor->x() == 0);
-    dialog.grab(); // nothing waits for its first font or style
+    dialog.grab(); // sends all pending changes of font and style
 
     OrderOfChanges order({{"monitor", monitor},
                           {"adjust", pageOf<Ovryn_OverClockingWidget>(dialog, 0)},

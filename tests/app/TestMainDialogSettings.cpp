@@ -10,7 +10,8 @@
 #include <QResizeEvent>
 #include <QStackedWidget>
 
-/// The main dialog's settings panel and what its choices do at once; the slide of the gauge; the boxes' windows.
+/// The main dialog's settings panel and the immediate effects of its choices; the slide of the gauge; the windows of
+/// the boxes.
 class TestMainDialogSettings : public MainDialogTest
 {
     Q_OBJECT
@@ -37,14 +38,14 @@ QByteArray configWithEffects(const char *effects)
            "\"/><OtherSetting NotPromptHPS=\"1\"/></OvrynParameter>";
 }
 
-/// The gauge and its animation, of a dialog that isn't shown: only the test asks for frames.
+/// The gauge and its animation in a dialog that isn't shown: only the test asks for frames.
 struct Gauge
 {
     explicit Gauge(Ovryn_GpuInfoCircleBox *gauge)
         : box(gauge), renderer(box->findChild<CreateBreathCircleAndWaveCircleThread *>())
     {
         box->resize(400, 400);                      // the ring lies 80 to 120 pixels around (200, 200)
-        QResizeEvent resized(box->size(), QSize()); // comes by itself to what is shown only
+        QResizeEvent resized(box->size(), QSize()); // a hidden widget gets none by itself
         QCoreApplication::sendEvent(box, &resized);
     }
 
@@ -197,7 +198,7 @@ public:
 
 private:
     QObject *watched;
-    QPointer<QObject> lastTimer; ///< the one whose turn it is
+    QPointer<QObject> lastTimer; ///< the timer whose event is being handled
 };
 
 } // namespace

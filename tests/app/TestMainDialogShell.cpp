@@ -73,7 +73,7 @@ void TestMainDialogShell::trayIconBringsTheWindowBack_data()
 void TestMainDialogShell::trayIconBringsTheWindowBack()
 {
     QFETCH(int, reason);
-    driver->card().fullName = "GeForce GTX 1080"; // asks nothing when it comes back
+    driver->card().fullName = "GeForce GTX 1080"; // no question when the window comes back
     OvrynDeck2 dialog;
     emit trayIconOf(dialog)->activated(QSystemTrayIcon::ActivationReason(reason));
     QTEST(dialog.isVisible(), "shown");
@@ -85,8 +85,9 @@ void TestMainDialogShell::minimizeHidesTheWindow()
     dialog.show();
     QTest::mouseClick(button(dialog, "btnMinimize"), Qt::LeftButton);
     QVERIFY(!dialog.isVisible());
-    QVERIFY(!dialog.isMinimized());                                 // it is in the tray, not in the task bar
-    QVERIFY(savedText().contains(QLatin1String("<GpuSettings/>"))); // hiding is no close: nothing was gathered
+    QVERIFY(!dialog.isMinimized()); // it is in the tray, not in the task bar
+    QVERIFY(
+        savedText().contains(QLatin1String("<GpuSettings/>"))); // hiding is no close: no page's settings were saved
 }
 
 void TestMainDialogShell::fieldOutOfSightMarksNoOther_data()
@@ -148,7 +149,7 @@ void TestMainDialogShell::bringingBackAppliesNothing()
                 "\"><AdjustModule GpuFreClock=\"1707\" MemoryFreClock=\"4106\" Power=\"100\" Temperature=\"85\" "
                 "FanMode=\"1\" FanSpeedLevel=\"60\"/><LedModule LedMode=\"1\"/></GPU></GpuSettings><OtherSetting "
                 "NotPromptHPS=\"1\"/></OvrynParameter>");
-    // the LCD's frames of live readings go out all the time
+    // the LCD's frames of live readings are sent all the time
     const auto orders = [this] {
         return driver->calls().filter(
             QRegularExpression(QStringLiteral("_\\w*(?<!Chip)Set(?!tings)|I2CWrite.* addr=A0")));
@@ -164,7 +165,7 @@ void TestMainDialogShell::bringingBackAppliesNothing()
     else
         trayIconOf(dialog)->contextMenu()->actions().first()->trigger();
     QVERIFY(dialog.isVisible());
-    // time for what might come later
+    // time for a late order
     QTRY_VERIFY_WITH_TIMEOUT(driver->calls("NvAPI_GPU_GetDynamicPstatesInfoEx").size() > 20, 8000);
     QCOMPARE(orders(), QStringList());
     QCOMPARE(answer.texts(), QStringList());
@@ -197,7 +198,7 @@ void TestMainDialogShell::storedRefreshTimeWaitsForAChange()
 
     refreshTime->setCurrentIndex(2); // 5 s
     driver->forgetCalls();
-    QTRY_VERIFY_WITH_TIMEOUT(cycles() >= 1, 8000); // the pause that ran was an old one
+    QTRY_VERIFY_WITH_TIMEOUT(cycles() >= 1, 8000); // the running pause was still the old one
     driver->forgetCalls();
     QVERIFY(!QTest::qWaitFor([&] { return cycles() > 0; }, 2500));
 }
@@ -236,7 +237,7 @@ void TestMainDialogShell::changeOfLanguageReachesTheButtons()
     QCOMPARE(button(dialog, "btnAdjust")->text(), QStringLiteral("Adjust"));
     QCOMPARE(button(dialog, "btnBoardTempInfo")->text(), QStringLiteral("Temp"));
     QCOMPARE(button(dialog, "btnHighPerformance")->text(), QStringLiteral("On   Off"));
-    QVERIFY(!savedText().contains(QLatin1String("lang_en"))); // the file waits for the close
+    QVERIFY(!savedText().contains(QLatin1String("lang_en"))); // only the close writes the file
     dialog.close();
     QVERIFY(savedText().contains(QLatin1String("Language=\"lang_en\"")));
 }

@@ -1,28 +1,12 @@
 #include "app/BoxLook.h"
-#include "app/MainDialogTest.h"
-#include "app/StandInUpdater.h"
+#include "app/UpdateDialogTest.h"
 #include "support/ConnectWarnings.h"
-#include "support/LoopbackHttpServer.h"
-#include "support/ModalAnswer.h"
-#include "support/UpdateManifest.h"
 #include "ui/Ovryn_SettingParentWidget.h"
-#include "update/Ovryn_DownloadUpdateFileInfo.h"
 
-#include <QApplication>
-#include <QComboBox>
-#include <QDate>
-#include <QDomDocument>
-#include <QElapsedTimer>
-#include <QTimer>
-
-/// The main dialog's part of the update, with a web server on the loopback address and a stand-in for the updater.
-class TestMainDialogUpdate : public MainDialogTest
+/// The main dialog's checks for an update: when it asks the server, and its boxes.
+class TestMainDialogUpdate : public UpdateDialogTest
 {
     Q_OBJECT
-
-private:
-    /// The update is the same without a card, and a dialog without workers ends at once.
-    void withoutCards() { driver->cards.clear(); }
 
 private slots:
     void dateDecidesAtTheStart_data();
@@ -31,10 +15,6 @@ private slots:
     void otherArgumentsAreAnOrdinaryStart();
     void boxes_data();
     void boxes();
-    void handsOver_data();
-    void handsOver();
-    void handsOverWhileABoxIsOpen();
-    void updaterThatIsMissing();
     void failedCheckIsSilent_data();
     void failedCheckIsSilent();
     void manualCheckTakesOverARunningOne_data();
@@ -42,106 +22,13 @@ private slots:
     void oneAnswerForEachCheck();
     void looksOfABox_data();
     void looksOfABox();
-    void updaterBesideTheProgram();
     void unreadableSettingsAreNotReplaced();
     void settingsAreSynced();
-    void returnFromTheUpdater_data();
-    void returnFromTheUpdater();
-    void closedWhileTheLogStands();
-    void connectionsStand();
+    void everyConnectionExists();
 };
 
 namespace
 {
-
-constexpr int kPatienceMs = 30000;
-
-// The arguments of the process, which tests change.
-char programName[] = "OvrynDeck2";
-char secondArgument[32] = "";
-char *programArguments[] = {programName, secondArgument, nullptr};
-int programArgumentCount = 1;
-
-/// While it lives, the process has a second argument.
-class Started
-{
-public:
-    explicit Started(const char *argument)
-    {
-        qstrncpy(secondArgument, argument, sizeof secondArgument);
-        programArgumentCount = 2;
-    }
-    ~Started() { programArgumentCount = 1; }
-    Q_DISABLE_COPY(Started)
-};
-
-/// The update server of all dialogs that are made while it lives.
-class UpdateServer : public LoopbackHttpServer
-{
-public:
-    explicit UpdateServer(const QByteArray &manifest)
-    {
-        answerWith(manifest);
-        qputenv("OVRYN_TEST_UPDATE_SERVER", address().toLatin1());
-    }
-};
-
-QString dateText(const QDate &date)
-{
-    return date.toString(QStringLiteral("yyyy/MM/dd"));
-}
-
-QString today()
-{
-    return dateText(QDate::currentDate());
-}
-
-/// A config.xml after which the check at the start is due, or not.
-QByteArray config(int updateMode, int daysSinceCheck, int interval = 7, const QByteArray &language = "lang_en")
-{
-    return "<OvrynParameter><GeneralSetting Language=\"" + language + "\"/><UpdateSetting CheckInterval=\"" +
-           QByteArray::number(interval) + "\" UpdateMode=\"" + QByteArray::number(updateMode) +
-           "\" UpdateStatus=\"1\"/><LastCloseDate>2020/02/29</LastCloseDate><LastCheckDate>" +
-           dateText(QDate::currentDate().addDays(-daysSinceCheck)).toLatin1() +
-           "</LastCheckDate><LastUpdateDate>2020/02/28</LastUpdateDate><OtherSetting NotPromptHPS=\"1\"/>"
-           "</OvrynParameter>";
-}
-
-QString savedDate(const char *name)
-{
-    QFile file(QStringLiteral("config.xml"));
-    QDomDocument document;
-    if (!file.open(QIODevice::ReadOnly) || !document.setContent(&file))
-        return {};
-    return document.documentElement().firstChildElement(QString::fromLatin1(name)).text();
-}
-
-int downloadState(const OvrynDeck2 &dialog)
-{
-    return dialog.findChild<Ovryn_DownloadUpdateFileInfo *>()->currentState();
-}
-
-bool manifestExists()
-{
-    return QFile::exists(QStringLiteral("temp/update_info.xml"));
-}
-
-/// The program's event loop; false when nothing ended it.
-bool runUntilQuit()
-{
-    bool late = false;
-    QTimer patience;
-    QObject::connect(&patience, &QTimer::timeout, [&late] {
-        late = true;
-        QCoreApplication::quit();
-    });
-    patience.start(kPatienceMs);
-    QApplication::exec();
-    return !late;
-}
-
-const QString kYes = QStringLiteral("msgBoxYesBtn");
-const QString kNo = QStringLiteral("msgBoxNoBtn");
 
 QStringList syncedFiles; ///< by their names, in order
 
@@ -188,13 +75,13 @@ void TestMainDialogUpdate::otherArgumentsAreAnOrdinaryStart_data()
     QTest::addColumn<QByteArray>("argument");
     QTest::newRow("the program's own") << QByteArray("_OvrynDeck2");
     QTest::newRow("other case") << QByteArray("_ovrynupdate");
-    QTest::newRow("more behind it") << QByteArray("_OvrynUpdate2");
+    QTest::newRow("more after it") << QByteArray("_OvrynUpdate2");
 }
 
 void TestMainDialogUpdate::otherArgumentsAreAnOrdinaryStart()
 {
     QFETCH(QByteArray, argument);
-    const Started started(argument.constData());
+    const SecondArgument second(argument.constData());
     QCOMPARE(QCoreApplication::arguments().value(1), QString::fromLatin1(argument));
     withoutCards();
     UpdateServer server(updateManifest("1.0.2.4"));
@@ -287,103 +174,6 @@ void TestMainDialogUpdate::boxes()
     QVERIFY(QFileInfo(QStringLiteral("temp")).isDir());
     QVERIFY(dialog.isVisible());
     QCOMPARE(updater.arguments(), QString());
-}
-
-void TestMainDialogUpdate::handsOver_data()
-{
-    QTest::addColumn<bool>("manual");
-    QTest::addColumn<int>("mode");
-    QTest::addColumn<QByteArray>("language"); ///< in the file
-    QTest::addColumn<QByteArray>("chosen");   ///< on the settings page afterwards, empty for none
-    QTest::addColumn<QStringList>("answers");
-    const QByteArray english = "lang_en";
-    const QByteArray chinese = "lang_ch";
-    const QByteArray none;
-    QTest::newRow("automatic, mode 0 asks nothing") << false << 0 << english << none << QStringList();
-    QTest::newRow("automatic, any other mode asks nothing") << false << 7 << chinese << none << QStringList();
-    QTest::newRow("automatic, yes in mode 1") << false << 1 << english << none << QStringList{kYes};
-    QTest::newRow("automatic, yes in mode 2") << false << 2 << chinese << none << QStringList{kYes};
-    QTest::newRow("manual, yes") << true << 2 << english << none << QStringList{kYes};
-    QTest::newRow("manual, yes in mode 0") << true << 0 << chinese << none << QStringList{kYes};
-    QTest::newRow("Chinese since a moment ago") << true << 2 << english << chinese << QStringList{kYes};
-    QTest::newRow("English since a moment ago") << false << 0 << chinese << english << QStringList();
-    QTest::newRow("a language that only the updater may know")
-        << false << 0 << QByteArray("lang_fr") << none << QStringList();
-}
-
-void TestMainDialogUpdate::handsOver()
-{
-    QFETCH(bool, manual);
-    QFETCH(int, mode);
-    QFETCH(QByteArray, language);
-    QFETCH(QByteArray, chosen);
-    QFETCH(QStringList, answers);
-    const StandInUpdater updater;
-    withoutCards();
-    UpdateServer server(updateManifest("1.1"));
-    writeConfig(config(mode, manual ? 1 : 7, 7, language));
-    ModalAnswer answer(answers);
-    OvrynDeck2 dialog;
-    dialog.show();
-    if (!chosen.isEmpty()) {
-        auto *languages = dialog.findChild<QComboBox *>(QStringLiteral("cmb_language"));
-        languages->setCurrentIndex(languages->findData(QString::fromLatin1(chosen)));
-    }
-    if (manual)
-        emit dialog.findChild<Ovryn_SettingParentWidget *>()->detectUpdate();
-    QVERIFY(runUntilQuit());
-    QCOMPARE(answer.problems(), QStringList());
-    QCOMPARE(answer.captions().size(), answers.size());
-    QVERIFY(!dialog.isVisible());
-    QCOMPARE(savedDate("LastCloseDate"), today()); // an ordinary close
-    QCOMPARE(savedDate("LastCheckDate"), today());
-    QTRY_COMPARE_WITH_TIMEOUT(
-        updater.arguments(),
-        QStringLiteral("_OvrynDeck2\n%1\n").arg(QString::fromLatin1(chosen.isEmpty() ? language : chosen)),
-        kPatienceMs);
-    QCOMPARE(updater.folderOfCall(), QDir::current().canonicalPath());
-    QVERIFY(manifestExists()); // the updater reads it
-}
-
-void TestMainDialogUpdate::handsOverWhileABoxIsOpen()
-{
-    const StandInUpdater updater;
-    UpdateServer server(updateManifest("1.1"));
-    server.hold();
-    writeConfig(config(0, 7).replace("NotPromptHPS=\"1\"", "NotPromptHPS=\"0\""));
-    OvrynDeck2 dialog;
-    dialog.show();
-    QTimer::singleShot(0, &dialog, [&dialog] { dialog.afterShow(); }); // asks, and gets no answer
-    QTimer look;
-    connect(&look, &QTimer::timeout, &server, [&] {
-        if (QApplication::activeModalWidget())
-            server.release();
-    });
-    look.start(10);
-    QVERIFY(runUntilQuit());
-    QVERIFY(!dialog.isVisible());
-    QTRY_VERIFY_WITH_TIMEOUT(!updater.arguments().isEmpty(), kPatienceMs);
-}
-
-void TestMainDialogUpdate::updaterThatIsMissing()
-{
-    const SearchPath nothing("");
-    withoutCards();
-    UpdateServer server(updateManifest("1.1"));
-    writeConfig(config(0, 7));
-    ModalAnswer answer({kYes, kYes, kYes});
-    OvrynDeck2 dialog;
-    dialog.show();
-    QTRY_COMPARE_WITH_TIMEOUT(answer.captions().size(), 1, kPatienceMs);
-    QCOMPARE(answer.texts(), QStringList{QStringLiteral("Failed to initialize auto update.")});
-    QCOMPARE(answer.captions(), QStringList{QStringLiteral("Confirm")});
-    QVERIFY(dialog.isVisible());
-    QCOMPARE(savedDate("LastCloseDate"), QStringLiteral("2020/02/29"));
-
-    dialog.manualDetectUpdate(); // it can be tried again
-    QTRY_COMPARE_WITH_TIMEOUT(answer.captions().size(), 3, kPatienceMs);
-    QCOMPARE(answer.texts().last(), QStringLiteral("Failed to initialize auto update."));
-    QVERIFY(dialog.isVisible());
 }
 
 void TestMainDialogUpdate::failedCheckIsSilent_data()
@@ -518,21 +308,6 @@ void TestMainDialogUpdate::looksOfABox()
     QVERIFY(dialog.isVisible()); // closing the box is no yes
 }
 
-void TestMainDialogUpdate::updaterBesideTheProgram()
-{
-    const StandInUpdater inTheSearchPath;
-    const StandInUpdater beside(QCoreApplication::applicationDirPath());
-    const StandInUpdater inTheCurrentFolder(QDir::currentPath());
-    withoutCards();
-    UpdateServer server(updateManifest("1.1"));
-    writeConfig(config(0, 7));
-    OvrynDeck2 dialog;
-    QVERIFY(runUntilQuit());
-    QTRY_COMPARE_WITH_TIMEOUT(beside.arguments(), QStringLiteral("_OvrynDeck2\nlang_en\n"), kPatienceMs);
-    QCOMPARE(beside.folderOfCall(), QDir::current().canonicalPath());
-    QCOMPARE(inTheSearchPath.arguments() + inTheCurrentFolder.arguments(), QString());
-}
-
 void TestMainDialogUpdate::unreadableSettingsAreNotReplaced()
 {
     const QString unreadable = QStringLiteral("/proc/self/mem"); // opens, and fails at the first byte
@@ -572,90 +347,7 @@ void TestMainDialogUpdate::settingsAreSynced()
 #endif
 }
 
-void TestMainDialogUpdate::returnFromTheUpdater_data()
-{
-    QTest::addColumn<QByteArray>("language");
-    QTest::addColumn<QByteArray>("manifest");
-    QTest::addColumn<bool>("takenOut");
-    QTest::addColumn<QString>("caption");
-    QTest::newRow("new updater") << QByteArray("lang_en")
-                                 << updateManifest("1.1", "",
-                                                   manifestFile("", "OvrynDeck2.exe", "1.1") +
-                                                       manifestFile("", "OvrynUpdate.exe", "2"))
-                                 << true << "Close";
-    QTest::newRow("in Chinese") << QByteArray("lang_ch")
-                                << updateManifest("1.1", "", manifestFile("", "OvrynUpdate.exe", "2")) << true
-                                << QStringLiteral("关闭");
-    QTest::newRow("updater is not among the files")
-        << QByteArray("lang_en") << updateManifest("1.1", "", manifestFile("", "OvrynDeck2.exe", "2")) << false
-        << "Close";
-    QTest::newRow("broken manifest") << QByteArray("lang_en") << QByteArray("<Update") << false << "Close";
-}
-
-void TestMainDialogUpdate::returnFromTheUpdater()
-{
-    QFETCH(QByteArray, language);
-    QFETCH(QByteArray, manifest);
-    QFETCH(bool, takenOut);
-    QFETCH(QString, caption);
-    withoutCards();
-    UpdateServer server(updateManifest("1.1"));
-    writeConfig(config(0, 7, 7, language)); // a check would be due
-    QVERIFY(QDir().mkpath(QStringLiteral("temp/sub")));
-    QFile file(QStringLiteral("temp/update_info.xml"));
-    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(manifest) == manifest.size());
-    file.close();
-    QVERIFY(QFile::copy(QStringLiteral(OVRYN_TEST_ARCHIVES "/updater.zip"), QStringLiteral("temp/2.zip")));
-
-    const Started started("_OvrynUpdate");
-    bool clearedBefore = false;
-    QTimer look;
-    connect(&look, &QTimer::timeout, [&] {
-        if (QApplication::activeModalWidget())
-            clearedBefore = QDir(QStringLiteral("temp")).isEmpty();
-    });
-    look.start(0);
-    ModalAnswer answer({QStringLiteral("pushButton")});
-    OvrynDeck2 dialog;
-    look.stop();
-    QVERIFY(clearedBefore);
-    QCOMPARE(answer.problems(), QStringList());
-    QCOMPARE(answer.captions(), QStringList{caption});
-    QCOMPARE(savedDate("LastUpdateDate"), today());
-    QCOMPARE(QFile::exists(QStringLiteral("OvrynUpdate.exe")), takenOut);
-    QVERIFY(QDir(QStringLiteral("temp")).exists());
-    QVERIFY(QDir(QStringLiteral("temp")).isEmpty());
-    QCOMPARE(downloadState(dialog), 0); // no check on such a start
-    QVERIFY(savedDate("LastCheckDate") != today());
-}
-
-void TestMainDialogUpdate::closedWhileTheLogStands()
-{
-    withoutCards();
-    writeConfig(config(0, 7));
-    const Started started("_OvrynUpdate");
-    bool told = false;
-    QElapsedTimer patience;
-    patience.start();
-    QTimer trayMenu;
-    connect(&trayMenu, &QTimer::timeout, [&] {
-        QWidget *log = QApplication::activeModalWidget();
-        if (!log)
-            return;
-        if (!told)
-            told = QMetaObject::invokeMethod(log->parentWidget(), "onExitAppAction");
-        else if (patience.hasExpired(kPatienceMs))
-            log->close();
-    });
-    trayMenu.start(5);
-    const OvrynDeck2 dialog;
-    QVERIFY(told);
-    QVERIFY(!patience.hasExpired(kPatienceMs));
-    QVERIFY(dialog.wasClosed());
-    QCOMPARE(savedDate("LastCloseDate"), today());
-}
-
-void TestMainDialogUpdate::connectionsStand()
+void TestMainDialogUpdate::everyConnectionExists()
 {
     withoutCards();
     UpdateServer server(updateManifest("1.0.2.4"));
@@ -674,11 +366,7 @@ void TestMainDialogUpdate::connectionsStand()
 
 int main(int argc, char **argv)
 {
-    QApplication application(programArgumentCount, programArguments);
-    QApplication::setQuitOnLastWindowClosed(false);
-    QFile::remove(QCoreApplication::applicationDirPath() + QStringLiteral("/OvrynUpdate")); // of a run that died
-    TestMainDialogUpdate test;
-    return QTest::qExec(&test, argc, argv);
+    return runUpdateTest<TestMainDialogUpdate>(argc, argv);
 }
 
 #include "TestMainDialogUpdate.moc"

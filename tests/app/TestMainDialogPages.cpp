@@ -12,16 +12,16 @@
 #include <QRegularExpression>
 #include <QStackedWidget>
 
-/// The main dialog's cards and pages. The two questions that are asked once a run are process-wide, so the rows about
-/// them stand in the order in which a run meets them.
-class TestOvrynDeck2 : public MainDialogTest
+/// The main dialog's cards and pages. Two questions are asked once in a process, so their tests come first, in the
+/// order of a run.
+class TestMainDialogPages : public MainDialogTest
 {
     Q_OBJECT
 
 private slots:
     void promptOfTheHighPerformanceModeComesOnce();
     void adjustWarningComesOnce();
-    void everyConnectionIsGood();
+    void everyConnectionExists();
     void detectionOfTwoCards();
     void noCard();
     void cardWithoutAName();
@@ -39,14 +39,12 @@ private slots:
     void changeOfCardKeepsThePage();
     void effectsShowForTheMakersCards_data();
     void effectsShowForTheMakersCards();
-    void highPerformanceSwitchShows_data();
-    void highPerformanceSwitchShows();
     void storedSelectionIsUsed_data();
     void storedSelectionIsUsed();
     void boardTemperatureButtonLeadsNowhere();
     void eachCardsInformationReachesItsPage();
-    void cardInformationStandsInForAMissingPage_data();
-    void cardInformationStandsInForAMissingPage();
+    void cardInformationReplacesAMissingPage_data();
+    void cardInformationReplacesAMissingPage();
 };
 
 namespace
@@ -69,9 +67,9 @@ QStackedWidget *circleStack(const OvrynDeck2 &dialog)
 
 } // namespace
 
-void TestOvrynDeck2::promptOfTheHighPerformanceModeComesOnce()
+void TestMainDialogPages::promptOfTheHighPerformanceModeComesOnce()
 {
-    // a card without the switch leaves the question for a later one
+    // a card without the switch leaves the question for a later card
     driver->cards.resize(2);
     makeForeign(driver->card(0), "GeForce GTX 1080");
     OvrynDeck2 dialog;
@@ -93,14 +91,14 @@ void TestOvrynDeck2::promptOfTheHighPerformanceModeComesOnce()
     QVERIFY(savedText().contains(QLatin1String("NotPromptHPS=\"1\"")));
 }
 
-void TestOvrynDeck2::adjustWarningComesOnce()
+void TestMainDialogPages::adjustWarningComesOnce()
 {
     OvrynDeck2 dialog;
     dialog.show();
     QPushButton *adjust = button(dialog, "btnAdjust");
     ModalAnswer answer({QStringLiteral("msgBoxNoBtn"), QStringLiteral("msgBoxYesBtn")});
 
-    adjust->click(); // refused: stays armed
+    adjust->click(); // refused: the next click asks again
     QVERIFY(!adjust->isChecked());
     QCOMPARE(dialog.shownPage(), int(HomePage));
 
@@ -108,7 +106,7 @@ void TestOvrynDeck2::adjustWarningComesOnce()
     QVERIFY(adjust->isChecked());
     QCOMPARE(dialog.shownPage(), int(AdjustPage));
 
-    adjust->click(); // the way out asks nothing
+    adjust->click(); // the click that closes the page asks nothing
     QCOMPARE(dialog.shownPage(), int(HomePage));
     adjust->click(); // nor does a later opening
     QCOMPARE(dialog.shownPage(), int(AdjustPage));
@@ -118,7 +116,7 @@ void TestOvrynDeck2::adjustWarningComesOnce()
     QCOMPARE(answer.texts().at(0), QStringLiteral("不正当的调节可能造成系统不稳定，严重可能损坏显卡，是否继续?"));
 }
 
-void TestOvrynDeck2::everyConnectionIsGood()
+void TestMainDialogPages::everyConnectionExists()
 {
     driver->cards.resize(2);
     ConnectWarnings warnings;
@@ -132,7 +130,7 @@ void TestOvrynDeck2::everyConnectionIsGood()
     QCOMPARE(found, QStringList());
 }
 
-void TestOvrynDeck2::detectionOfTwoCards()
+void TestMainDialogPages::detectionOfTwoCards()
 {
     driver->cards.resize(2);
     makeForeign(driver->card(1), "GeForce GTX 1080");
@@ -154,7 +152,7 @@ void TestOvrynDeck2::detectionOfTwoCards()
                                                  "port=1/1 data=05 0A 00 00 F0"));
     const QStringList lcdFrames = calls.filter(QStringLiteral("I2CWrite gpu0 0x3002C addr=AC"));
     QVERIFY(!lcdFrames.isEmpty());
-    // An enabled LCD that changes its page by itself every ten seconds.
+    // The LCD is on and changes its page every ten seconds.
     const QStringList probe = lcdFrames.at(0).section(QStringLiteral("data="), 1).split(QLatin1Char(' '));
     QCOMPARE(probe.size(), 35);
     QCOMPARE(QStringList(probe.mid(0, 2) << probe.at(3)), QStringList({"AA", "88", "F6"}));
@@ -173,7 +171,7 @@ void TestOvrynDeck2::detectionOfTwoCards()
     QCOMPARE(dialog.findChild<Ovryn_ComboBox *>()->itemData(1).toInt(), 1);
 }
 
-void TestOvrynDeck2::noCard()
+void TestMainDialogPages::noCard()
 {
     driver->libraryExists = false;
     OvrynDeck2 dialog;
@@ -181,12 +179,12 @@ void TestOvrynDeck2::noCard()
     QVERIFY(dialog.cards().isEmpty());
     QCOMPARE(dialog.findChild<Ovryn_ComboBox *>()->count(), 0);
     dialog.show();
-    button(dialog, "btnMonitor")->click(); // nothing to show, nothing to fail
+    button(dialog, "btnMonitor")->click(); // no page to show, and no failure
     finishSlide(dialog);
     dialog.afterShow();
 }
 
-void TestOvrynDeck2::cardWithoutAName()
+void TestMainDialogPages::cardWithoutAName()
 {
     driver->fails("NvAPI_GPU_GetFullName", NVAPI_ERROR);
     OvrynDeck2 dialog;
@@ -194,7 +192,7 @@ void TestOvrynDeck2::cardWithoutAName()
     QCOMPARE(dialog.cards().at(0).gpuName, QString());
 }
 
-void TestOvrynDeck2::hostileNameLosesNoSettings()
+void TestMainDialogPages::hostileNameLosesNoSettings()
 {
     driver->card().fullName =
         std::string("GeForce\x01\x0B GTX\x1F 1080") + std::string(80, 'x'); // no terminating zero
@@ -212,7 +210,7 @@ void TestOvrynDeck2::hostileNameLosesNoSettings()
     QVERIFY(notPrompt); // the file could be read again
 }
 
-void TestOvrynDeck2::identicalCardsHaveTheirOwnSections()
+void TestMainDialogPages::identicalCardsHaveTheirOwnSections()
 {
     driver->cards.resize(2);
     {
@@ -231,7 +229,7 @@ void TestOvrynDeck2::identicalCardsHaveTheirOwnSections()
     QVERIFY(!config.getMonitorModule(QStringLiteral("GeForce GTX 1070 Ti 2"), 0x111D7377, option));
 }
 
-void TestOvrynDeck2::slotButtons_data()
+void TestMainDialogPages::slotButtons_data()
 {
     QTest::addColumn<bool>("led");
     QTest::addColumn<bool>("lcd");
@@ -248,7 +246,7 @@ void TestOvrynDeck2::slotButtons_data()
                              << "";
 }
 
-void TestOvrynDeck2::slotButtons()
+void TestMainDialogPages::slotButtons()
 {
     QFETCH(bool, led);
     QFETCH(bool, lcd);
@@ -266,7 +264,7 @@ void TestOvrynDeck2::slotButtons()
     QTEST(caption("btnSecondSlot"), "second");
 }
 
-void TestOvrynDeck2::lcdAloneUnchecksItsOwnButton()
+void TestMainDialogPages::lcdAloneUnchecksItsOwnButton()
 {
     driver->card().i2cListeners = {kLcdAddress};
     OvrynDeck2 dialog;
@@ -277,7 +275,7 @@ void TestOvrynDeck2::lcdAloneUnchecksItsOwnButton()
     QVERIFY(dialog.findChild<RollStackWidget *>()->isVisible());
 }
 
-void TestOvrynDeck2::pageButtons_data()
+void TestMainDialogPages::pageButtons_data()
 {
     QTest::addColumn<QByteArray>("name");
     QTest::addColumn<int>("page");
@@ -288,7 +286,7 @@ void TestOvrynDeck2::pageButtons_data()
     QTest::newRow("card information") << QByteArray("btnGpuFixedInfo") << int(FixedInfoPage);
 }
 
-void TestOvrynDeck2::pageButtons()
+void TestMainDialogPages::pageButtons()
 {
     QFETCH(QByteArray, name);
     OvrynDeck2 dialog;
@@ -299,7 +297,7 @@ void TestOvrynDeck2::pageButtons()
     QTest::mouseClick(button(dialog, name.constData()), Qt::LeftButton);
     QTEST(dialog.shownPage(), "page");
     QVERIFY(roll->isVisible());
-    QVERIFY(!roll->isShown()); // its contents wait for the end of the gauge's slide
+    QVERIFY(!roll->isShown()); // it opens after the gauge's slide
     finishSlide(dialog);
     QVERIFY(roll->isShown());
     QCOMPARE(circleStack(dialog)->geometry(), mainDialogLayout(dialog.size()).gaugeShown);
@@ -312,7 +310,7 @@ void TestOvrynDeck2::pageButtons()
     QVERIFY(qobject_cast<Ovryn_GpuInfoCircleBox *>(circleStack(dialog)->currentWidget()));
 }
 
-void TestOvrynDeck2::secondClickClosesThePage()
+void TestMainDialogPages::secondClickClosesThePage()
 {
     OvrynDeck2 dialog;
     dialog.show();
@@ -323,7 +321,7 @@ void TestOvrynDeck2::secondClickClosesThePage()
     QCOMPARE(dialog.shownPage(), int(HomePage));
 }
 
-void TestOvrynDeck2::pageToPageKeepsThePanelOpen()
+void TestMainDialogPages::pageToPageKeepsThePanelOpen()
 {
     OvrynDeck2 dialog;
     dialog.show();
@@ -333,12 +331,12 @@ void TestOvrynDeck2::pageToPageKeepsThePanelOpen()
     QVERIFY(!button(dialog, "btnMonitor")->isChecked());
     QVERIFY(button(dialog, "btnGpuFixedInfo")->isChecked());
     QCOMPARE(dialog.shownPage(), int(FixedInfoPage));
-    dialog.onMoveCircleWidgetTimerTimeout(); // the gauge stands already: the first tick selects the page
+    dialog.onMoveCircleWidgetTimerTimeout(); // the gauge is in its place: the first tick selects the page
     QCOMPARE(circleStack(dialog)->x(), mainDialogLayout(dialog.size()).gaugeShown.x());
     QVERIFY(dialog.findChild<RollStackWidget *>()->isShown());
 }
 
-void TestOvrynDeck2::ledPageTakesTheGaugesPlace()
+void TestMainDialogPages::ledPageTakesTheGaugesPlace()
 {
     OvrynDeck2 dialog;
     dialog.show();
@@ -350,7 +348,7 @@ void TestOvrynDeck2::ledPageTakesTheGaugesPlace()
     QVERIFY(qobject_cast<Ovryn_GpuInfoCircleBox *>(circleStack(dialog)->currentWidget()));
 }
 
-void TestOvrynDeck2::gaugeSlidesTenPixelsATick()
+void TestMainDialogPages::gaugeSlidesTenPixelsATick()
 {
     OvrynDeck2 dialog;
     dialog.show();
@@ -367,7 +365,7 @@ void TestOvrynDeck2::gaugeSlidesTenPixelsATick()
     QCOMPARE(circleStack(dialog)->y(), y);
 }
 
-void TestOvrynDeck2::changeOfCardKeepsThePage()
+void TestMainDialogPages::changeOfCardKeepsThePage()
 {
     driver->cards.resize(2);
     makeForeign(driver->card(1), "GeForce GTX 1080");
@@ -388,14 +386,14 @@ void TestOvrynDeck2::changeOfCardKeepsThePage()
     QVERIFY(!button(dialog, "btnFirstSlot")->isVisible());
 }
 
-void TestOvrynDeck2::effectsShowForTheMakersCards_data()
+void TestMainDialogPages::effectsShowForTheMakersCards_data()
 {
     QTest::addColumn<bool>("makersFirst");
     QTest::newRow("from the start on the maker's card") << true;
     QTest::newRow("not from the start on a foreign card") << false;
 }
 
-void TestOvrynDeck2::effectsShowForTheMakersCards()
+void TestMainDialogPages::effectsShowForTheMakersCards()
 {
     QFETCH(bool, makersFirst);
     driver->cards.resize(2);
@@ -411,29 +409,7 @@ void TestOvrynDeck2::effectsShowForTheMakersCards()
     QCOMPARE(effects->isVisible(), makersFirst);
 }
 
-void TestOvrynDeck2::highPerformanceSwitchShows_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<quint32>("subSystemId");
-    QTest::addColumn<bool>("shown");
-
-    QTest::newRow("1070 Ti of the maker, variant 13") << "GeForce GTX 1070 Ti" << 0x111D7377u << true;
-    QTest::newRow("variant 2") << "GeForce GTX 1070 Ti" << 0x11127377u << false;
-    QTest::newRow("foreign GTX 1080") << "GeForce GTX 1080" << 0x85AA1043u << false;
-}
-
-void TestOvrynDeck2::highPerformanceSwitchShows()
-{
-    QFETCH(QString, name);
-    QFETCH(quint32, subSystemId);
-    driver->card().fullName = name.toStdString();
-    driver->card().subSystemId = subSystemId;
-    OvrynDeck2 dialog;
-    dialog.show();
-    QTEST(button(dialog, "btnHighPerformance")->isVisible(), "shown");
-}
-
-void TestOvrynDeck2::storedSelectionIsUsed_data()
+void TestMainDialogPages::storedSelectionIsUsed_data()
 {
     QTest::addColumn<bool>("apply");
     QTest::addColumn<int>("mask");
@@ -441,7 +417,7 @@ void TestOvrynDeck2::storedSelectionIsUsed_data()
     QTest::newRow("not applied") << false << 0;
 }
 
-void TestOvrynDeck2::storedSelectionIsUsed()
+void TestMainDialogPages::storedSelectionIsUsed()
 {
     QFETCH(bool, apply);
     {
@@ -459,7 +435,7 @@ void TestOvrynDeck2::storedSelectionIsUsed()
     QTEST(mask, "mask");
 }
 
-void TestOvrynDeck2::boardTemperatureButtonLeadsNowhere()
+void TestMainDialogPages::boardTemperatureButtonLeadsNowhere()
 {
     OvrynDeck2 dialog;
     dialog.show();
@@ -468,7 +444,7 @@ void TestOvrynDeck2::boardTemperatureButtonLeadsNowhere()
     QCOMPARE(dialog.shownPage(), int(HomePage));
 }
 
-void TestOvrynDeck2::eachCardsInformationReachesItsPage()
+void TestMainDialogPages::eachCardsInformationReachesItsPage()
 {
     driver->cards.resize(2);
     driver->card(1).vbiosVersion = "11.22.33";
@@ -483,14 +459,14 @@ void TestOvrynDeck2::eachCardsInformationReachesItsPage()
     QTRY_COMPARE(biosVersion(1), QStringLiteral("11.22.33"));
 }
 
-void TestOvrynDeck2::cardInformationStandsInForAMissingPage_data()
+void TestMainDialogPages::cardInformationReplacesAMissingPage_data()
 {
     QTest::addColumn<QByteArray>("button");
     QTest::newRow("LED") << QByteArray("btnFirstSlot");
     QTest::newRow("LCD") << QByteArray("btnSecondSlot");
 }
 
-void TestOvrynDeck2::cardInformationStandsInForAMissingPage()
+void TestMainDialogPages::cardInformationReplacesAMissingPage()
 {
     QFETCH(QByteArray, button);
     driver->cards.resize(2);
@@ -505,5 +481,5 @@ void TestOvrynDeck2::cardInformationStandsInForAMissingPage()
     QVERIFY(qobject_cast<Ovryn_GpuInfoCircleBox *>(circleStack(dialog)->currentWidget()));
 }
 
-QTEST_MAIN(TestOvrynDeck2)
-#include "TestOvrynDeck2.moc"
+QTEST_MAIN(TestMainDialogPages)
+#include "TestMainDialogPages.moc"

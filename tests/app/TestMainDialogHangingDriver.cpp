@@ -9,18 +9,18 @@
 /// The end of the dialog while a call of the driver hangs in a way that nothing can end.
 ///
 /// A separate program: an abandoned worker stays until the process ends.
-class TestDialogHangingDriver : public MainDialogTest
+class TestMainDialogHangingDriver : public MainDialogTest
 {
     Q_OBJECT
 
 private slots:
-    void hangingCardIsLeftBehind();
+    void hangingCardIsAbandoned();
 };
 
 namespace
 {
 
-QThread *leftBehindWorker = nullptr; // keeps its objects reachable, so they are no leak
+QThread *abandonedWorker = nullptr; // keeps its objects reachable, so they are no leak
 
 struct DeafThread : QThread
 {
@@ -29,7 +29,7 @@ struct DeafThread : QThread
 
 } // namespace
 
-void TestDialogHangingDriver::hangingCardIsLeftBehind()
+void TestMainDialogHangingDriver::hangingCardIsAbandoned()
 {
     driver->cards.resize(2);
     QThread *const guiThread = QThread::currentThread();
@@ -39,7 +39,7 @@ void TestDialogHangingDriver::hangingCardIsLeftBehind()
     driver->onCall("NvAPI_GPU_GetMemoryInfo", [&] {
         if (QThread::currentThread() == guiThread || !mayHang.exchange(false))
             return;
-        leftBehindWorker = QThread::currentThread();
+        abandonedWorker = QThread::currentThread();
         DeafThread::setTerminationEnabled(false); // as inside a system call that isn't interrupted
         inCall.release();
         answer.acquire();
@@ -52,17 +52,17 @@ void TestDialogHangingDriver::hangingCardIsLeftBehind()
     QVERIFY(savedText().contains(QLatin1String("GpuName=\"GeForce GTX 1070 Ti 1\"")));
     dialog.reset();
     QCOMPARE(WorkerThread::abandonedCount(), 1);
-    QVERIFY(leftBehindWorker->isRunning());
+    QVERIFY(abandonedWorker->isRunning());
     QCOMPARE(nvApiLoadCount(), 1); // of the thread that is inside; the other card has released the library
     QCOMPARE(driver->releases(), driver->loads() - 1);
 
     // The driver returns after all. The thread still has its worker and its card; the receivers of its signals are
     // gone.
     answer.release();
-    QVERIFY(leftBehindWorker->wait(20000));
+    QVERIFY(abandonedWorker->wait(20000));
     QVERIFY(driver->calls().size() > callsBefore);
     QCOMPARE(driver->strayCalls(), 0);
 }
 
-QTEST_MAIN(TestDialogHangingDriver)
-#include "TestDialogHangingDriver.moc"
+QTEST_MAIN(TestMainDialogHangingDriver)
+#include "TestMainDialogHangingDriver.moc"

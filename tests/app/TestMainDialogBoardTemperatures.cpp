@@ -16,9 +16,9 @@
 
 #include <memory>
 
-/// The board temperatures in the window, on a simulated card with its four sensors: without a connection they rest,
-/// with the two that the product may choose to make they live.
-class TestBoardTemperatures : public QObject
+/// The board temperatures in the window, on a simulated card with four sensors: without connections they show
+/// nothing, with two connections they show the samples.
+class TestMainDialogBoardTemperatures : public QObject
 {
     Q_OBJECT
 
@@ -51,7 +51,7 @@ private:
     std::unique_ptr<OvrynDeck2> dialog;
 };
 
-void TestBoardTemperatures::init()
+void TestMainDialogBoardTemperatures::init()
 {
     formerFolder = QDir::currentPath();
     folder = std::make_unique<QTemporaryDir>();
@@ -75,7 +75,7 @@ void TestBoardTemperatures::init()
     QVERIFY(firstWorker() && firstPage());
 }
 
-void TestBoardTemperatures::cleanup()
+void TestMainDialogBoardTemperatures::cleanup()
 {
     dialog.reset();
     setNvApiLibrarySource({});
@@ -84,17 +84,17 @@ void TestBoardTemperatures::cleanup()
     folder.reset();
 }
 
-void TestBoardTemperatures::restWithoutAConnection()
+void TestMainDialogBoardTemperatures::restWithoutAConnection()
 {
     QCOMPARE(dialog->findChildren<Ovryn_BoardInfoMainWidget *>().size(), dialog->cardCount());
     driver->clearCalls();
-    QTRY_VERIFY(driver->calls(simulated::Operation::NvAPI_I2CRead).size() >= 8); // the worker reads them all the same
+    QTRY_VERIFY(driver->calls(simulated::Operation::NvAPI_I2CRead).size() >= 8); // the worker reads them nevertheless
     QCoreApplication::processEvents();
     QCOMPARE(currentValues(), QStringList({"", "", "", ""}));
     QVERIFY(!firstPage()->isVisible());
 }
 
-void TestBoardTemperatures::liveWithOneConnectionEach()
+void TestMainDialogBoardTemperatures::liveWithOneConnectionEach()
 {
     QVERIFY(connect(firstWorker(), SIGNAL(sendBoardTempCompleteInfo(BoardTempCompleteInfo)), firstPage(),
                     SLOT(recvBoardTempCompleteInfo(BoardTempCompleteInfo))));
@@ -124,5 +124,5 @@ void TestBoardTemperatures::liveWithOneConnectionEach()
     QCOMPARE(dialog->shownPage(), int(HomePage));
 }
 
-QTEST_MAIN(TestBoardTemperatures)
-#include "TestBoardTemperatures.moc"
+QTEST_MAIN(TestMainDialogBoardTemperatures)
+#include "TestMainDialogBoardTemperatures.moc"

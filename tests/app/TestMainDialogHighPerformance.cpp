@@ -8,13 +8,15 @@
 #include <QSlider>
 
 /// The main dialog's switch of the high-performance mode. Its prompt comes once in a process, so the test that needs
-/// it stands first.
-class TestHighPerformanceSwitch : public MainDialogTest
+/// it is the first.
+class TestMainDialogHighPerformance : public MainDialogTest
 {
     Q_OBJECT
 
 private slots:
     void tickIsLostWithoutAnOrderlyEnd();
+    void switchIsShown_data();
+    void switchIsShown();
     void onAndOff();
     void refusedCardLeavesItOff_data();
     void refusedCardLeavesItOff();
@@ -33,7 +35,7 @@ private:
     [[nodiscard]] QStringList clockWrites() const { return driver->calls("NvAPI_GPU_SetPstates20"); }
 };
 
-void TestHighPerformanceSwitch::tickIsLostWithoutAnOrderlyEnd()
+void TestMainDialogHighPerformance::tickIsLostWithoutAnOrderlyEnd()
 {
     const auto promptIsOff = [] {
         Ovryn_ConfigFile config;
@@ -48,11 +50,33 @@ void TestHighPerformanceSwitch::tickIsLostWithoutAnOrderlyEnd()
         QCOMPARE(answer.problems(), QStringList());
         QCOMPARE(answer.texts().size(), 1);
         QVERIFY(!promptIsOff());
-    } // gone without having been closed
+    } // deleted without a close
     QVERIFY(!promptIsOff());
 }
 
-void TestHighPerformanceSwitch::onAndOff()
+void TestMainDialogHighPerformance::switchIsShown_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<quint32>("subSystemId");
+    QTest::addColumn<bool>("shown");
+
+    QTest::newRow("1070 Ti of the maker, variant 13") << "GeForce GTX 1070 Ti" << 0x111D7377u << true;
+    QTest::newRow("variant 2") << "GeForce GTX 1070 Ti" << 0x11127377u << false;
+    QTest::newRow("foreign GTX 1080") << "GeForce GTX 1080" << 0x85AA1043u << false;
+}
+
+void TestMainDialogHighPerformance::switchIsShown()
+{
+    QFETCH(QString, name);
+    QFETCH(quint32, subSystemId);
+    driver->card().fullName = name.toStdString();
+    driver->card().subSystemId = subSystemId;
+    OvrynDeck2 dialog;
+    dialog.show();
+    QTEST(modeSwitch(dialog)->isVisible(), "shown");
+}
+
+void TestMainDialogHighPerformance::onAndOff()
 {
     OvrynDeck2 dialog;
     dialog.show();
@@ -68,7 +92,7 @@ void TestHighPerformanceSwitch::onAndOff()
     QVERIFY(!adjustPage(dialog)->isHighPerformance());
 }
 
-void TestHighPerformanceSwitch::refusedCardLeavesItOff_data()
+void TestMainDialogHighPerformance::refusedCardLeavesItOff_data()
 {
     QTest::addColumn<quint32>("subSystemId");
     QTest::addColumn<bool>("readable"); // the name, when the switch is pressed
@@ -77,7 +101,7 @@ void TestHighPerformanceSwitch::refusedCardLeavesItOff_data()
     QTest::newRow("board of the table whose name can't be read any more") << 0x111D7377u << false;
 }
 
-void TestHighPerformanceSwitch::refusedCardLeavesItOff()
+void TestMainDialogHighPerformance::refusedCardLeavesItOff()
 {
     QFETCH(quint32, subSystemId);
     QFETCH(bool, readable);
@@ -95,14 +119,14 @@ void TestHighPerformanceSwitch::refusedCardLeavesItOff()
     QCOMPARE(clockWrites(), QStringList());
 }
 
-void TestHighPerformanceSwitch::endedByTheAdjustPage_data()
+void TestMainDialogHighPerformance::endedByTheAdjustPage_data()
 {
     QTest::addColumn<bool>("apply");
     QTest::newRow("Apply") << true;
     QTest::newRow("Default") << false;
 }
 
-void TestHighPerformanceSwitch::endedByTheAdjustPage()
+void TestMainDialogHighPerformance::endedByTheAdjustPage()
 {
     QFETCH(bool, apply);
 
@@ -119,7 +143,7 @@ void TestHighPerformanceSwitch::endedByTheAdjustPage()
         driver->forgetCalls();
         page->onBtnApplyClick();
         QCOMPARE(answer.problems(), QStringList());
-        // What the rows show, and not what stood before the mode.
+        // The values of the rows, not those from before the mode.
         QCOMPARE(clockWrites().value(0), QStringLiteral("GPU_SetPstates20 gpu0 0x31CF8 [8]=1 [12]=1 [40]=93000"));
     } else {
         page->onBtnDefaultClick();
@@ -127,7 +151,7 @@ void TestHighPerformanceSwitch::endedByTheAdjustPage()
     QVERIFY(!modeSwitch(dialog)->isChecked());
     QVERIFY(!page->isHighPerformance());
 
-    // The switch is off for good: nothing goes back to what stood before, and the next press switches on.
+    // The switch stays off: the values from before the mode are not restored, and the next press switches on.
     driver->forgetCalls();
     QVERIFY(page->setHighPerformance(false));
     QCOMPARE(clockWrites(), QStringList());
@@ -135,6 +159,6 @@ void TestHighPerformanceSwitch::endedByTheAdjustPage()
     QVERIFY(modeSwitch(dialog)->isChecked());
 }
 
-QTEST_MAIN(TestHighPerformanceSwitch)
+QTEST_MAIN(TestMainDialogHighPerformance)
 
-#include "TestHighPerformanceSwitch.moc"
+#include "TestMainDialogHighPerformance.moc"

@@ -8,8 +8,8 @@
 
 #include <iterator>
 
-/// What the main dialog builds its pages from: the file's values, or their defaults where the file is another's.
-class TestStoredSettings : public MainDialogTest
+/// The values that the main dialog gives to its pages: the file's, or the defaults where the file has another root.
+class TestMainDialogStoredSettings : public MainDialogTest
 {
     Q_OBJECT
 
@@ -20,9 +20,9 @@ private slots:
 private:
     void buildBothDialogs();
 
-    QStringList stored;    ///< what each row sees with the file's own root
+    QStringList stored;    ///< expected with the program's root element
     QStringList byDefault; ///< with a root of another name
-    QStringList writes;    ///< what the card was told then
+    QStringList writes;    ///< the orders to the card in the first case
     QByteArray foreignFile;
     QByteArray foreignFileAfter;
 };
@@ -80,17 +80,17 @@ const Look kLooks[] = {
 
 } // namespace
 
-void TestStoredSettings::foreignRootLeavesDefaults_data()
+void TestMainDialogStoredSettings::foreignRootLeavesDefaults_data()
 {
     QTest::addColumn<int>("row");
     for (int row = 0; row < int(std::size(kLooks)); ++row)
         QTest::newRow(kLooks[row].what) << row;
 }
 
-/// Once for all rows, since a dialog takes its time to come and to go.
-void TestStoredSettings::buildBothDialogs()
+/// Once for all rows, because a dialog's start and end take long.
+void TestMainDialogStoredSettings::buildBothDialogs()
 {
-    // The sample's card is the stand-in's, and its settings are to be applied.
+    // The sample gets the name of the stand-in's card, and its settings are applied.
     QByteArray own = kSampleConfig;
     own.replace("ApplyLastParamOnStart=\"0\"", "ApplyLastParamOnStart=\"1\"");
     own.replace("EnableHighPerformance=\"1\"", "EnableHighPerformance=\"0\"");
@@ -112,7 +112,7 @@ void TestStoredSettings::buildBothDialogs()
     foreignFileAfter = savedText().toUtf8();
 }
 
-void TestStoredSettings::foreignRootLeavesDefaults()
+void TestMainDialogStoredSettings::foreignRootLeavesDefaults()
 {
     QFETCH(int, row);
 
@@ -124,6 +124,6 @@ void TestStoredSettings::foreignRootLeavesDefaults()
     QCOMPARE(foreignFileAfter, foreignFile);
 }
 
-QTEST_MAIN(TestStoredSettings)
+QTEST_MAIN(TestMainDialogStoredSettings)
 
-#include "TestStoredSettings.moc"
+#include "TestMainDialogStoredSettings.moc"

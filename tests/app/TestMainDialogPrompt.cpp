@@ -6,7 +6,7 @@
 
 /// When the main dialog asks about the high-performance mode. It asks once in a process, so each row is a process of
 /// its own: this program, started for that row alone.
-class TestHighPerformancePrompt : public MainDialogTest
+class TestMainDialogPrompt : public MainDialogTest
 {
     Q_OBJECT
 
@@ -64,7 +64,7 @@ const char *const kEnglish = "GeForce GTX 1070 Ti detected,unlock high performan
 
 } // namespace
 
-void TestHighPerformancePrompt::asksWhen_data()
+void TestMainDialogPrompt::asksWhen_data()
 {
     QTest::addColumn<QByteArray>("config");
     QTest::addColumn<QByteArray>("name");
@@ -90,7 +90,7 @@ void TestHighPerformancePrompt::asksWhen_data()
     // clang-format on
 }
 
-void TestHighPerformancePrompt::asksWhen()
+void TestMainDialogPrompt::asksWhen()
 {
     QFETCH(QByteArray, config);
     QFETCH(QByteArray, name);
@@ -109,7 +109,7 @@ void TestHighPerformancePrompt::asksWhen()
     QCOMPARE(answer.problems(), QStringList());
 }
 
-void TestHighPerformancePrompt::answerIsKept_data()
+void TestMainDialogPrompt::answerIsKept_data()
 {
     QTest::addColumn<QString>("tick");
     QTest::addColumn<bool>("off");
@@ -117,7 +117,7 @@ void TestHighPerformancePrompt::answerIsKept_data()
     QTest::newRow("without the tick") << QString() << false;
 }
 
-void TestHighPerformancePrompt::answerIsKept()
+void TestMainDialogPrompt::answerIsKept()
 {
     QFETCH(QString, tick);
     if (!isProcessOfTheRow())
@@ -135,15 +135,15 @@ void TestHighPerformancePrompt::answerIsKept()
     QTEST(isPromptOff(), "off");
 }
 
-void TestHighPerformancePrompt::notAskingCounts_data()
+void TestMainDialogPrompt::notAskingCounts_data()
 {
     QTest::addColumn<QByteArray>("firstConfig");
     QTest::newRow("not to be asked again") << configWith("1");
     QTest::newRow("the mode is on") << configWith("0", "1");
 }
 
-/// A card that could be asked about uses the question up for the run, also where it stays silent.
-void TestHighPerformancePrompt::notAskingCounts()
+/// The first card with the mode uses up the question for the run, also where no box is shown.
+void TestMainDialogPrompt::notAskingCounts()
 {
     QFETCH(QByteArray, firstConfig);
     if (!isProcessOfTheRow())
@@ -160,5 +160,5 @@ void TestHighPerformancePrompt::notAskingCounts()
     QCOMPARE(answer.texts(), QStringList());
 }
 
-QTEST_MAIN(TestHighPerformancePrompt)
-#include "TestHighPerformancePrompt.moc"
+QTEST_MAIN(TestMainDialogPrompt)
+#include "TestMainDialogPrompt.moc"

@@ -6,8 +6,8 @@
 #include <QComboBox>
 #include <QStackedWidget>
 
-/// The main dialog and its LCD pages: what they are built from, who talks to them and what is kept.
-class TestOvrynDeck2Lcd : public MainDialogTest
+/// The main dialog and its LCD pages: their stored settings, their connections and what is saved.
+class TestMainDialogLcd : public MainDialogTest
 {
     Q_OBJECT
 
@@ -19,7 +19,7 @@ private slots:
     void everyCardHasItsWorker();
 };
 
-void TestOvrynDeck2Lcd::storedLcdSettingsAreUsed_data()
+void TestMainDialogLcd::storedLcdSettingsAreUsed_data()
 {
     QTest::addColumn<bool>("apply");
     QTest::addColumn<QByteArray>("gpuName");
@@ -29,7 +29,7 @@ void TestOvrynDeck2Lcd::storedLcdSettingsAreUsed_data()
     QTest::newRow("of another card") << true << QByteArray("GeForce GTX 1080") << 10u;
 }
 
-void TestOvrynDeck2Lcd::storedLcdSettingsAreUsed()
+void TestMainDialogLcd::storedLcdSettingsAreUsed()
 {
     QFETCH(bool, apply);
     QFETCH(QByteArray, gpuName);
@@ -62,7 +62,7 @@ void TestOvrynDeck2Lcd::storedLcdSettingsAreUsed()
     QCOMPARE(kept.EnableLcd, !isStored);
 }
 
-void TestOvrynDeck2Lcd::gaugeChoosesThePageOfTheLcd()
+void TestMainDialogLcd::gaugeChoosesThePageOfTheLcd()
 {
     OvrynDeck2 dialog;
     dialog.show();
@@ -80,7 +80,7 @@ void TestOvrynDeck2Lcd::gaugeChoosesThePageOfTheLcd()
     QCOMPARE(lastCommand(), QStringLiteral("80"));
 }
 
-void TestOvrynDeck2Lcd::lcdPageComesUp()
+void TestMainDialogLcd::lcdPageComesUp()
 {
     OvrynDeck2 dialog;
     dialog.show();
@@ -97,8 +97,8 @@ void TestOvrynDeck2Lcd::lcdPageComesUp()
     QVERIFY(!page->findChild<Ovryn_SendNvInfoToLCDThread *>()->isStopped());
 }
 
-/// Also a card without an LCD; and when the dialog goes, no worker asks a card that is gone.
-void TestOvrynDeck2Lcd::everyCardHasItsWorker()
+/// Also a card without an LCD. After the dialog's end no worker calls a card that is gone.
+void TestMainDialogLcd::everyCardHasItsWorker()
 {
     driver->cards.resize(2);
     driver->card(1).i2cListeners.clear();
@@ -116,5 +116,5 @@ void TestOvrynDeck2Lcd::everyCardHasItsWorker()
     QCOMPARE(driver->strayCalls(), 0);
 }
 
-QTEST_MAIN(TestOvrynDeck2Lcd)
-#include "TestOvrynDeck2Lcd.moc"
+QTEST_MAIN(TestMainDialogLcd)
+#include "TestMainDialogLcd.moc"

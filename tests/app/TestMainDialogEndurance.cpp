@@ -15,8 +15,8 @@ extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
 /// The toolkit's table for debuggers: functions that are called with each object made and destroyed.
 extern Q_CORE_EXPORT quintptr qtHookData[];
 
-/// A thousand lives of the whole dialog in one process: nothing grows.
-class TestDialogEndurance : public MainDialogTest
+/// The whole dialog is made and deleted a thousand times in one process: nothing grows.
+class TestMainDialogEndurance : public MainDialogTest
 {
     Q_OBJECT
 
@@ -91,7 +91,7 @@ Holdings holdings()
 
 } // namespace
 
-void TestDialogEndurance::liveOnce(int number)
+void TestMainDialogEndurance::liveOnce(int number)
 {
     OvrynDeck2 dialog(nullptr, kQuickPages);
     if (number % kShownEvery != 0) { // started for the tray
@@ -106,7 +106,7 @@ void TestDialogEndurance::liveOnce(int number)
     dialog.close();
 }
 
-void TestDialogEndurance::thousandStartsAndStops()
+void TestMainDialogEndurance::thousandStartsAndStops()
 {
     qtHookData[kHookAddObject] = reinterpret_cast<quintptr>(&objectAdded);
     qtHookData[kHookRemoveObject] = reinterpret_cast<quintptr>(&objectRemoved);
@@ -136,5 +136,5 @@ void TestDialogEndurance::thousandStartsAndStops()
              qPrintable(QString::number(atTheEnd.bytes - afterWarmUp.bytes)));
 }
 
-QTEST_MAIN(TestDialogEndurance)
-#include "TestDialogEndurance.moc"
+QTEST_MAIN(TestMainDialogEndurance)
+#include "TestMainDialogEndurance.moc"
