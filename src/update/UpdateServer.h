@@ -12,3 +12,6 @@
 /// Alone in its source, so that a test program that defines this function itself brings its own server; the shipped
 /// program has no switch for it.
 [[nodiscard]] QString updateServer();
+
+/// The folder of the manifest and its signature on that server.
+constexpr const char *kPacketsPath = "/update_packets/OvrynDeck2_UpdateFiles/";
