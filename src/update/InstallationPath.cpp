@@ -40,8 +40,8 @@ bool isPlainRelativePath(const QString &path)
 
 bool mayBeInstalled(const QString &path)
 {
-    return isPlainRelativePath(path) && !isSame(path, "config.xml") &&
-           !isSame(path.section(QLatin1Char('/'), 0, 0), "temp");
+    const QString first = path.section(QLatin1Char('/'), 0, 0);
+    return isPlainRelativePath(path) && !isSame(first, "config.xml") && !isSame(first, "temp");
 }
 
 bool leadsThroughPlainFolders(const QString &installation, const QString &relativePath)

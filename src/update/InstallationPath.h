@@ -15,7 +15,7 @@ constexpr int kInstalledPathLengthMax = 120;
 [[nodiscard]] bool isPlainRelativePath(const QString &path);
 
 /// True for a plain relative path of a file that an update may install: not the settings file, which is the program's
-/// alone, and nothing in the folder temp, where the update itself works.
+/// alone, nor a folder in its place, and nothing in the folder temp, where the update itself works.
 [[nodiscard]] bool mayBeInstalled(const QString &path);
 
 /// True where no folder between the installation and the file is a link, so that the file lies where its path says.
