@@ -27,14 +27,14 @@ const unsigned char *bytesOf(const QByteArray &array)
     return reinterpret_cast<const unsigned char *>(array.constData());
 }
 
-/// Strict base64 of exactly that many bytes; nothing otherwise.
+/// Strict base64 of exactly that many bytes; nothing otherwise. The toolkit's own check lets padding be missing and
+/// spare bits be set, so that one signature would have many texts.
 std::optional<QByteArray> decoded(const QByteArray &base64, int size)
 {
-    const auto result =
-        QByteArray::fromBase64Encoding(base64, QByteArray::Base64Encoding | QByteArray::AbortOnBase64DecodingErrors);
-    if (!result || (*result).size() != size)
+    const QByteArray result = QByteArray::fromBase64(base64);
+    if (result.size() != size || result.toBase64() != base64)
         return std::nullopt;
-    return *result;
+    return result;
 }
 
 bool beginsWith(const QByteArray &bytes, const char (&algorithm)[kAlgorithmBytes])
