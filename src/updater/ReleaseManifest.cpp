@@ -38,6 +38,11 @@ qint64 sizeOf(const QString &text)
     return size <= kReleaseFileBytesMax ? size : -1;
 }
 
+bool isFlag(const QString &text)
+{
+    return text == QLatin1String("0") || text == QLatin1String("1");
+}
+
 /// Nothing, or the address of a folder on a web server.
 bool isAddress(const QString &text)
 {
@@ -46,11 +51,14 @@ bool isAddress(const QString &text)
     return text.size() <= kAddressLengthMax && form.match(text).hasMatch();
 }
 
-ReleaseFile fileOf(const QXmlStreamAttributes &attributes)
+/// Nothing where a value has no field that could show that it is wrong; `isSound` sees to the others.
+std::optional<ReleaseFile> fileOf(const QXmlStreamAttributes &attributes)
 {
     const auto text = [&attributes](const char *name) {
         return attributes.value(QLatin1String(name)).toString();
     };
+    if (!isFlag(text("Executable")))
+        return std::nullopt;
     ReleaseFile file;
     file.path = text("FileDir") + text("FileName");
     file.version = text("FileVersion");
@@ -118,7 +126,7 @@ std::optional<ReleaseManifest> releaseManifestOf(const QByteArray &bytes)
     bool isManifest = false;
     bool inFiles = false;
     bool isTwice = false;
-    bool tooMany = false;
+    bool isBad = false;
     QSet<QString> seen;
     const auto take = [&](int depth, const QXmlStreamReader &element) {
         const QString name = element.qualifiedName().toString();
@@ -143,13 +151,13 @@ std::optional<ReleaseManifest> releaseManifestOf(const QByteArray &bytes)
             else if (name == QLatin1String("ServerAdress"))
                 manifest.serverAddress = attributes.value(QLatin1String("Value")).toString();
         } else if (depth == kFileDepth && inFiles && name == QLatin1String("FileInfo")) {
-            if (manifest.files.size() < kReleaseFilesMax)
-                manifest.files.append(fileOf(attributes));
-            else
-                tooMany = true;
+            const std::optional<ReleaseFile> file = fileOf(attributes);
+            isBad |= !file || manifest.files.size() >= kReleaseFilesMax;
+            if (!isBad)
+                manifest.files.append(*file);
         }
     };
-    if (!walkXml(text, take, error) || !isManifest || isTwice || tooMany || !isSound(manifest))
+    if (!walkXml(text, take, error) || !isManifest || isTwice || isBad || !isSound(manifest))
         return std::nullopt;
     return manifest;
 }

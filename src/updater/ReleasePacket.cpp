@@ -24,6 +24,13 @@ bool copyExactly(QIODevice &from, QIODevice &to, qint64 size)
     return from.read(1).isEmpty();
 }
 
+/// The end of the entry is where its checksum is compared, so also one that announces less than it has is seen.
+bool closesSound(QuaZipFile &packed)
+{
+    packed.close();
+    return packed.getZipError() == UNZ_OK;
+}
+
 } // namespace
 
 bool unpackReleaseFile(const QString &archive, const ReleaseFile &file, const QString &target)
@@ -39,5 +46,5 @@ bool unpackReleaseFile(const QString &archive, const ReleaseFile &file, const QS
     QFile::remove(target);
     QFile written(target);
     return packed.open(QIODevice::ReadOnly) && written.open(QIODevice::WriteOnly | QIODevice::NewOnly) &&
-           copyExactly(packed, written, file.size) && written.flush();
+           copyExactly(packed, written, file.size) && written.flush() && closesSound(packed);
 }
