@@ -29,6 +29,12 @@ bool isPassing(int httpStatus)
     return httpStatus < 400 || httpStatus >= 500 || httpStatus == 408 || httpStatus == 429;
 }
 
+/// True for a refusal that says nothing about what was asked, so that the same question may be asked again.
+bool isBusy(int httpStatus)
+{
+    return isPassing(httpStatus) && httpStatus >= 400 && httpStatus != 501;
+}
+
 } // namespace
 
 FileFetcher::FileFetcher(const FetchTimings &fetchTimings, QObject *parent) : QObject(parent), timings(fetchTimings)
@@ -78,6 +84,11 @@ void FileFetcher::dropReply()
 void FileFetcher::start()
 {
     --triesLeft;
+    if (!request.sha256.isEmpty() && sha256OfFile(request.path) == request.sha256) {
+        emit progressed(request.bytes);
+        end(FetchResult::Complete);
+        return;
+    }
     if (!part.open(QIODevice::ReadWrite | QIODevice::Append)) {
         end(FetchResult::DiskFull);
         return;
@@ -124,14 +135,7 @@ void FileFetcher::onReadyRead()
     if (answer == Answer::Unknown)
         answer = acceptAnswer() ? Answer::Accepted : Answer::Refused;
     if (answer == Answer::Refused) {
-        const bool mayChange = isPassing(reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt());
-        dropReply();
-        if (resumed) // the server can't go on where it broke
-            static_cast<void>(part.resize(0));
-        if (mayChange || resumed)
-            tryAgain(FetchResult::NoAnswer);
-        else
-            end(FetchResult::NoAnswer);
+        onRefused();
         return;
     }
     const QByteArray bytes = reply->readAll();
@@ -144,6 +148,19 @@ void FileFetcher::onReadyRead()
     }
 }
 
+void FileFetcher::onRefused()
+{
+    const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    dropReply();
+    const bool asksForLess = resumed && !isBusy(status);
+    if (asksForLess) // the server can't go on where it broke
+        static_cast<void>(part.resize(0));
+    if (isPassing(status) || asksForLess)
+        tryAgain(FetchResult::NoAnswer);
+    else
+        end(FetchResult::NoAnswer);
+}
+
 void FileFetcher::onReplyFinished()
 {
     if (reply->bytesAvailable() > 0) {
@@ -151,9 +168,13 @@ void FileFetcher::onReplyFinished()
         if (!reply)
             return;
     }
-    // An empty file has no bytes that would have arrived.
-    if (answer == Answer::Unknown && reply->error() == QNetworkReply::NoError)
+    // An empty file, or a refusal without a word, has no bytes that would have arrived.
+    if (answer == Answer::Unknown && reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid())
         answer = acceptAnswer() ? Answer::Accepted : Answer::Refused;
+    if (answer == Answer::Refused) {
+        onRefused();
+        return;
+    }
     const bool whole = reply->error() == QNetworkReply::NoError && answer == Answer::Accepted &&
                        (request.sha256.isEmpty() || part.size() == request.bytes);
     dropReply();

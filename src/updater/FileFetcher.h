@@ -49,7 +49,8 @@ public:
     explicit FileFetcher(const FetchTimings &timings, QObject *parent = nullptr);
     ~FileFetcher() override;
 
-    /// Starts; `finished` comes later, always. Not while another one is under way.
+    /// Starts; `finished` comes later, always. Not while another one is under way. A file that is there already, with
+    /// the hash that is asked for, is not fetched again.
     void fetch(const FetchRequest &request);
 
     /// Stops without a signal. What has arrived stays for a later fetch.
@@ -69,6 +70,7 @@ private:
 
     void start();
     void onReadyRead();
+    void onRefused();
     void onReplyFinished();
     void onWindowEnd();
     [[nodiscard]] bool acceptAnswer();
