@@ -104,15 +104,22 @@ QString FileExchange::target(const QString &path) const
     return root + QLatin1Char('/') + path;
 }
 
+/// False where a link leads elsewhere: what lies there is not this exchange's, and may be anybody's.
+bool FileExchange::hasPlainWork() const
+{
+    return leadsThroughPlainFolders(root, QStringLiteral("temp/exchange/new/0")) &&
+           leadsThroughPlainFolders(root, QStringLiteral("temp/exchange/old/0"));
+}
+
 bool FileExchange::isUnfinished() const
 {
-    return exists(inWork(kForward)) || exists(inWork(kBack));
+    return hasPlainWork() && (exists(inWork(kForward)) || exists(inWork(kBack)));
 }
 
 bool FileExchange::begin()
 {
     failure.clear();
-    if (isUnfinished() || !leadsThroughPlainFolders(root, QStringLiteral("temp/exchange/new/0")))
+    if (isUnfinished() || !hasPlainWork())
         return false;
     forget();
     return QDir().mkpath(inWork("new")) && QDir().mkpath(inWork("old"));
@@ -120,7 +127,7 @@ bool FileExchange::begin()
 
 void FileExchange::forget()
 {
-    if (isUnfinished())
+    if (isUnfinished() || !hasPlainWork())
         return;
     clearFolder(inWork("new"));
     clearFolder(inWork("old"));
@@ -133,7 +140,7 @@ ExchangeOutcome FileExchange::exchange(const QVector<ExchangedFile> &files)
 {
     failure.clear();
     Journal journal;
-    if (isUnfinished() || files.size() > kJournalFilesMax)
+    if (isUnfinished() || !hasPlainWork() || files.size() > kJournalFilesMax)
         return ExchangeOutcome::WentBack;
     QSet<QString> paths;
     for (int i = 0; i < files.size(); ++i) {
@@ -152,6 +159,8 @@ ExchangeOutcome FileExchange::exchange(const QVector<ExchangedFile> &files)
 ExchangeOutcome FileExchange::resume()
 {
     failure.clear();
+    if (!hasPlainWork())
+        return ExchangeOutcome::Nothing;
     Journal journal;
     if (exists(inWork(kBack)))
         return readJournal(kBack, journal) ? goBack(journal) : ExchangeOutcome::Unfinished;

@@ -33,7 +33,7 @@ enum class ExchangeOutcome
 /// old ones are kept in `old`, and a journal says what belongs where. The journal's name is the state: before
 /// "journal.forward" stands nothing was touched; from then on every file is moved to its place; a failure renames it
 /// to "journal.back", and what was moved is taken back; "journal.done" stands until the program has seen its new
-/// version. The moves need no room on the disk.
+/// version. The moves need no room on the disk. A working folder that a link leads to is never looked into.
 ///
 /// Any thread, one object at a time for an installation, and only while no program of that installation can start:
 /// the caller holds the program's single-instance lock.
@@ -77,6 +77,7 @@ private:
         QStringList newFolders; ///< made for the new files, parents first
     };
 
+    [[nodiscard]] bool hasPlainWork() const;
     [[nodiscard]] QString inWork(const char *name) const;
     [[nodiscard]] QString keptPath(int index) const;
     [[nodiscard]] QString sparePath(int index, const char *purpose) const;

@@ -1,6 +1,7 @@
 #include "updater/UpdateRun.h"
 
 #include "platform/SingleInstanceChannel.h"
+#include "update/InstallationPath.h"
 #include "update/UpdateDecision.h"
 #include "update/UpdateFiles.h"
 #include "updater/ReleasePacket.h"
@@ -92,8 +93,10 @@ UpdateRun::UpdateRun(UpdateSite updateSite, QObject *parent)
 UpdateRun::~UpdateRun()
 {
     cancelled = true;
-    if (thread)
-        thread->wait(); // an exchange is never broken off
+    if (!thread)
+        return;
+    thread->wait(); // an exchange is never broken off
+    delete thread;  // its end is not heard of any more
 }
 
 QString UpdateRun::inTemp(const QString &name) const
@@ -106,6 +109,13 @@ QString UpdateRun::packetPath(const ReleaseFile &file) const
 {
     return inTemp(QLatin1String(kPacketFolder) + QLatin1Char('/') + QString::fromLatin1(file.archiveSha256.toHex()) +
                   QStringLiteral(".zip"));
+}
+
+/// False where a link would lead what is fetched into a folder that may be anybody's.
+bool UpdateRun::hasPlainPackets() const
+{
+    return leadsThroughPlainFolders(site.installation, QLatin1String(kUpdateFolder) + QLatin1Char('/') +
+                                                           QLatin1String(kPacketFolder) + QStringLiteral("/x"));
 }
 
 void UpdateRun::enter(Stage stage)
@@ -143,7 +153,7 @@ void UpdateRun::start()
         fail(UpdateFailure::NoKey);
         return;
     }
-    if (!QDir().mkpath(inTemp(QLatin1String(kPacketFolder)))) {
+    if (!hasPlainPackets() || !QDir().mkpath(inTemp(QLatin1String(kPacketFolder)))) {
         fail(UpdateFailure::DiskFull);
         return;
     }
@@ -267,6 +277,10 @@ void UpdateRun::fetchNextPacket()
         return;
     }
     const ReleaseFile &file = plan.fetched.at(nextPacket);
+    if (!hasPlainPackets()) {
+        fail(UpdateFailure::DiskFull, file.path);
+        return;
+    }
     afterFetch = [this](FetchResult result) {
         onPacketFetched(result);
     };

@@ -108,6 +108,7 @@ private:
     void inThread(const std::function<void()> &work, const std::function<void()> &then);
 
     [[nodiscard]] QString inTemp(const QString &name) const;
+    [[nodiscard]] bool hasPlainPackets() const;
     [[nodiscard]] QString packetPath(const ReleaseFile &file) const;
     [[nodiscard]] std::optional<ReleaseManifest> installedRelease() const;
 

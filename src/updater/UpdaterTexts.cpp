@@ -53,10 +53,12 @@ Text failureText(UpdateFailure failure)
         return {"The list of the update can't be read. Please download the new version from the website.",
                 "无法读取更新列表，请前往官网下载新版本。"};
     case UpdateFailure::OtherProduct:
-        return {"The update is not for this program. Nothing was installed.",
-                "此更新不适用于本程序，没有安装任何文件。"};
+        return {"The update is not for this program. Nothing was installed. Please download the new version from the "
+                "website.",
+                "此更新不适用于本程序，没有安装任何文件，请前往官网下载新版本。"};
     case UpdateFailure::NotNewer:
-        return {"The offered version is not newer than the installed one.", "服务器上的版本不比已安装的版本新。"};
+        return {"The offered version is not newer than the installed one. Please close this window.",
+                "服务器上的版本不比已安装的版本新，请关闭此更新程序。"};
     case UpdateFailure::NeedsHands:
         return {"This version is too old for an automatic update. Please download the new version from the website.",
                 "当前版本太旧，不支持自动更新，请前往官网下载新版本。"};
