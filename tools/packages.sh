@@ -3,7 +3,7 @@
 build_packages=(
     cmake ninja-build g++ ccache pkg-config
     qtbase5-dev libsm-dev libqt5x11extras5-dev libxcb-keysyms1-dev libquazip1-qt5-dev
-    nlohmann-json3-dev libbenchmark-dev
+    nlohmann-json3-dev libbenchmark-dev libsodium-dev minisign
 )
 # A virtual screen with a window manager, a compositor and a tray, and the tools that click and look.
 screen_packages=(

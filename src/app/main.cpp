@@ -1,6 +1,7 @@
 #include "app/OvrynDeck2.h"
 #include "config/Ovryn_ConfigFile.h"
 #include "device/Units.h"
+#include "platform/ExecutableName.h"
 #include "platform/FileSync.h"
 #include "platform/QtSingleApplication.h"
 #include "ui/Fonts.h"
@@ -8,23 +9,26 @@
 #include "ui/Ovryn_LanguageTable.h"
 #include "ui/Ovryn_MessageBox.h"
 #include "ui/UiStyle.h"
+#include "update/FileExchange.h"
+#include "update/UpdateFiles.h"
 #include "worker/WorkerThread.h"
 
 #include <QDate>
 #include <QDir>
 #include <QFont>
 #include <QIcon>
+#include <QProcess>
 #include <QScreen>
 #include <QTimer>
 
 #include <chrono>
 #include <cstdlib>
+#include <optional>
 #include <thread>
 
 namespace
 {
 
-const char *const kApplicationId = "Brindlex_OvrynDeck2";
 constexpr int kMessageTimeoutMs = 5000;
 
 /// The user's language is not known yet when the installation folder can't be entered, so the text has both.
@@ -92,9 +96,43 @@ void endWithoutTheDisplay()
     std::_Exit(EXIT_FAILURE); // the toolkit's own destructors would use a display that is gone
 }
 
-int run(int argc, char **argv)
+/// What to do after a look at the exchange of files of an update.
+enum class AfterUpdate
 {
-    QtSingleApplication application(QString::fromLatin1(kApplicationId), argc, argv);
+    GoOn,
+    Restart,
+    End,
+};
+
+/// Completes an exchange of files that was broken off, or takes it back. The process may then be of the other version
+/// than the files, so that it starts anew, with `restartArguments`.
+AfterUpdate settleUpdate(const Ovryn_LanguageTable &texts, QStringList &restartArguments)
+{
+    FileExchange exchange(QDir::current().canonicalPath());
+    switch (exchange.resume()) {
+    case ExchangeOutcome::Nothing:
+        break;
+    case ExchangeOutcome::CompletedBefore:
+        if (isReturnFromUpdater(QCoreApplication::arguments()))
+            break; // what follows clears temp and with it the mark of the completed exchange
+        restartArguments = QStringList(QString::fromLatin1(kCalledByUpdater)); // the return was broken off
+        return AfterUpdate::Restart;
+    case ExchangeOutcome::Completed:
+        restartArguments = QStringList(QString::fromLatin1(kCalledByUpdater));
+        return AfterUpdate::Restart;
+    case ExchangeOutcome::WentBack:
+        return AfterUpdate::Restart;
+    case ExchangeOutcome::Unfinished:
+        tell(texts.mainDialog.updateUnfinished, texts.language(), nullptr);
+        return AfterUpdate::End;
+    }
+    return AfterUpdate::GoOn;
+}
+
+/// The program from its start to its end. `restart` is set where it is to be started anew, with these arguments.
+int run(int argc, char **argv, std::optional<QStringList> &restart)
+{
+    QtSingleApplication application(QString::fromLatin1(kProgramId), argc, argv);
     if (!becomeTheInstance(application))
         return 0;
 
@@ -118,6 +156,13 @@ int run(int argc, char **argv)
     font.setFamily(QStringLiteral("微软雅黑"));
     QApplication::setFont(font);
     UiStyle::colorToolTips();
+
+    QStringList restartArguments;
+    const AfterUpdate next = settleUpdate(languageTable, restartArguments);
+    if (next == AfterUpdate::Restart)
+        restart = restartArguments;
+    if (next != AfterUpdate::GoOn)
+        return 0;
 
     OvrynDeck2 dialog;
     dialog.setWindowTitle(QStringLiteral("OvrynDeckII"));
@@ -170,7 +215,13 @@ int run(int argc, char **argv)
 
 int main(int argc, char **argv)
 {
-    const int exitCode = run(argc, argv);
+    std::optional<QStringList> restart;
+    const int exitCode = run(argc, argv, restart);
+    if (restart) { // only now, since this process has given its single-instance lock back
+        const QString folder = QDir::currentPath(); // the installation, entered by `run`
+        QProcess::startDetached(folder + QLatin1Char('/') + executableFileName(QStringLiteral("OvrynDeck2")),
+                                *restart);
+    }
     // A thread that hangs in the driver may continue at any time: nothing that it may use is destroyed.
     if (WorkerThread::abandonedCount() > 0)
         std::_Exit(exitCode);

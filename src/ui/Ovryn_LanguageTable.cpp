@@ -74,6 +74,9 @@ constexpr TextRow<Lang_MainDialog> kMainDialogTexts[] = {
     { &Lang_MainDialog::updateStartFailed,  "Failed to initialize auto update.", "自动更新程序启动失败！" },
     { &Lang_MainDialog::updateAsk,          "New version detected ,update now?", "检测到OvrynDeck II 新版本，是否更新？" },
     { &Lang_MainDialog::updateLatest,       "This is the latest version.",      "当前OvrynDeckII为最新版本！" },
+    { &Lang_MainDialog::updateUnfinished,   "An update was interrupted, and a file can't be replaced now. Please close other "
+                                            "programs and start OvrynDeck II again.",
+                                            "更新被中断，有文件暂时无法替换。请关闭其他程序后重新启动OvrynDeck II。" },
     { &Lang_MainDialog::highPerformance,    "GeForce GTX 1070 Ti detected,unlock high performance mode via this "
                                             "button.",
                                                                                 "检测到GeForce GTX 1070 Ti，"

@@ -28,6 +28,7 @@ struct Lang_MainDialog
     QString updateStartFailed;
     QString updateAsk;
     QString updateLatest;
+    QString updateUnfinished;
     QString highPerformance;
     QString onOff;
 };

@@ -10,17 +10,10 @@
 #include <QNetworkReply>
 #include <QNetworkRequest>
 
-namespace
-{
-
-const char *const kManifestOnServer = "/update_packets/OvrynDeck2_UpdateFiles/update_info.xml";
-
-} // namespace
-
 Ovryn_DownloadUpdateFileInfo::Ovryn_DownloadUpdateFileInfo(QObject *parent)
     : QObject(parent),
       manager(new QNetworkAccessManager(this)),
-      url(updateServer() + QString::fromLatin1(kManifestOnServer)),
+      url(updateServer() + QLatin1String(kPacketsPath) + QStringLiteral("update_info.xml")),
       savePath(QString::fromLatin1(kManifestPath))
 {
 }

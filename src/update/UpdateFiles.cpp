@@ -59,11 +59,21 @@ bool isReturnFromUpdater(const QStringList &arguments)
     return arguments.value(1) == QLatin1String(kCalledByUpdater);
 }
 
+QString installedUpdater(const QString &programFolder)
+{
+    // The name of the manifest first: that file is the successor of the one that the program was installed with.
+    for (const char *name : {kUpdaterFileName, kUpdaterName}) {
+        const QString path = QStandardPaths::findExecutable(QString::fromLatin1(name), {programFolder});
+        if (!path.isEmpty())
+            return path;
+    }
+    return {};
+}
+
 QString updaterProgram(const QString &programFolder)
 {
-    const QString name = QString::fromLatin1(kUpdaterName);
-    const QString beside = QStandardPaths::findExecutable(name, {programFolder});
-    return beside.isEmpty() ? name : beside;
+    const QString beside = installedUpdater(programFolder);
+    return beside.isEmpty() ? QString::fromLatin1(kUpdaterName) : beside;
 }
 
 void clearFolder(const QString &path)
@@ -107,7 +117,11 @@ void extractUpdater(const QList<UpdateFileInfo> &fileInfos)
 
     QFile::remove(target);
     // Through a link that stays the new file could go anywhere.
-    if (!isLink(QFileInfo(target)) && !isLinkInArchive(zipPath, updater))
+    if (!isLink(QFileInfo(target)) && !isLinkInArchive(zipPath, updater)) {
         JlCompress::extractFile(zipPath, updater, target);
+        // An archive need not say that the file may be run.
+        QFile::setPermissions(target, QFile::permissions(target) | QFile::ExeOwner | QFile::ExeUser |
+                                          QFile::ExeGroup | QFile::ExeOther);
+    }
     QFile::remove(zipPath);
 }

@@ -13,6 +13,9 @@
 constexpr const char *kUpdateFolder = "temp";
 constexpr const char *kManifestPath = "temp/update_info.xml";
 
+/// The program's identifier, whose single-instance lock the updater holds while it exchanges files.
+constexpr const char *kProgramId = "Brindlex_OvrynDeck2";
+
 /// The first argument of the two programs when one starts the other.
 constexpr const char *kCalledByProgram = "_OvrynDeck2";
 constexpr const char *kCalledByUpdater = "_OvrynUpdate";
@@ -23,6 +26,10 @@ constexpr const char *kCalledByUpdater = "_OvrynUpdate";
 /// The updater, to be started: the executable beside this program, as users expect it, or else the bare name, which
 /// the system looks up in its own way. (On Windows that search begins beside the program, elsewhere it never does.)
 [[nodiscard]] QString updaterProgram(const QString &programFolder);
+
+/// The updater's executable beside the program; empty where there is none. An update leaves it under the manifest's
+/// name, "OvrynUpdate.exe", on every system, and that one goes before the one that was installed first.
+[[nodiscard]] QString installedUpdater(const QString &programFolder);
 
 /// Removes everything in the folder, hidden files too, and leaves the folder itself. A link in it counts as a file:
 /// only the link is removed. A folder that is a link itself stays as it is: its target may belong to another program.

@@ -12,3 +12,6 @@
 /// The function has a source of its own, so that a test program can define it and use its own server. The shipped
 /// program has no switch for it.
 [[nodiscard]] QString updateServer();
+
+/// The folder of the manifest and its signature on that server.
+constexpr const char *kPacketsPath = "/update_packets/OvrynDeck2_UpdateFiles/";

@@ -85,11 +85,12 @@ QString withoutLineComment(const QString &line)
     return line.section(QStringLiteral("//"), 0, 0);
 }
 
-/// A header of the C++ library, of Qt as it is on every system, or of the archive library.
+/// A header of the C++ library, of Qt as it is on every system, of the archive library, or of the one that checks
+/// signatures.
 bool isPortableHeader(const QString &name)
 {
     static const QRegularExpression portable(
-        QStringLiteral("^(?:[a-z_]+|Q[A-Za-z0-9]+|(?:JlCompress|quazip\\w*)\\.h)$"));
+        QStringLiteral("^(?:[a-z_]+|Q[A-Za-z0-9]+|(?:JlCompress|quazip\\w*|sodium)\\.h)$"));
     static const QRegularExpression ofOneSystem(QStringLiteral("^Q(?:t?X11|t?Win(?!dow)|t?Mac|t?DBus|t?Ax)"));
     return portable.match(name).hasMatch() && !ofOneSystem.match(name).hasMatch();
 }

@@ -39,6 +39,10 @@ const Expected kExpected[] = {
       "检测到新版本OvrynDeckII，但当前版本太旧，不支持自动更新到新版本，您可以前往官网(" OVRYN_VENDOR_SITE
       ")下载OvrynDeckII 最新版本。" },
     { TEXT(mainDialog.updateStartFailed), "Failed to initialize auto update.", "自动更新程序启动失败！" },
+    { TEXT(mainDialog.updateUnfinished),
+      "An update was interrupted, and a file can't be replaced now. Please close other programs and start OvrynDeck II "
+      "again.",
+      "更新被中断，有文件暂时无法替换。请关闭其他程序后重新启动OvrynDeck II。" },
     { TEXT(mainDialog.updateAsk), "New version detected ,update now?", "检测到OvrynDeck II 新版本，是否更新？" },
     { TEXT(mainDialog.updateLatest), "This is the latest version.", "当前OvrynDeckII为最新版本！" },
     { TEXT(mainDialog.highPerformance),

@@ -1,0 +1,6 @@
+#include "platform/ExecutableName.h"
+
+QString executableFileName(const QString &program)
+{
+    return program + QStringLiteral(".exe");
+}

@@ -1,0 +1,6 @@
+#include "updater/ReleaseKeys.h"
+
+QByteArray releaseKeys()
+{
+    return QByteArrayLiteral(OVRYN_RELEASE_KEYS);
+}
