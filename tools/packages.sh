@@ -8,7 +8,7 @@ build_packages=(
 # A virtual screen with a window manager, a compositor and a tray, and the tools that click and look.
 screen_packages=(
     xvfb openbox picom trayer xdotool wmctrl x11-utils x11-xserver-utils imagemagick
-    dbus-x11 xauth
+    dbus-x11 xauth nginx-light
 )
 
 # ensure_packages NAME...: installs what is missing, as root or through sudo; elsewhere names it and ends.

@@ -151,9 +151,12 @@ ExchangeOutcome FileExchange::exchange(const QVector<ExchangedFile> &files)
         }
         paths.insert(path);
     }
-    if (!keepOld(journal) || !writeJournal(journal))
-        return ExchangeOutcome::WentBack;
-    return goForward(journal);
+    if (keepOld(journal) && writeJournal(journal))
+        return goForward(journal);
+    // Nothing was moved yet; a journal that might not last is taken away.
+    if (exists(inWork(kForward)) && !QFile::remove(inWork(kForward)))
+        return ExchangeOutcome::Unfinished;
+    return ExchangeOutcome::WentBack;
 }
 
 ExchangeOutcome FileExchange::resume()

@@ -1,12 +1,6 @@
 #include "update/UpdateDecision.h"
 
 #include "config/ConfigRecords.h"
-#include "ui/ProgramVersion.h"
-
-QString ownVersion()
-{
-    return QString::fromLatin1(kProgramVersion);
-}
 
 bool isNewerVersion(const QString &version, const QString &own)
 {

@@ -137,3 +137,15 @@ void ProgramTest::openSettings(InstalledProgram &program, qint64 window, QPoint 
     QVERIFY(pictureChanges(before, place));
     QTRY_VERIFY_WITH_TIMEOUT(differingPixels(screen.picture(), screen.picture(), place) == 0, kPatienceMs);
 }
+
+void ProgramTest::clickDetectUpdate(InstalledProgram &program, qint64 window)
+{
+    const QPoint button = settingControl(QStringLiteral("btnDetectUpdate"));
+    QVERIFY(!button.isNull());
+    const QImage before = screen.picture();
+    const QRect around = onScreen(window, QRect(button - QPoint(40, 10), QSize(80, 20)));
+    program.clickIn(window, layout.settingButton.center());
+    QVERIFY(pictureChanges(before, around));
+    QTRY_VERIFY_WITH_TIMEOUT(differingPixels(screen.picture(), screen.picture(), around) == 0, kPatienceMs);
+    program.clickIn(window, button);
+}

@@ -41,6 +41,8 @@ protected:
     void closeByButton(InstalledProgram &program, qint64 window);
     /// Slides the settings in until that control has come to rest.
     void openSettings(InstalledProgram &program, qint64 window, QPoint control);
+    /// Slides the settings in and presses the button that looks for an update.
+    void clickDetectUpdate(InstalledProgram &program, qint64 window);
     [[nodiscard]] bool pictureChanges(const QImage &before, const QRect &screenRect) const;
     /// Where a control of the settings page lies in the main window; null when there is no such control.
     [[nodiscard]] QPoint settingControl(const QString &objectName) const;

@@ -27,7 +27,6 @@ private slots:
     void serverThatIsDown();
 
 private:
-    void clickDetectUpdate(InstalledProgram &program, qint64 window);
     [[nodiscard]] bool samplesGoOn(const InstalledProgram &program) const;
 };
 
@@ -115,18 +114,6 @@ public:
 };
 
 } // namespace
-
-void TestUpdate::clickDetectUpdate(InstalledProgram &program, qint64 window)
-{
-    const QPoint button = settingControl(QStringLiteral("btnDetectUpdate"));
-    QVERIFY(!button.isNull());
-    const QImage before = screen.picture();
-    const QRect around = onScreen(window, QRect(button - QPoint(40, 10), QSize(80, 20)));
-    program.clickIn(window, layout.settingButton.center());
-    QVERIFY(pictureChanges(before, around));
-    QTRY_VERIFY_WITH_TIMEOUT(differingPixels(screen.picture(), screen.picture(), around) == 0, kPatienceMs);
-    program.clickIn(window, button);
-}
 
 /// The program has continued for some cycles without a box.
 bool TestUpdate::samplesGoOn(const InstalledProgram &program) const
