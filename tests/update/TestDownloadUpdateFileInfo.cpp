@@ -59,13 +59,12 @@ private:
         file.write(content);
     }
 
-    /// How many requests the server gets until a later one of another downloader is answered: an earlier one has
+    /// How many requests the server gets until the downloader's next one is answered: one that it sent before has
     /// arrived by then.
-    int requestsUntilALaterOneIsAnswered()
+    int requestsUntilTheNextIsAnswered(Ovryn_DownloadUpdateFileInfo &downloader)
     {
-        Ovryn_DownloadUpdateFileInfo later(nullptr);
-        QSignalSpy spy(&later, SIGNAL(downloadFinished(bool)));
-        later.startDownload();
+        QSignalSpy spy(&downloader, SIGNAL(downloadFinished(bool)));
+        downloader.startDownload();
         return spy.wait(kPatienceMs) ? server->requests().size() : -1;
     }
 
@@ -373,7 +372,7 @@ void TestDownloadUpdateFileInfo::earlierManifestThatCouldOnlyBeWritten()
     QCOMPARE(reported(spy), QList<bool>{false});
     QCOMPARE(downloader.currentState(), 2);
     QCOMPARE(saved(), QByteArray("earlier"));
-    QCOMPARE(requestsUntilALaterOneIsAnswered(), 1);
+    QCOMPARE(requestsUntilTheNextIsAnswered(downloader), 1);
 #else
     QSKIP("only one platform lets a file be written that cannot be removed");
 #endif
@@ -391,7 +390,7 @@ void TestDownloadUpdateFileInfo::fileThatCannotBeOpened()
     }
     QCOMPARE(reported(spy), QList<bool>{false});
     QCOMPARE(downloader.currentState(), 2);
-    QCOMPARE(requestsUntilALaterOneIsAnswered(), 1);
+    QCOMPARE(requestsUntilTheNextIsAnswered(downloader), 1);
 #else
     QSKIP("only one platform has a limit of open files");
 #endif
