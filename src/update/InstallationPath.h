@@ -11,7 +11,8 @@
 constexpr int kInstalledPathLengthMax = 120;
 
 /// True for a relative path of plain names with "/" between them that no system reads in another way: letters, digits
-/// and "._+- " only, no "." or "..", no name that ends with a point or a blank, no device name of Windows.
+/// and "._+- " only, no "." or "..", no name that ends with a point or begins or ends with a blank, no device name of
+/// Windows.
 [[nodiscard]] bool isPlainRelativePath(const QString &path);
 
 /// True for a plain relative path of a file that an update may install: not the settings file, which is the program's

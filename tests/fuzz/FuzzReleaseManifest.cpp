@@ -43,7 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const quint8 *data, size_t size)
         require(file.sha256.size() == 32 && file.archiveSha256.size() == 32, "both have a hash");
         require(!paths.contains(file.path.toLower()), "no file is listed twice");
         paths.insert(file.path.toLower());
-        total += file.size;
+        total += file.size + file.archiveSize;
     }
     require(total <= kReleaseBytesMax, "a release fits on a disk");
 

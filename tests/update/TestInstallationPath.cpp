@@ -61,6 +61,8 @@ void TestInstallationPath::plainPaths_data()
     QTest::newRow("point last") << "file." << false;
     QTest::newRow("point last in a folder") << "a./file" << false;
     QTest::newRow("blank last") << "file " << false;
+    QTest::newRow("blank first") << " file" << false;
+    QTest::newRow("blank first in a folder") << "a/ file" << false;
     QTest::newRow("blank last in a folder") << "a /file" << false;
     QTest::newRow("points with a blank") << ".. /file" << false;
     QTest::newRow("blank alone") << " " << false;
