@@ -44,7 +44,11 @@ QString SingleInstanceChannel::endMarkName(const QString &id)
 }
 
 SingleInstanceChannel::SingleInstanceChannel(const QString &id, QObject *parent)
-    : QObject(parent), address(serverAddress(id)), endMark(endMarkName(id)), lock(lockFileName(id))
+    : QObject(parent),
+      address(serverAddress(id)),
+      endMark(endMarkName(id)),
+      lockName(lockFileName(id)),
+      lock(lockName)
 {
     lock.setStaleLockTime(0); // a lock never grows stale by age, only by the end of its process
     connect(&server, SIGNAL(newConnection()), this, SLOT(onNewConnection()));
@@ -67,13 +71,18 @@ bool SingleInstanceChannel::takeLock()
 {
     if (lock.tryLock())
         return true;
-    if (lock.error() != QLockFile::LockFailedError || !lockNamesNobody())
+    if (lock.error() != QLockFile::LockFailedError)
         return false;
-    // Its process is just writing its name, or was killed before it could. The file of a living one cannot be
-    // removed: it is locked in the system's sense, too.
-    if (lock.tryLock(kLockWriteMs))
+    // Its process is just writing its name, or was killed before it could.
+    const bool waited = lockNamesNobody();
+    if (waited && lock.tryLock(kLockWriteMs))
         return true;
-    return lockNamesNobody() && lock.removeStaleLockFile() && lock.tryLock();
+    // It names a process that lives. That may be another one than the one that was killed with the lock, since the
+    // system gives numbers of processes again: another user's, or this very one. The file of a living holder cannot
+    // be removed, for the system locks it as well, before the name is written. One start at a time removes, by the
+    // lock that the toolkit takes for it, too: the next one would remove the file of the new holder.
+    QLockFile removal(lockName + QStringLiteral(".rmlock"));
+    return removal.tryLock() && (waited || !lockNamesNobody()) && lock.removeStaleLockFile() && lock.tryLock();
 }
 
 bool SingleInstanceChannel::lockNamesNobody() const

@@ -36,8 +36,8 @@ public:
     /// well to wait for its place.
     void announceEnd();
 
-    /// Waits for the place of a first process that has announced its end. True when this process is the first one now;
-    /// false at once where none was announced, and when the place is not free within the time.
+    /// Waits for the place of a first process that has announced its end. True when this process is the first one
+    /// now; false at once where none was announced, and when the place is not free within the time.
     bool waitForEndOfFirst(int timeoutMs);
 
     /// How long a peer may take from connecting to the end of its message.
@@ -63,6 +63,7 @@ private:
 
     QString address;
     QString endMark;
+    QString lockName;
     int peerTimeoutMs = 5000;
     QLockFile lock;      // is released after the server
     QLocalServer server; // owns the sockets of its peers
