@@ -1,5 +1,5 @@
-#include "monitor/CreateBreathCircleAndWaveCircleThread.h"
-#include "monitor/Ovryn_GpuInfoCircleBox.h"
+#include "monitor/gauge/CreateBreathCircleAndWaveCircleThread.h"
+#include "monitor/gauge/Ovryn_GpuInfoCircleBox.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,8 +1,8 @@
 #include "device/NvGpuControl.h"
 #include "device/nvapi/NvApi.h"
-#include "monitor/Ovryn_BaseMonitorBox.h"
-#include "monitor/Ovryn_NvCardInfoWidget.h"
-#include "monitor/Ovryn_SendNvCardInfoThread.h"
+#include "monitor/graphs/Ovryn_BaseMonitorBox.h"
+#include "monitor/graphs/Ovryn_NvCardInfoWidget.h"
+#include "monitor/sampling/Ovryn_SendNvCardInfoThread.h"
 #include "ui/Fonts.h"
 
 #include <QApplication>

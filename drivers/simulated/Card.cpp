@@ -60,10 +60,10 @@ Card::Card(CardParameters cardParameters) : parameters(std::move(cardParameters)
         lcd.emplace();
 
     const ThermalParameters &thermal = parameters.thermal;
-    readings.temperatureC = thermal.ambientC + parameters.power.idleW / thermal.stillConductanceWK;
+    state.temperatureC = thermal.ambientC + parameters.power.idleW / thermal.stillConductanceWK;
     warmLoadPercent = loadPercentAt(parameters.load, 0);
-    readings.temperatureC = thermal.pinnedC.value_or(readings.temperatureC);
-    readings.fanPercent = meanAimPercent();
+    state.temperatureC = thermal.pinnedC.value_or(state.temperatureC);
+    state.fanPercent = meanAimPercent();
     step(0, 0);
 }
 
@@ -83,14 +83,14 @@ void Card::advanceTo(double simulatedMs)
 qint64 Card::wantedGraphicsKHz() const
 {
     const ClockParameters &clocks = parameters.clocks;
-    if (readings.loadPercent < kIdleBelowPercent)
+    if (state.loadPercent < kIdleBelowPercent)
         return clocks.idleKHz;
-    if (readings.loadPercent < kBaseBelowPercent)
+    if (state.loadPercent < kBaseBelowPercent)
         return qint64(clocks.baseKHz) + settings.graphicsOffsetKHz;
-    const double way = (readings.loadPercent - kBaseBelowPercent) / (kBoostFromPercent - kBaseBelowPercent);
+    const double way = (state.loadPercent - kBaseBelowPercent) / (kBoostFromPercent - kBaseBelowPercent);
     const double reach = double(clocks.boostKHz) - clocks.baseKHz;
     const double unreached = std::floor(reach * (1.0 - std::min(way, 1.0)) / kClockBinKHz);
-    const double warmBins = std::max(0.0, std::floor((readings.temperatureC - kBoostFadesAboveC) / kBoostFadeK));
+    const double warmBins = std::max(0.0, std::floor((state.temperatureC - kBoostFadesAboveC) / kBoostFadeK));
     return qint64(clocks.boostKHz) + settings.graphicsOffsetKHz -
            static_cast<qint64>(unreached + warmBins) * kClockBinKHz;
 }
@@ -110,61 +110,60 @@ double Card::powerAt(qint64 graphicsKHz) const
     const PowerParameters &power = parameters.power;
     const double speed = static_cast<double>(graphicsKHz) / std::max(1u, parameters.clocks.boostKHz);
     const double tension = voltageAt(graphicsKHz) / std::max(1u, parameters.voltage.full_uV);
-    return power.idleW + (power.fullLoadW - power.idleW) * readings.loadPercent / 100.0 * speed * tension * tension;
+    return power.idleW + (power.fullLoadW - power.idleW) * state.loadPercent / 100.0 * speed * tension * tension;
 }
 
 void Card::step(double simulatedMs, double seconds)
 {
-    readings.loadPercent = loadPercentAt(parameters.load, simulatedMs);
-    warmLoadPercent += (readings.loadPercent - warmLoadPercent) * covered(seconds, kMemorySettlesS);
+    state.loadPercent = loadPercentAt(parameters.load, simulatedMs);
+    warmLoadPercent += (state.loadPercent - warmLoadPercent) * covered(seconds, kMemorySettlesS);
 
     // a driver holds the temperature limit by taking clock away bit by bit, and gives it back alike
     const double limitC = settings.temperatureLimit256 / 256.0;
     const qint64 idleKHz = parameters.clocks.idleKHz;
     const qint64 wantedKHz = wantedGraphicsKHz();
-    if (readings.temperatureC > limitC)
+    if (state.temperatureC > limitC)
         thermalCutKHz += kThermalCutKHzPerSecond * seconds;
-    else if (readings.temperatureC < limitC - 1)
+    else if (state.temperatureC < limitC - 1)
         thermalCutKHz -= kThermalCutKHzPerSecond * seconds;
     thermalCutKHz = std::clamp(thermalCutKHz, 0.0, std::max(0.0, static_cast<double>(wantedKHz - idleKHz)));
 
     qint64 graphicsKHz = wantedKHz - static_cast<qint64>(thermalCutKHz) / kClockBinKHz * kClockBinKHz;
-    readings.temperatureLimited = graphicsKHz < wantedKHz;
+    state.temperatureLimited = graphicsKHz < wantedKHz;
     const double limitW = parameters.power.nominalW * settings.powerLimit / 100000.0;
-    readings.powerLimited = false;
+    state.powerLimited = false;
     while (graphicsKHz - kClockBinKHz >= idleKHz && powerAt(graphicsKHz) > limitW) {
         graphicsKHz -= kClockBinKHz;
-        readings.powerLimited = true;
+        state.powerLimited = true;
     }
-    readings.graphicsKHz = std::max<qint64>(graphicsKHz, 0);
-    readings.memoryKHz = readings.loadPercent < kIdleBelowPercent
-                             ? qint64(parameters.clocks.memoryIdleKHz)
-                             : std::max<qint64>(qint64(parameters.clocks.memoryKHz) + settings.memoryOffsetKHz, 0);
-    readings.voltage_uV = voltageAt(readings.graphicsKHz);
-    readings.powerW = powerAt(readings.graphicsKHz);
+    state.graphicsKHz = std::max<qint64>(graphicsKHz, 0);
+    state.memoryKHz = state.loadPercent < kIdleBelowPercent
+                          ? qint64(parameters.clocks.memoryIdleKHz)
+                          : std::max<qint64>(qint64(parameters.clocks.memoryKHz) + settings.memoryOffsetKHz, 0);
+    state.voltage_uV = voltageAt(state.graphicsKHz);
+    state.powerW = powerAt(state.graphicsKHz);
 
     const double reach = parameters.fan.percentPerSecond * seconds;
-    readings.fanPercent += std::clamp(meanAimPercent() - readings.fanPercent, -reach, reach);
+    state.fanPercent += std::clamp(meanAimPercent() - state.fanPercent, -reach, reach);
 
     const ThermalParameters &thermal = parameters.thermal;
     const double conductance = thermal.stillConductanceWK +
-                               (thermal.fullConductanceWK - thermal.stillConductanceWK) * readings.fanPercent / 100.0;
-    const double settledC = thermal.ambientC + readings.powerW / conductance;
-    readings.temperatureC +=
-        (settledC - readings.temperatureC) * covered(seconds, thermal.heatCapacityJK / conductance);
+                               (thermal.fullConductanceWK - thermal.stillConductanceWK) * state.fanPercent / 100.0;
+    const double settledC = thermal.ambientC + state.powerW / conductance;
+    state.temperatureC += (settledC - state.temperatureC) * covered(seconds, thermal.heatCapacityJK / conductance);
     if (thermal.pinnedC)
-        readings.temperatureC = *thermal.pinnedC;
+        state.temperatureC = *thermal.pinnedC;
 
     const MemoryParameters &memory = parameters.memory;
     const double usedKB =
         memory.idleUsedKB + (double(memory.loadUsedKB) - memory.idleUsedKB) * warmLoadPercent / 100.0;
-    readings.memoryUsedKB = static_cast<quint32>(std::clamp(usedKB, 0.0, double(memory.totalKB)));
+    state.memoryUsedKB = static_cast<quint32>(std::clamp(usedKB, 0.0, double(memory.totalKB)));
 }
 
 double Card::coolerAimPercent(std::size_t cooler) const
 {
     const CardSettings::Cooler &setting = settings.coolers.at(cooler);
-    const double curve = curvePercent(parameters.fan.curve, readings.temperatureC);
+    const double curve = curvePercent(parameters.fan.curve, state.temperatureC);
     switch (setting.policy) {
     case kCoolerPolicyManual:
         return setting.manualPercent;
@@ -189,13 +188,13 @@ quint32 Card::fanRpm() const
 {
     if (!parameters.fan.tachometer || settings.coolers.empty())
         return 0;
-    return static_cast<quint32>(std::lround(readings.fanPercent / 100.0 * parameters.fan.maximumRpm));
+    return static_cast<quint32>(std::lround(state.fanPercent / 100.0 * parameters.fan.maximumRpm));
 }
 
 qint32 Card::boardTemperature16(const BoardSensorParameters &sensor) const
 {
     const double ambientC = parameters.thermal.ambientC;
-    const double degrees = sensor.pinnedC.value_or(ambientC + sensor.share * (readings.temperatureC - ambientC));
+    const double degrees = sensor.pinnedC.value_or(ambientC + sensor.share * (state.temperatureC - ambientC));
     return static_cast<qint32>(std::lround(degrees * 16.0));
 }
 

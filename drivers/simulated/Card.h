@@ -31,7 +31,7 @@ struct CardSettings
 };
 
 /// What the card does now.
-struct CardReadings
+struct CardState
 {
     double loadPercent = 0;
     qint64 graphicsKHz = 0;
@@ -63,7 +63,7 @@ struct Card
 
     CardParameters parameters;
     CardSettings settings;
-    CardReadings readings;
+    CardState state;
     std::optional<LedController> led;
     std::optional<LcdController> lcd;
     bool lost = false; ///< the driver has forgotten the card: its handle is unknown from now on

@@ -24,7 +24,7 @@ quint32 drawOf(const Card &card, std::size_t channel)
 {
     const double share = channel == 0 ? 1.0 : kChipShare;
     const double nominalW = std::max(card.parameters.power.nominalW, 1.0);
-    return static_cast<quint32>(std::lround(card.readings.powerW * share / nominalW * kThousandthsOfPercent));
+    return static_cast<quint32>(std::lround(card.state.powerW * share / nominalW * kThousandthsOfPercent));
 }
 
 } // namespace

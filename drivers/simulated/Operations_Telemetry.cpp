@@ -63,7 +63,7 @@ NvAPI_Status Operations::NvAPI_GPU_GetFBWidthAndLocation(NvPhysicalGpuHandle, qu
 NvAPI_Status Operations::NvAPI_GPU_GetMemoryInfo(NvPhysicalGpuHandle, NvApiMemoryInfo *record)
 {
     const MemoryParameters &memory = card().parameters.memory;
-    const quint32 freeKB = memory.totalKB - std::min(card().readings.memoryUsedKB, memory.totalKB);
+    const quint32 freeKB = memory.totalKB - std::min(card().state.memoryUsedKB, memory.totalKB);
     NvApiMemoryInfo answer{};
     answer.dedicatedVideoMemory = memory.totalKB;
     answer.systemVideoMemory = memory.systemKB;
@@ -82,8 +82,8 @@ NvAPI_Status Operations::NvAPI_GPU_GetMemoryInfo(NvPhysicalGpuHandle, NvApiMemor
 NvAPI_Status Operations::NvAPI_GPU_GetAllClockFrequencies(NvPhysicalGpuHandle, NvApiClockFrequencies *record)
 {
     const ClockParameters &clocks = card().parameters.clocks;
-    qint64 graphicsKHz = card().readings.graphicsKHz;
-    qint64 memoryKHz = card().readings.memoryKHz;
+    qint64 graphicsKHz = card().state.graphicsKHz;
+    qint64 memoryKHz = card().state.memoryKHz;
     switch (record->clockType & kClockTypeMask) {
     case kClockTypeCurrent:
         break;
@@ -111,7 +111,7 @@ NvAPI_Status Operations::NvAPI_GPU_GetDynamicPstatesInfoEx(NvPhysicalGpuHandle, 
     for (const quint32 domain : card().parameters.utilizationDomains) {
         if (domain >= std::size(kUtilizationShares))
             continue;
-        const double percent = card().readings.loadPercent * kUtilizationShares[domain];
+        const double percent = card().state.loadPercent * kUtilizationShares[domain];
         answer.utilization[domain] = {1, static_cast<quint32>(std::lround(percent))};
     }
     writeAnswer(record, answer);
@@ -130,7 +130,7 @@ NvAPI_Status Operations::NvAPI_GPU_GetThermalSettings(NvPhysicalGpuHandle, quint
     answer.count = answeredCount<quint32>(sensors - first);
     for (std::size_t i = first; i < sensors; ++i) {
         const qint32 target = thermal.sensorTargets[i];
-        const double degrees = target == kThermalTargetGpu ? card().readings.temperatureC : thermal.ambientC;
+        const double degrees = target == kThermalTargetGpu ? card().state.temperatureC : thermal.ambientC;
         answer.sensor[i - first] = {kThermalController, thermal.sensorMinimumC, thermal.sensorMaximumC,
                                     static_cast<qint32>(std::lround(degrees)), target};
     }

@@ -25,19 +25,19 @@ double oneDecimal(double value)
 
 ordered_json readingsOf(const Card &card)
 {
-    const CardReadings &readings = card.readings;
+    const CardState &state = card.state;
     return {
-        {"loadPercent", oneDecimal(readings.loadPercent)},
-        {"graphicsKHz", readings.graphicsKHz},
-        {"memoryKHz", readings.memoryKHz},
-        {"voltage_uV", std::lround(readings.voltage_uV)},
-        {"powerW", oneDecimal(readings.powerW)},
-        {"temperatureC", oneDecimal(readings.temperatureC)},
-        {"fanPercent", oneDecimal(readings.fanPercent)},
+        {"loadPercent", oneDecimal(state.loadPercent)},
+        {"graphicsKHz", state.graphicsKHz},
+        {"memoryKHz", state.memoryKHz},
+        {"voltage_uV", std::lround(state.voltage_uV)},
+        {"powerW", oneDecimal(state.powerW)},
+        {"temperatureC", oneDecimal(state.temperatureC)},
+        {"fanPercent", oneDecimal(state.fanPercent)},
         {"fanRpm", card.fanRpm()},
-        {"memoryUsedKB", readings.memoryUsedKB},
-        {"powerLimited", readings.powerLimited},
-        {"temperatureLimited", readings.temperatureLimited},
+        {"memoryUsedKB", state.memoryUsedKB},
+        {"powerLimited", state.powerLimited},
+        {"temperatureLimited", state.temperatureLimited},
     };
 }
 

@@ -1,14 +1,14 @@
 #include "app/CardPageSet.h"
 
 #include "app/PageTimings.h"
-#include "board/Ovryn_BoardInfoMainWidget.h"
-#include "board/Ovryn_ColorPaletteBox.h"
+#include "board/led/Ovryn_ColorPaletteBox.h"
+#include "board/temperatures/Ovryn_BoardInfoMainWidget.h"
 #include "config/Ovryn_ConfigFile.h"
 #include "device/NvGpuControl.h"
 #include "guard/FanGuard.h"
-#include "monitor/Ovryn_GpuFixedInfo.h"
-#include "monitor/Ovryn_GpuInfoCircleBox.h"
-#include "monitor/Ovryn_NvCardInfoWidget.h"
+#include "monitor/gauge/Ovryn_GpuInfoCircleBox.h"
+#include "monitor/graphs/Ovryn_NvCardInfoWidget.h"
+#include "monitor/information/Ovryn_GpuFixedInfo.h"
 #include "ui/Ovryn_LanguageTable.h"
 
 namespace

@@ -1,11 +1,11 @@
 #include "app/OvrynDeck2.h"
 
 #include "app/MainDialogStyle.h"
+#include "app/Ovryn_BackgroundEffects.h"
 #include "app/Tray.h"
 #include "app/UpdateFlow.h"
 #include "device/NvGpuControl.h"
 #include "guard/FanGuard.h"
-#include "monitor/Ovryn_BackgroundEffects.h"
 #include "overclock/Ovryn_OverClockingWidget.h"
 #include "platform/EndSignals.h"
 #include "platform/FileSync.h"

@@ -1,6 +1,6 @@
 #include "app/OvrynDeck2.h"
 
-#include "monitor/Ovryn_BackgroundEffects.h"
+#include "app/Ovryn_BackgroundEffects.h"
 #include "overclock/Ovryn_OverClockingWidget.h"
 #include "ui/MessageBoxes.h"
 #include "ui/Ovryn_MessageBox1.h"

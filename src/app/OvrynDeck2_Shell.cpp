@@ -3,11 +3,11 @@
 #include "app/Tray.h"
 #include "app/UpdateFlow.h"
 #include "device/Units.h"
-#include "device/WorkerThread.h"
 #include "platform/AutoStart.h"
 #include "platform/QtSingleApplication.h"
 #include "ui/MessageBoxes.h"
 #include "ui/Ovryn_SettingParentWidget.h"
+#include "worker/WorkerThread.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "board/Ovryn_LCDControllorWidget.h"
-#include "board/Ovryn_LEDControlWidget.h"
-#include "monitor/Ovryn_SendNvCardInfoThread.h"
+#include "board/lcd/Ovryn_LCDControllorWidget.h"
+#include "board/led/Ovryn_LEDControlWidget.h"
+#include "monitor/sampling/Ovryn_SendNvCardInfoThread.h"
 #include "overclock/Ovryn_OverClockingWidget.h"
 
 /// The pauses of the cards' pages, which tests shorten.

@@ -1,13 +1,13 @@
 #include "app/OvrynDeck2.h"
 #include "config/Ovryn_ConfigFile.h"
 #include "device/Units.h"
-#include "device/WorkerThread.h"
 #include "platform/FileSync.h"
 #include "platform/QtSingleApplication.h"
 #include "ui/Fonts.h"
 #include "ui/Ovryn_LanguageTable.h"
 #include "ui/Ovryn_MessageBox.h"
 #include "ui/UiStyle.h"
+#include "worker/WorkerThread.h"
 
 #include <QDate>
 #include <QDir>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "device/WorkerThread.h"
+#include "worker/WorkerThread.h"
 
 #include <QList>
 #include <QPoint>

@@ -1,11 +1,11 @@
 #include "app/OvrynDeck2.h"
-#include "board/Ovryn_BoardInfoMainWidget.h"
-#include "board/Ovryn_BoardInfoMonitorWidget.h"
-#include "board/Ovryn_BoardInfoWidget.h"
+#include "board/temperatures/Ovryn_BoardInfoMainWidget.h"
+#include "board/temperatures/Ovryn_BoardInfoMonitorWidget.h"
+#include "board/temperatures/Ovryn_BoardInfoWidget.h"
 #include "device/nvapi/NvApi.h"
-#include "monitor/Ovryn_BaseInfoRow.h"
-#include "monitor/Ovryn_BaseMonitorBox.h"
-#include "monitor/Ovryn_SendNvCardInfoThread.h"
+#include "monitor/graphs/Ovryn_BaseInfoRow.h"
+#include "monitor/graphs/Ovryn_BaseMonitorBox.h"
+#include "monitor/sampling/Ovryn_SendNvCardInfoThread.h"
 #include "support/CheckedDriver.h"
 
 #include <QCheckBox>

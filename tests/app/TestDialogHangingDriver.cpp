@@ -1,6 +1,6 @@
 #include "app/MainDialogTest.h"
-#include "device/WorkerThread.h"
-#include "monitor/Ovryn_SendNvCardInfoThread.h"
+#include "monitor/sampling/Ovryn_SendNvCardInfoThread.h"
+#include "worker/WorkerThread.h"
 
 #include <QSemaphore>
 

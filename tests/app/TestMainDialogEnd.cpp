@@ -1,6 +1,6 @@
 #include "app/MainDialogTest.h"
 #include "config/Ovryn_ConfigFile.h"
-#include "monitor/Ovryn_SendNvCardInfoThread.h"
+#include "monitor/sampling/Ovryn_SendNvCardInfoThread.h"
 #include "overclock/AdjustCalls.h"
 #include "support/ModalAnswer.h"
 

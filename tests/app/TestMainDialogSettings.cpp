@@ -1,6 +1,6 @@
 #include "app/MainDialogTest.h"
-#include "monitor/CreateBreathCircleAndWaveCircleThread.h"
-#include "monitor/Ovryn_GpuInfoCircleBox.h"
+#include "monitor/gauge/CreateBreathCircleAndWaveCircleThread.h"
+#include "monitor/gauge/Ovryn_GpuInfoCircleBox.h"
 #include "support/ModalAnswer.h"
 #include "ui/Ovryn_MessageBox.h"
 #include "ui/Ovryn_SettingParentWidget.h"

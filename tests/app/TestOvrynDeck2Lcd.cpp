@@ -1,7 +1,7 @@
 #include "app/MainDialogTest.h"
-#include "board/Ovryn_LCDControllorWidget.h"
-#include "board/Ovryn_SendNvInfoToLCDThread.h"
-#include "monitor/Ovryn_GpuInfoCircleBox.h"
+#include "board/lcd/Ovryn_LCDControllorWidget.h"
+#include "board/lcd/Ovryn_SendNvInfoToLCDThread.h"
+#include "monitor/gauge/Ovryn_GpuInfoCircleBox.h"
 
 #include <QComboBox>
 #include <QStackedWidget>

@@ -1,7 +1,7 @@
 #include "app/MainDialogTest.h"
-#include "board/Ovryn_LEDControlWidget.h"
+#include "board/led/Ovryn_LEDControlWidget.h"
 #include "config/SampleConfig.h"
-#include "monitor/Ovryn_NvCardInfoWidget.h"
+#include "monitor/graphs/Ovryn_NvCardInfoWidget.h"
 #include "overclock/Ovryn_OverClockingWidget.h"
 
 #include <QComboBox>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "board/LcdJournal.h"
-#include "board/Ovryn_HotKeyEdit.h"
-#include "board/Ovryn_LCDControllorWidget.h"
+#include "board/lcd/Ovryn_HotKeyEdit.h"
+#include "board/lcd/Ovryn_LCDControllorWidget.h"
 #include "device/NvGpuControl.h"
 #include "platform/NativeKeyCode.h"
 #include "support/FakeHotKey.h"

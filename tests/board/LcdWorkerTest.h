@@ -1,7 +1,7 @@
 #pragma once
 
 #include "board/LcdJournal.h"
-#include "board/Ovryn_SendNvInfoToLCDThread.h"
+#include "board/lcd/Ovryn_SendNvInfoToLCDThread.h"
 #include "device/NvGpuControl.h"
 
 #include <QSemaphore>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "board/LedJournal.h"
-#include "board/Ovryn_ColorButton.h"
-#include "board/Ovryn_LEDControlWidget.h"
+#include "board/led/Ovryn_ColorButton.h"
+#include "board/led/Ovryn_LEDControlWidget.h"
 #include "device/NvGpuControl.h"
 #include "support/NamedChild.h"
 #include "ui/ModifySpinBox.h"

@@ -1,5 +1,5 @@
-#include "board/Ovryn_ColorButton.h"
-#include "board/Ovryn_ColorButtonGroup.h"
+#include "board/led/Ovryn_ColorButton.h"
+#include "board/led/Ovryn_ColorButtonGroup.h"
 
 #include <QElapsedTimer>
 #include <QSignalSpy>

@@ -1,5 +1,5 @@
-#include "board/Ovryn_GlobalShortCut.h"
-#include "board/Ovryn_WinEventFilter.h"
+#include "board/lcd/Ovryn_GlobalShortCut.h"
+#include "board/lcd/Ovryn_WinEventFilter.h"
 #include "support/FakeHotKey.h"
 
 #include <QAbstractEventDispatcher>

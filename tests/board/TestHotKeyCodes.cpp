@@ -1,4 +1,4 @@
-#include "board/HotKeyCodes.h"
+#include "board/lcd/HotKeyCodes.h"
 
 #include <QMap>
 #include <QtTest>

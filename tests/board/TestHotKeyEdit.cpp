@@ -1,4 +1,4 @@
-#include "board/Ovryn_HotKeyEdit.h"
+#include "board/lcd/Ovryn_HotKeyEdit.h"
 #include "platform/NativeKeyCode.h"
 
 #include <QApplication>

@@ -1,4 +1,4 @@
-#include "board/HueRing.h"
+#include "board/led/HueRing.h"
 
 #include <QtTest>
 

@@ -1,5 +1,5 @@
 #include "board/LedPageWorld.h"
-#include "board/Ovryn_SendColorToLed.h"
+#include "board/led/Ovryn_SendColorToLed.h"
 #include "ui/Fonts.h"
 
 #include <QTimer>

@@ -1,4 +1,4 @@
-#include "board/Ovryn_SendNvInfoToLCDThread.h"
+#include "board/lcd/Ovryn_SendNvInfoToLCDThread.h"
 #include "device/NvGpuControl.h"
 #include "device/nvapi/NvApi.h"
 #include "support/CheckedDriver.h"

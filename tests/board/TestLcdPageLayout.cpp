@@ -1,4 +1,4 @@
-#include "board/LcdPageLayout.h"
+#include "board/lcd/LcdPageLayout.h"
 
 #include <QtTest>
 

@@ -1,4 +1,4 @@
-#include "board/LedEffects.h"
+#include "board/led/LedEffects.h"
 #include "device/LedFrame.h"
 
 #include <QtTest>

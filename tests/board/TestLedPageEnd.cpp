@@ -1,5 +1,5 @@
 #include "board/LedPageWorld.h"
-#include "device/WorkerThread.h"
+#include "worker/WorkerThread.h"
 
 #include <QSemaphore>
 

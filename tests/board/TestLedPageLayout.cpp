@@ -1,4 +1,4 @@
-#include "board/LedPageLayout.h"
+#include "board/led/LedPageLayout.h"
 
 #include <QtTest>
 

@@ -1,5 +1,5 @@
 #include "board/LedJournal.h"
-#include "board/Ovryn_SendColorToLed.h"
+#include "board/led/Ovryn_SendColorToLed.h"
 #include "device/NvGpuControl.h"
 
 #include <QElapsedTimer>

@@ -1,6 +1,6 @@
 #include "e2e/LedPageHands.h"
 
-#include "board/Ovryn_ColorSlider.h"
+#include "board/led/Ovryn_ColorSlider.h"
 #include "e2e/ProgramTest.h"
 
 #include <QWidget>

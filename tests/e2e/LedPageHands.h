@@ -1,9 +1,9 @@
 #pragma once
 
 #include "app/MainDialogLayout.h"
-#include "board/HueRing.h"
-#include "board/LedPageLayout.h"
-#include "board/Ovryn_ColorPaletteBox.h"
+#include "board/led/HueRing.h"
+#include "board/led/LedPageLayout.h"
+#include "board/led/Ovryn_ColorPaletteBox.h"
 #include "e2e/InstalledProgram.h"
 #include "e2e/VirtualScreen.h"
 

@@ -1,5 +1,5 @@
-#include "board/Ovryn_GlobalShortCut.h"
-#include "board/Ovryn_HotKeyEdit.h"
+#include "board/lcd/Ovryn_GlobalShortCut.h"
+#include "board/lcd/Ovryn_HotKeyEdit.h"
 #include "e2e/OtherClient.h"
 #include "e2e/VirtualScreen.h"
 #include "platform/GlobalHotKeys.h"

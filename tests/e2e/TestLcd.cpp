@@ -1,4 +1,4 @@
-#include "board/LcdPageLayout.h"
+#include "board/lcd/LcdPageLayout.h"
 #include "e2e/ProgramTest.h"
 #include "ui/Ovryn_LanguageTable.h"
 

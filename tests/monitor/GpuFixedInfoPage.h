@@ -1,6 +1,6 @@
 #pragma once
 
-#include "monitor/Ovryn_GpuFixedInfo.h"
+#include "monitor/information/Ovryn_GpuFixedInfo.h"
 #include "ui/ReadonlyLineEdit.h"
 
 #include <QLabel>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "monitor/Ovryn_BaseMonitorBox.h"
+#include "monitor/graphs/Ovryn_BaseMonitorBox.h"
 
 #include <QMouseEvent>
 #include <QtTest>

@@ -1,4 +1,4 @@
-#include "monitor/Ovryn_BaseInfoRow.h"
+#include "monitor/graphs/Ovryn_BaseInfoRow.h"
 
 #include "monitor/WidgetPainting.h"
 #include "ui/PaintedTexts.h"

@@ -1,8 +1,8 @@
-#include "monitor/Ovryn_BaseMonitorBox.h"
+#include "monitor/graphs/Ovryn_BaseMonitorBox.h"
 
 #include "monitor/MonitorBoxFixture.h"
-#include "monitor/Ovryn_BaseInfoRow.h"
 #include "monitor/WidgetPainting.h"
+#include "monitor/graphs/Ovryn_BaseInfoRow.h"
 
 #include <QCheckBox>
 #include <QTime>

@@ -1,4 +1,4 @@
-#include "monitor/Ovryn_BaseMonitorBox.h"
+#include "monitor/graphs/Ovryn_BaseMonitorBox.h"
 
 #include "monitor/MonitorBoxFixture.h"
 #include "monitor/WidgetPainting.h"

@@ -1,4 +1,4 @@
-#include "monitor/BreathAndWave.h"
+#include "monitor/gauge/BreathAndWave.h"
 
 #include <QPainter>
 #include <QRadialGradient>

@@ -1,5 +1,5 @@
-#include "monitor/CreateBreathCircleAndWaveCircleThread.h"
-#include "monitor/SharedGaugeAnimation.h"
+#include "monitor/gauge/CreateBreathCircleAndWaveCircleThread.h"
+#include "monitor/gauge/SharedGaugeAnimation.h"
 
 #include <QtTest>
 

@@ -1,4 +1,4 @@
-#include "monitor/Ovryn_CircleButton.h"
+#include "monitor/gauge/Ovryn_CircleButton.h"
 #include "ui/Fonts.h"
 
 #include <QMouseEvent>

@@ -1,6 +1,6 @@
-#include "monitor/GaugeLayout.h"
+#include "monitor/gauge/GaugeLayout.h"
 
-#include "monitor/BreathAndWave.h"
+#include "monitor/gauge/BreathAndWave.h"
 
 #include <QPainter>
 #include <QtMath>

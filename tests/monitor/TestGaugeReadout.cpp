@@ -1,4 +1,4 @@
-#include "monitor/GaugeReadout.h"
+#include "monitor/gauge/GaugeReadout.h"
 #include "ui/Fonts.h"
 #include "ui/PaintedTexts.h"
 

@@ -1,6 +1,6 @@
 #include "monitor/GpuFixedInfoPage.h"
-#include "monitor/Ovryn_SendNvCardInfoThread.h"
 #include "monitor/WidgetPainting.h"
+#include "monitor/sampling/Ovryn_SendNvCardInfoThread.h"
 #include "support/FakeDriver.h"
 #include "ui/Fonts.h"
 #include "ui/ProgramVersion.h"

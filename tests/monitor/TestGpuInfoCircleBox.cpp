@@ -1,7 +1,7 @@
-#include "monitor/CreateBreathCircleAndWaveCircleThread.h"
-#include "monitor/Ovryn_CircleButton.h"
-#include "monitor/Ovryn_GpuInfoCircleBox.h"
 #include "monitor/WidgetPainting.h"
+#include "monitor/gauge/CreateBreathCircleAndWaveCircleThread.h"
+#include "monitor/gauge/Ovryn_CircleButton.h"
+#include "monitor/gauge/Ovryn_GpuInfoCircleBox.h"
 #include "ui/Fonts.h"
 
 #include <QPaintEvent>

@@ -1,8 +1,8 @@
-#include "monitor/Ovryn_GPUInfoMonitorWidget.h"
+#include "monitor/graphs/Ovryn_GPUInfoMonitorWidget.h"
 
-#include "monitor/Ovryn_BaseInfoRow.h"
-#include "monitor/Ovryn_BaseMonitorBox.h"
 #include "monitor/WidgetPainting.h"
+#include "monitor/graphs/Ovryn_BaseInfoRow.h"
+#include "monitor/graphs/Ovryn_BaseMonitorBox.h"
 
 #include <QtTest>
 

@@ -1,7 +1,7 @@
-#include "monitor/Ovryn_GPUInfoWidget.h"
+#include "monitor/graphs/Ovryn_GPUInfoWidget.h"
 
-#include "monitor/Ovryn_BaseInfoRow.h"
 #include "monitor/WidgetPainting.h"
+#include "monitor/graphs/Ovryn_BaseInfoRow.h"
 
 #include <QCheckBox>
 #include <QSignalSpy>

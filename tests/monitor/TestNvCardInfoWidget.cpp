@@ -1,11 +1,11 @@
-#include "monitor/Ovryn_NvCardInfoWidget.h"
+#include "monitor/graphs/Ovryn_NvCardInfoWidget.h"
 
 #include "device/NvGpuControl.h"
-#include "monitor/Ovryn_BaseInfoRow.h"
-#include "monitor/Ovryn_BaseMonitorBox.h"
-#include "monitor/Ovryn_GPUInfoMonitorWidget.h"
-#include "monitor/Ovryn_GPUInfoWidget.h"
 #include "monitor/WidgetPainting.h"
+#include "monitor/graphs/Ovryn_BaseInfoRow.h"
+#include "monitor/graphs/Ovryn_BaseMonitorBox.h"
+#include "monitor/graphs/Ovryn_GPUInfoMonitorWidget.h"
+#include "monitor/graphs/Ovryn_GPUInfoWidget.h"
 #include "support/FakeDriver.h"
 
 #include <QCheckBox>

@@ -1,4 +1,4 @@
-#include "monitor/RingSegment.h"
+#include "monitor/gauge/RingSegment.h"
 #include "ui/Fonts.h"
 #include "ui/PaintedTexts.h"
 

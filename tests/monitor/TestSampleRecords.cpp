@@ -1,4 +1,4 @@
-#include "monitor/SampleRecords.h"
+#include "monitor/sampling/SampleRecords.h"
 
 #include <QtTest>
 

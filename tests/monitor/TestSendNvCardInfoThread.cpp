@@ -1,4 +1,4 @@
-#include "monitor/Ovryn_SendNvCardInfoThread.h"
+#include "monitor/sampling/Ovryn_SendNvCardInfoThread.h"
 
 #include "device/NvGpuControl.h"
 #include "support/FakeDriver.h"

@@ -10,8 +10,8 @@
 #include <QtTest>
 
 Q_DECLARE_METATYPE(cardfront::CardFront)
-Q_DECLARE_METATYPE(cardfront::LedFrame)
-Q_DECLARE_METATYPE(cardfront::LcdFrame)
+Q_DECLARE_METATYPE(cardfront::LedState)
+Q_DECLARE_METATYPE(cardfront::LcdState)
 
 using namespace cardfront;
 
@@ -48,9 +48,9 @@ const QColor kRed(255, 0, 0);
 const QColor kGreen(0, 255, 0);
 const QColor kBlue(0, 0, 255);
 
-LedFrame led(int effect, int level, int interval, const QVector<QColor> &colours)
+LedState led(int effect, int level, int interval, const QVector<QColor> &colours)
 {
-    LedFrame frame;
+    LedState frame;
     frame.effect = effect;
     frame.level = level;
     frame.interval = interval;
@@ -58,10 +58,10 @@ LedFrame led(int effect, int level, int interval, const QVector<QColor> &colours
     return frame;
 }
 
-LcdFrame lcd(int command)
+LcdState lcd(int command)
 {
     const auto cards = cardFrontsOf(stateAfter({}, lcdFrameOf(static_cast<quint8>(command))));
-    return cards && !cards->isEmpty() ? cards->front().lcd.value_or(LcdFrame()) : LcdFrame();
+    return cards && !cards->isEmpty() ? cards->front().lcd.value_or(LcdState()) : LcdState();
 }
 
 /// A state file with one card that has the fields given.
@@ -158,7 +158,7 @@ void TestCardFront::hostileFields_data()
     CardFront named;
     named.name = QString(64, QLatin1Char('N'));
     QTest::newRow("endless name") << QByteArray("\"name\":\"") + QByteArray(100000, 'N') + "\"" << named;
-    const CardFront dark = {QString(), 0, 0, LedFrame(), LcdFrame()};
+    const CardFront dark = {QString(), 0, 0, LedState(), LcdState()};
     QTest::newRow("controllers without fields") << QByteArray(R"("led":{},"lcd":{})") << dark;
     QTest::newRow("controllers with fields of a wrong type")
         << QByteArray(R"("led":{"effect":"1","level":null,"colours":{}},"lcd":{"command":"0x80","modelDigits":7})")
@@ -172,7 +172,7 @@ void TestCardFront::hostileFields_data()
         << QByteArray(R"("led":{"effect":2,"level":50,"interval":2,"colours":[)") +
                QByteArray("[1,2,3],").repeated(40) + "[1,2,3]]}"
         << many;
-    LcdFrame panel;
+    LcdState panel;
     panel.command = 255;
     panel.memoryTotalKB = 4294967295.0;
     panel.fanRpm = 65535;
@@ -231,11 +231,11 @@ void TestCardFront::readerFollowsTheFile()
 
 void TestCardFront::ledEffects_data()
 {
-    QTest::addColumn<LedFrame>("frame");
+    QTest::addColumn<LedState>("frame");
     QTest::addColumn<qint64>("ms");
     QTest::addColumn<QColor>("colour");
     QTest::addColumn<double>("brightness");
-    const auto row = [](const char *name, const LedFrame &frame, qint64 ms, const QColor &colour, double brightness) {
+    const auto row = [](const char *name, const LedState &frame, qint64 ms, const QColor &colour, double brightness) {
         QTest::newRow(name) << frame << ms << colour << brightness;
     };
     const QColor none = Qt::black;
@@ -271,7 +271,7 @@ void TestCardFront::ledEffects_data()
 
 void TestCardFront::ledEffects()
 {
-    QFETCH(LedFrame, frame);
+    QFETCH(LedState, frame);
     QFETCH(qint64, ms);
     QFETCH(QColor, colour);
     QFETCH(double, brightness);
@@ -282,7 +282,7 @@ void TestCardFront::ledEffects()
 
 void TestCardFront::breathIsSmoothAndPeriodic()
 {
-    const LedFrame frame = led(1, 50, 4, {kRed});
+    const LedState frame = led(1, 50, 4, {kRed});
     QCOMPARE(colourStayMs(frame), 2000LL);
     for (qint64 ms = 0; ms < 2000; ++ms) {
         const double here = ledLightAt(frame, ms, 0).brightness;
@@ -294,7 +294,7 @@ void TestCardFront::breathIsSmoothAndPeriodic()
 
 void TestCardFront::gradientRunsAlongTheStrip()
 {
-    const LedFrame frame = led(4, 50, 2, {});
+    const LedState frame = led(4, 50, 2, {});
     QVERIFY(ledLightAt(frame, 0, 0.0).colour != ledLightAt(frame, 0, 0.5).colour);
     // what is at the left end now reaches the right one when the hues have gone on by as much as lies between
     QCOMPARE(ledLightAt(frame, 2700, 1.0).colour.hue(), ledLightAt(frame, 0, 0.0).colour.hue());
@@ -334,14 +334,14 @@ void TestCardFront::lcdPages()
 
 void TestCardFront::lcdFaces_data()
 {
-    QTest::addColumn<LcdFrame>("frame");
+    QTest::addColumn<LcdState>("frame");
     QTest::addColumn<QStringList>("texts"); // caption, digits, unit, detail
     QTest::addColumn<double>("part");
     QTest::newRow("clock") << lcd(0x80) << QStringList{"CLOCK", "1683", "MHz", "base 1607"} << 1683 / (1607 * 1.25);
     QTest::newRow("temperature") << lcd(0x40) << QStringList{"TEMP", "64", "°C", "limit 83"} << 64 / 83.0;
     QTest::newRow("memory") << lcd(0x20) << QStringList{"MEMORY", "2048", "MB", "of 8192 MB"} << 0.25;
     QTest::newRow("other") << lcd(0x10) << QStringList{"FAN", "1480", "RPM", "GTX 1070 Ti"} << 1480 / 3300.0;
-    LcdFrame frame = lcd(0x10);
+    LcdState frame = lcd(0x10);
     frame.fanFlag = true;
     QTest::newRow("other with the fan flag")
         << frame << QStringList{"FAN ON", "1480", "RPM", "GTX 1070 Ti"} << 1480 / 3300.0;
@@ -355,7 +355,7 @@ void TestCardFront::lcdFaces_data()
         << frame << QStringList{"MEMORY", "9999", "MB", "of 24.0 GB"} << frame.memoryUsedKB / frame.memoryTotalKB;
     frame.memoryUsedKB = frame.memoryTotalKB = 4294967295.0;
     QTest::newRow("largest memory") << frame << QStringList{"MEMORY", "4096.0", "GB", "of 4096.0 GB"} << 1.0;
-    frame = LcdFrame();
+    frame = LcdState();
     frame.command = 0x80;
     QTest::newRow("readings that failed") << frame << QStringList{"CLOCK", "0", "MHz", "base 0"} << 0.0;
     frame = lcd(0x40);
@@ -369,7 +369,7 @@ void TestCardFront::lcdFaces_data()
 
 void TestCardFront::lcdFaces()
 {
-    QFETCH(LcdFrame, frame);
+    QFETCH(LcdState, frame);
     QFETCH(QStringList, texts);
     QFETCH(double, part);
     const LcdFace face = lcdFaceAt(frame, 0);
@@ -396,7 +396,7 @@ void TestCardFront::models()
     QFETCH(QVector<int>, digits);
     QFETCH(bool, ti);
     QFETCH(QString, text);
-    LcdFrame frame;
+    LcdState frame;
     std::copy_n(digits.begin(), frame.modelDigits.size(), frame.modelDigits.begin());
     frame.modelTi = ti;
     QCOMPARE(modelText(frame), text);

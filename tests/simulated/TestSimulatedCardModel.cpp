@@ -123,8 +123,8 @@ void TestCardModel::clocksFollowLoad()
     QFETCH(int, graphicsMHz);
     QFETCH(int, memoryMHz);
     const Card card = cardAt(percent);
-    QCOMPARE(int(card.readings.graphicsKHz / 1000), graphicsMHz);
-    QCOMPARE(int(card.readings.memoryKHz / 1000), memoryMHz);
+    QCOMPARE(int(card.state.graphicsKHz / 1000), graphicsMHz);
+    QCOMPARE(int(card.state.memoryKHz / 1000), memoryMHz);
 }
 
 void TestCardModel::offsetMovesClocksWithinASecond()
@@ -132,38 +132,38 @@ void TestCardModel::offsetMovesClocksWithinASecond()
     Card card = cardAt(90);
     card.parameters.thermal.pinnedC = 50;
     card.advanceTo(1000);
-    const qint64 graphicsKHz = card.readings.graphicsKHz;
-    const qint64 memoryKHz = card.readings.memoryKHz;
+    const qint64 graphicsKHz = card.state.graphicsKHz;
+    const qint64 memoryKHz = card.state.memoryKHz;
     card.settings.graphicsOffsetKHz = -150000;
     card.settings.memoryOffsetKHz = 250000;
     card.advanceTo(2000);
-    QCOMPARE(card.readings.graphicsKHz, graphicsKHz - 150000);
-    QCOMPARE(card.readings.memoryKHz, memoryKHz + 250000);
+    QCOMPARE(card.state.graphicsKHz, graphicsKHz - 150000);
+    QCOMPARE(card.state.memoryKHz, memoryKHz + 250000);
 }
 
 void TestCardModel::loadRaisesTemperature()
 {
     Card card = cardAt(100);
-    const double startC = card.readings.temperatureC;
+    const double startC = card.state.temperatureC;
     card.advanceTo(3000);
-    const double soonC = card.readings.temperatureC;
+    const double soonC = card.state.temperatureC;
     card.advanceTo(kSettledMs);
     QVERIFY(soonC > startC + 3);
-    QVERIFY(card.readings.temperatureC > 65);
-    QVERIFY(card.readings.temperatureC < 84); // its own fan curve holds it near the limit at most
+    QVERIFY(card.state.temperatureC > 65);
+    QVERIFY(card.state.temperatureC < 84); // its own fan curve holds it near the limit at most
 }
 
 void TestCardModel::fullFanCoolsWithinSeconds()
 {
     Card card = cardAt(100);
     card.advanceTo(kSettledMs);
-    const double hotC = card.readings.temperatureC;
+    const double hotC = card.state.temperatureC;
     setManualFan(card, 100);
     card.advanceTo(kSettledMs + 5000);
-    QVERIFY2(card.readings.temperatureC < hotC - 4, qPrintable(QString::number(card.readings.temperatureC)));
+    QVERIFY2(card.state.temperatureC < hotC - 4, qPrintable(QString::number(card.state.temperatureC)));
     setManualFan(card, 0);
     card.advanceTo(kSettledMs + 65000);
-    QVERIFY(card.readings.temperatureC > hotC + 4);
+    QVERIFY(card.state.temperatureC > hotC + 4);
 }
 
 void TestCardModel::fanFollowsPolicy_data()
@@ -186,7 +186,7 @@ void TestCardModel::fanFollowsPolicy()
     card.parameters.thermal.pinnedC = 65;
     card.settings.coolers[0] = {policy, 77};
     card.advanceTo(5000);
-    QVERIFY(std::abs(card.readings.fanPercent - percent) < 0.01);
+    QVERIFY(std::abs(card.state.fanPercent - percent) < 0.01);
 }
 
 void TestCardModel::tachometerFollowsTheFan()
@@ -208,13 +208,13 @@ void TestCardModel::lowPowerLimitThrottles()
 {
     Card card = cardAt(100);
     card.advanceTo(1000);
-    const qint64 freeKHz = card.readings.graphicsKHz;
-    QVERIFY(!card.readings.powerLimited);
+    const qint64 freeKHz = card.state.graphicsKHz;
+    QVERIFY(!card.state.powerLimited);
     card.settings.powerLimit = 50000;
     card.advanceTo(2000);
-    QVERIFY(card.readings.powerLimited);
-    QVERIFY(card.readings.graphicsKHz < freeKHz - 100000);
-    QVERIFY(card.readings.powerW <= card.parameters.power.nominalW / 2 + 0.5);
+    QVERIFY(card.state.powerLimited);
+    QVERIFY(card.state.graphicsKHz < freeKHz - 100000);
+    QVERIFY(card.state.powerW <= card.parameters.power.nominalW / 2 + 0.5);
 }
 
 void TestCardModel::higherVoltageDrawsMore()
@@ -222,25 +222,25 @@ void TestCardModel::higherVoltageDrawsMore()
     Card card = cardAt(100);
     card.settings.powerLimit = 200000;
     card.advanceTo(100);
-    const double plainW = card.readings.powerW;
+    const double plainW = card.state.powerW;
     card.settings.voltageOffset_uV = 50000;
     card.advanceTo(200);
-    QVERIFY(card.readings.powerW > plainW + 5);
-    QCOMPARE(qRound(card.readings.voltage_uV), 1100000);
+    QVERIFY(card.state.powerW > plainW + 5);
+    QCOMPARE(qRound(card.state.voltage_uV), 1100000);
 }
 
 void TestCardModel::lowTemperatureLimitThrottlesAndHolds()
 {
     Card card = cardAt(100);
     card.advanceTo(kSettledMs);
-    const qint64 freeKHz = card.readings.graphicsKHz;
-    QVERIFY(card.readings.temperatureC > 66);
+    const qint64 freeKHz = card.state.graphicsKHz;
+    QVERIFY(card.state.temperatureC > 66);
     setManualFan(card, 30);
     card.settings.temperatureLimit256 = 62 * 256;
     card.advanceTo(kSettledMs * 2);
-    QVERIFY(card.readings.temperatureLimited);
-    QVERIFY(card.readings.graphicsKHz < freeKHz);
-    QVERIFY2(std::abs(card.readings.temperatureC - 62) < 3, qPrintable(QString::number(card.readings.temperatureC)));
+    QVERIFY(card.state.temperatureLimited);
+    QVERIFY(card.state.graphicsKHz < freeKHz);
+    QVERIFY2(std::abs(card.state.temperatureC - 62) < 3, qPrintable(QString::number(card.state.temperatureC)));
 }
 
 void TestCardModel::restoredLimitsRestoreClocks()
@@ -248,15 +248,15 @@ void TestCardModel::restoredLimitsRestoreClocks()
     Card card = cardAt(100);
     card.parameters.thermal.pinnedC = 55;
     card.advanceTo(1000);
-    const qint64 freeKHz = card.readings.graphicsKHz;
+    const qint64 freeKHz = card.state.graphicsKHz;
     card.settings.powerLimit = 50000;
     card.settings.graphicsOffsetKHz = 200000;
     card.advanceTo(3000);
-    QVERIFY(card.readings.graphicsKHz != freeKHz);
+    QVERIFY(card.state.graphicsKHz != freeKHz);
     card.settings.powerLimit = 100000;
     card.settings.graphicsOffsetKHz = 0;
     card.advanceTo(4000);
-    QCOMPARE(card.readings.graphicsKHz, freeKHz);
+    QCOMPARE(card.state.graphicsKHz, freeKHz);
 }
 
 void TestCardModel::memoryFillsUnderLoad()
@@ -264,11 +264,11 @@ void TestCardModel::memoryFillsUnderLoad()
     Card card = cardAt(100);
     card.parameters.load = {{LoadPart::Constant, 0, 0, 1, 1, {}}};
     card.advanceTo(kSettledMs);
-    QVERIFY(card.readings.memoryUsedKB <= card.parameters.memory.idleUsedKB + 1);
+    QVERIFY(card.state.memoryUsedKB <= card.parameters.memory.idleUsedKB + 1);
     card.parameters.load = {{LoadPart::Constant, 100, 0, 1, 1, {}}};
     card.advanceTo(kSettledMs + 2000);
-    QVERIFY(card.readings.memoryUsedKB > card.parameters.memory.idleUsedKB + 1000000);
-    QVERIFY(card.readings.memoryUsedKB < card.parameters.memory.loadUsedKB);
+    QVERIFY(card.state.memoryUsedKB > card.parameters.memory.idleUsedKB + 1000000);
+    QVERIFY(card.state.memoryUsedKB < card.parameters.memory.loadUsedKB);
 }
 
 void TestCardModel::pinnedTemperatureStands()
@@ -276,9 +276,9 @@ void TestCardModel::pinnedTemperatureStands()
     CardParameters parameters = oneCardAtLoad(100).cards.front();
     parameters.thermal.pinnedC = 64;
     Card card(parameters);
-    QCOMPARE(card.readings.temperatureC, 64.0);
+    QCOMPARE(card.state.temperatureC, 64.0);
     card.advanceTo(kSettledMs);
-    QCOMPARE(card.readings.temperatureC, 64.0);
+    QCOMPARE(card.state.temperatureC, 64.0);
 }
 
 void TestCardModel::oneLongStepEndsWhereShortOnesDo()
@@ -288,17 +288,17 @@ void TestCardModel::oneLongStepEndsWhereShortOnesDo()
     atOnce.advanceTo(kSettledMs * 1000); // a week's sleep must not take a week's work
     for (int ms = 0; ms <= int(kSettledMs); ms += 170)
         bitByBit.advanceTo(ms);
-    QVERIFY(std::abs(atOnce.readings.temperatureC - bitByBit.readings.temperatureC) < 1);
+    QVERIFY(std::abs(atOnce.state.temperatureC - bitByBit.state.temperatureC) < 1);
 }
 
 void TestCardModel::earlierMomentChangesNothing()
 {
     Card card = cardAt(100);
     card.advanceTo(5000);
-    const double temperatureC = card.readings.temperatureC;
+    const double temperatureC = card.state.temperatureC;
     card.advanceTo(1000);
     card.advanceTo(5000);
-    QCOMPARE(card.readings.temperatureC, temperatureC);
+    QCOMPARE(card.state.temperatureC, temperatureC);
 }
 
 void TestCardModel::boardSensorsLieBetweenRoomAndGpu()

@@ -75,8 +75,8 @@ void TestScenario::builtInCardsMove()
         double most[4] = {};
         for (int second = 0; second < 120; ++second) {
             card.advanceTo(second * 1000);
-            const double readings[4] = {card.readings.loadPercent, card.readings.graphicsKHz / 1000.0,
-                                        card.readings.temperatureC, double(card.fanRpm())};
+            const double readings[4] = {card.state.loadPercent, card.state.graphicsKHz / 1000.0,
+                                        card.state.temperatureC, double(card.fanRpm())};
             for (int i = 0; i < 4; ++i) {
                 least[i] = std::min(least[i], readings[i]);
                 most[i] = std::max(most[i], readings[i]);

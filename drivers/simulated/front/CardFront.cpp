@@ -35,46 +35,46 @@ int wordOf(const QJsonValue &value)
     return static_cast<int>(numberOf(value, 0, kMaxWord));
 }
 
-LedFrame ledOf(const QJsonObject &led)
+LedState ledOf(const QJsonObject &led)
 {
-    LedFrame frame;
-    frame.effect = byteOf(led.value(QLatin1String("effect")));
-    frame.level = byteOf(led.value(QLatin1String("level")));
-    frame.interval = byteOf(led.value(QLatin1String("interval")));
-    frame.accepted = static_cast<int>(numberOf(led.value(QLatin1String("accepted")), 0, kMaxFrames));
+    LedState state;
+    state.effect = byteOf(led.value(QLatin1String("effect")));
+    state.level = byteOf(led.value(QLatin1String("level")));
+    state.interval = byteOf(led.value(QLatin1String("interval")));
+    state.accepted = static_cast<int>(numberOf(led.value(QLatin1String("accepted")), 0, kMaxFrames));
     const QJsonArray colours = led.value(QLatin1String("colours")).toArray();
     for (const QJsonValue &value : colours) {
         const QJsonArray parts = value.toArray();
         if (parts.size() != 3)
             continue;
-        frame.colours.append(QColor(byteOf(parts[0]), byteOf(parts[1]), byteOf(parts[2])));
-        if (frame.colours.size() == kMaxColours)
+        state.colours.append(QColor(byteOf(parts[0]), byteOf(parts[1]), byteOf(parts[2])));
+        if (state.colours.size() == kMaxColours)
             break;
     }
-    return frame;
+    return state;
 }
 
-LcdFrame lcdOf(const QJsonObject &lcd)
+LcdState lcdOf(const QJsonObject &lcd)
 {
-    LcdFrame frame;
+    LcdState state;
     // without a command nothing is known to be shown, which is how a controller starts
     if (lcd.value(QLatin1String("command")).isDouble())
-        frame.command = byteOf(lcd.value(QLatin1String("command")));
-    frame.sequence = byteOf(lcd.value(QLatin1String("sequence")));
-    frame.memoryTotalKB = numberOf(lcd.value(QLatin1String("memoryTotalKB")), 0, kMaxLong);
-    frame.memoryUsedKB = numberOf(lcd.value(QLatin1String("memoryUsedKB")), 0, kMaxLong);
-    frame.baseClockMHz = wordOf(lcd.value(QLatin1String("baseClockMHz")));
-    frame.currentClockMHz = wordOf(lcd.value(QLatin1String("currentClockMHz")));
-    frame.thermalLimitC = wordOf(lcd.value(QLatin1String("thermalLimitC")));
-    frame.temperatureC = wordOf(lcd.value(QLatin1String("temperatureC")));
-    frame.fanMaxRpm = wordOf(lcd.value(QLatin1String("fanMaxRpm")));
-    frame.fanRpm = wordOf(lcd.value(QLatin1String("fanRpm")));
-    frame.fanFlag = byteOf(lcd.value(QLatin1String("fanFlag"))) != 0;
+        state.command = byteOf(lcd.value(QLatin1String("command")));
+    state.sequence = byteOf(lcd.value(QLatin1String("sequence")));
+    state.memoryTotalKB = numberOf(lcd.value(QLatin1String("memoryTotalKB")), 0, kMaxLong);
+    state.memoryUsedKB = numberOf(lcd.value(QLatin1String("memoryUsedKB")), 0, kMaxLong);
+    state.baseClockMHz = wordOf(lcd.value(QLatin1String("baseClockMHz")));
+    state.currentClockMHz = wordOf(lcd.value(QLatin1String("currentClockMHz")));
+    state.thermalLimitC = wordOf(lcd.value(QLatin1String("thermalLimitC")));
+    state.temperatureC = wordOf(lcd.value(QLatin1String("temperatureC")));
+    state.fanMaxRpm = wordOf(lcd.value(QLatin1String("fanMaxRpm")));
+    state.fanRpm = wordOf(lcd.value(QLatin1String("fanRpm")));
+    state.fanFlag = byteOf(lcd.value(QLatin1String("fanFlag"))) != 0;
     const QJsonArray digits = lcd.value(QLatin1String("modelDigits")).toArray();
-    for (int i = 0; i < static_cast<int>(frame.modelDigits.size()); ++i)
-        frame.modelDigits[static_cast<std::size_t>(i)] = byteOf(digits.at(i)); // undefined, so 0, behind the end
-    frame.modelTi = byteOf(lcd.value(QLatin1String("modelTi"))) != 0;
-    return frame;
+    for (int i = 0; i < static_cast<int>(state.modelDigits.size()); ++i)
+        state.modelDigits[static_cast<std::size_t>(i)] = byteOf(digits.at(i)); // undefined, so 0, beyond the end
+    state.modelTi = byteOf(lcd.value(QLatin1String("modelTi"))) != 0;
+    return state;
 }
 
 CardFront cardOf(const QJsonObject &entry)
@@ -91,12 +91,12 @@ CardFront cardOf(const QJsonObject &entry)
     return card;
 }
 
-auto fieldsOf(const LedFrame &led)
+auto fieldsOf(const LedState &led)
 {
     return std::tie(led.effect, led.level, led.interval, led.colours, led.accepted);
 }
 
-auto fieldsOf(const LcdFrame &lcd)
+auto fieldsOf(const LcdState &lcd)
 {
     return std::tie(lcd.command, lcd.sequence, lcd.memoryTotalKB, lcd.memoryUsedKB, lcd.baseClockMHz,
                     lcd.currentClockMHz, lcd.thermalLimitC, lcd.temperatureC, lcd.fanMaxRpm, lcd.fanRpm, lcd.fanFlag,
@@ -105,12 +105,12 @@ auto fieldsOf(const LcdFrame &lcd)
 
 } // namespace
 
-bool operator==(const LedFrame &a, const LedFrame &b)
+bool operator==(const LedState &a, const LedState &b)
 {
     return fieldsOf(a) == fieldsOf(b);
 }
 
-bool operator==(const LcdFrame &a, const LcdFrame &b)
+bool operator==(const LcdState &a, const LcdState &b)
 {
     return fieldsOf(a) == fieldsOf(b);
 }

@@ -13,7 +13,7 @@ namespace cardfront
 {
 
 /// What the LED controller runs: the last frame that it took.
-struct LedFrame
+struct LedState
 {
     int effect = 0;          ///< the frame's effect code, 0..255
     int level = 0;           ///< 0 is dark, 50 the full light
@@ -23,7 +23,7 @@ struct LedFrame
 };
 
 /// What the LCD controller knows: the last frame that it took.
-struct LcdFrame
+struct LcdState
 {
     int command = 0xF0; ///< page, off or rotation, 0..255
     int sequence = 0;   ///< number of the frame, 0..255
@@ -46,12 +46,12 @@ struct CardFront
     QString name;
     double fanRpm = 0;           ///< of the card itself, 0 without a tachometer
     double fanPercent = 0;       ///< 0..100
-    std::optional<LedFrame> led; ///< nothing without an LED controller
-    std::optional<LcdFrame> lcd; ///< nothing without an LCD controller
+    std::optional<LedState> led; ///< nothing without an LED controller
+    std::optional<LcdState> lcd; ///< nothing without an LCD controller
 };
 
-bool operator==(const LedFrame &a, const LedFrame &b);
-bool operator==(const LcdFrame &a, const LcdFrame &b);
+bool operator==(const LedState &a, const LedState &b);
+bool operator==(const LcdState &a, const LcdState &b);
 bool operator==(const CardFront &a, const CardFront &b);
 
 /// The cards of a state file's text. What a card lacks or has with a wrong type keeps its default, numbers are

@@ -146,7 +146,7 @@ void paintEmblem(QPainter &painter, const CardLayout &layout, const QColor &colo
 }
 
 /// What the LEDs pour over the card: one colour, or the run of colours along the strip.
-QBrush ledBrush(const CardLayout &layout, const LedFrame &led, qint64 sinceMs)
+QBrush ledBrush(const CardLayout &layout, const LedState &led, qint64 sinceMs)
 {
     if (led.effect != kEffectGradient)
         return ledColourAt(led, sinceMs, 0.5);
@@ -163,7 +163,7 @@ double placeOf(const CardLayout &layout, const QRect &rect)
     return qBound(0.0, double(rect.center().x() - layout.strip.left()) / layout.strip.width(), 1.0);
 }
 
-void paintFanLight(QPainter &painter, const CardLayout &layout, const QRect &fan, const LedFrame &led, qint64 sinceMs)
+void paintFanLight(QPainter &painter, const CardLayout &layout, const QRect &fan, const LedState &led, qint64 sinceMs)
 {
     const LedLight light = ledLightAt(led, sinceMs, placeOf(layout, fan));
     const QRectF ring = QRectF(fan).adjusted(-1.5, -1.5, 1.5, 1.5);
@@ -214,7 +214,7 @@ void paintStripGlow(QPainter &painter, const CardLayout &layout, const QBrush &b
     painter.restore();
 }
 
-void paintStripLight(QPainter &painter, const CardLayout &layout, const LedFrame &led, qint64 sinceMs)
+void paintStripLight(QPainter &painter, const CardLayout &layout, const LedState &led, qint64 sinceMs)
 {
     const QBrush brush = ledBrush(layout, led, sinceMs);
     painter.setPen(QPen(QColor(0x08, 0x08, 0x0A), 4)); // the groove that it lies in
@@ -225,7 +225,7 @@ void paintStripLight(QPainter &painter, const CardLayout &layout, const LedFrame
     painter.fillRect(layout.strip.adjusted(1, 1, -1, -1), brush);
 }
 
-void paintLogoLight(QPainter &painter, const CardLayout &layout, const LedFrame &led, qint64 sinceMs)
+void paintLogoLight(QPainter &painter, const CardLayout &layout, const LedState &led, qint64 sinceMs)
 {
     const double place = placeOf(layout, layout.logo);
     const LedLight light = ledLightAt(led, sinceMs, place);
@@ -251,9 +251,9 @@ QPixmap emptyPixmap(QSize size, qreal pixelRatio)
 
 } // namespace
 
-QColor ledColourAt(const LedFrame &frame, qint64 sinceMs, double place)
+QColor ledColourAt(const LedState &led, qint64 sinceMs, double place)
 {
-    const LedLight light = ledLightAt(frame, sinceMs, place);
+    const LedLight light = ledLightAt(led, sinceMs, place);
     return {mixed(kUnlitLed.red(), light.colour.red(), light.brightness),
             mixed(kUnlitLed.green(), light.colour.green(), light.brightness),
             mixed(kUnlitLed.blue(), light.colour.blue(), light.brightness)};

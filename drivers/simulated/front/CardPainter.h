@@ -24,7 +24,7 @@ struct CardMoment
 constexpr QColor kUnlitLed(0x36, 0x38, 0x41);
 
 /// Colour of an LED in a picture, off or on or anything between.
-[[nodiscard]] QColor ledColourAt(const LedFrame &frame, qint64 sinceMs, double place);
+[[nodiscard]] QColor ledColourAt(const LedState &led, qint64 sinceMs, double place);
 
 /// Paints cards. What does not move is painted once and kept. GUI thread, since it keeps pixmaps.
 class CardPainter

@@ -51,10 +51,10 @@ int lcdPageAt(int command, qint64 sinceMs)
     return 0;
 }
 
-QString modelText(const LcdFrame &frame)
+QString modelText(const LcdState &lcd)
 {
     QString text;
-    for (const int digit : frame.modelDigits) {
+    for (const int digit : lcd.modelDigits) {
         if (digit == 0 && text.isEmpty())
             continue; // the number stands at the right
         // the sender takes the character "0" off whatever stands in the name
@@ -63,48 +63,48 @@ QString modelText(const LcdFrame &frame)
     }
     if (text.isEmpty())
         return text;
-    return QLatin1String("GTX ") + text + (frame.modelTi ? QLatin1String(" Ti") : QLatin1String());
+    return QLatin1String("GTX ") + text + (lcd.modelTi ? QLatin1String(" Ti") : QLatin1String());
 }
 
-LcdFace lcdFaceAt(const LcdFrame &frame, qint64 sinceMs)
+LcdFace lcdFaceAt(const LcdState &lcd, qint64 sinceMs)
 {
     LcdFace face;
-    if (frame.command == kLcdOff)
+    if (lcd.command == kLcdOff)
         return face;
     face.lit = true;
-    face.page = lcdPageAt(frame.command, sinceMs);
-    face.beat = frame.sequence % 2 != 0;
+    face.page = lcdPageAt(lcd.command, sinceMs);
+    face.beat = lcd.sequence % 2 != 0;
     switch (face.page) {
     case kLcdClock:
         face.caption = QStringLiteral("CLOCK");
-        face.digits = QString::number(frame.currentClockMHz);
+        face.digits = QString::number(lcd.currentClockMHz);
         face.unit = QStringLiteral("MHz");
-        face.detail = QStringLiteral("base %1").arg(frame.baseClockMHz);
-        face.part = partOf(frame.currentClockMHz, 1.25 * frame.baseClockMHz); // room for the boost
+        face.detail = QStringLiteral("base %1").arg(lcd.baseClockMHz);
+        face.part = partOf(lcd.currentClockMHz, 1.25 * lcd.baseClockMHz); // room for the boost
         break;
     case kLcdTemperature:
         face.caption = QStringLiteral("TEMP");
-        face.digits = QString::number(frame.temperatureC);
+        face.digits = QString::number(lcd.temperatureC);
         face.unit = QStringLiteral("°C");
-        face.detail = QStringLiteral("limit %1").arg(frame.thermalLimitC);
-        face.part = partOf(frame.temperatureC, frame.thermalLimitC);
+        face.detail = QStringLiteral("limit %1").arg(lcd.thermalLimitC);
+        face.part = partOf(lcd.temperatureC, lcd.thermalLimitC);
         break;
     case kLcdMemory: {
-        const auto [digits, unit] = memoryText(frame.memoryUsedKB);
-        const auto [total, totalUnit] = memoryText(frame.memoryTotalKB);
+        const auto [digits, unit] = memoryText(lcd.memoryUsedKB);
+        const auto [total, totalUnit] = memoryText(lcd.memoryTotalKB);
         face.caption = QStringLiteral("MEMORY");
         face.digits = digits;
         face.unit = unit;
         face.detail = QStringLiteral("of %1 %2").arg(total, totalUnit);
-        face.part = partOf(frame.memoryUsedKB, frame.memoryTotalKB);
+        face.part = partOf(lcd.memoryUsedKB, lcd.memoryTotalKB);
         break;
     }
     case kLcdOther:
-        face.caption = frame.fanFlag ? QStringLiteral("FAN ON") : QStringLiteral("FAN");
-        face.digits = QString::number(frame.fanRpm);
+        face.caption = lcd.fanFlag ? QStringLiteral("FAN ON") : QStringLiteral("FAN");
+        face.digits = QString::number(lcd.fanRpm);
         face.unit = QStringLiteral("RPM");
-        face.detail = modelText(frame);
-        face.part = partOf(frame.fanRpm, frame.fanMaxRpm);
+        face.detail = modelText(lcd);
+        face.part = partOf(lcd.fanRpm, lcd.fanMaxRpm);
         break;
     default:
         face.digits = QStringLiteral("----");

@@ -35,8 +35,8 @@ struct LcdFace
 [[nodiscard]] int lcdPageAt(int command, qint64 sinceMs);
 
 /// "GTX 1070 Ti" from the frame's model, which only cards of that line have; empty without digits.
-[[nodiscard]] QString modelText(const LcdFrame &frame);
+[[nodiscard]] QString modelText(const LcdState &lcd);
 
-[[nodiscard]] LcdFace lcdFaceAt(const LcdFrame &frame, qint64 sinceMs);
+[[nodiscard]] LcdFace lcdFaceAt(const LcdState &lcd, qint64 sinceMs);
 
 } // namespace cardfront

@@ -67,9 +67,9 @@ LcdLayout lcdLayout(const QRect &glass)
     return layout;
 }
 
-void paintLcd(QPainter &painter, const QRect &glass, const LcdFrame &frame, qint64 sinceMs)
+void paintLcd(QPainter &painter, const QRect &glass, const LcdState &lcd, qint64 sinceMs)
 {
-    const LcdFace face = lcdFaceAt(frame, sinceMs);
+    const LcdFace face = lcdFaceAt(lcd, sinceMs);
     const LcdLayout layout = lcdLayout(glass);
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);

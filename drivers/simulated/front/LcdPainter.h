@@ -23,6 +23,6 @@ struct LcdLayout
 [[nodiscard]] LcdLayout lcdLayout(const QRect &glass);
 
 /// Paints the panel on its glass.
-void paintLcd(QPainter &painter, const QRect &glass, const LcdFrame &frame, qint64 sinceMs);
+void paintLcd(QPainter &painter, const QRect &glass, const LcdState &lcd, qint64 sinceMs);
 
 } // namespace cardfront

@@ -26,7 +26,7 @@ struct LedLight
 };
 
 /// How long a colour stays, in ms; an interval of 0 counts as 1.
-[[nodiscard]] qint64 colourStayMs(const LedFrame &frame);
+[[nodiscard]] qint64 colourStayMs(const LedState &led);
 
 /// The light `sinceMs` after the frame came, at `place` of the strip, 0 left to 1 right. Only the gradient differs
 /// from place to place. Dark without level or colours, and for an effect that the controller does not know.
@@ -34,6 +34,6 @@ struct LedLight
 ///   breath    each colour swells and fades once, then the next one
 ///   in turn   each colour stays for its time, then the next one
 ///   gradient  once around the hues in six stays, running along the strip
-[[nodiscard]] LedLight ledLightAt(const LedFrame &frame, qint64 sinceMs, double place);
+[[nodiscard]] LedLight ledLightAt(const LedState &led, qint64 sinceMs, double place);
 
 } // namespace cardfront

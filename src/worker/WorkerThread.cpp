@@ -1,0 +1,143 @@
+#include "worker/WorkerThread.h"
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+
+namespace
+{
+
+std::atomic<int> leftBehindCount{0};
+
+std::atomic<unsigned long> patienceMs{WorkerThread::kCycleWaitMs};
+
+} // namespace
+
+WorkerThread::WorkerThread(QObject *parent) : QThread(parent) {}
+
+WorkerThread::~WorkerThread()
+{
+    Q_ASSERT(!isRunning()); // a worker's own destructor calls endThread
+}
+
+bool WorkerThread::isStopped()
+{
+    QMutexLocker held(&mutex);
+    return stopped;
+}
+
+void WorkerThread::startThread()
+{
+    QMutexLocker held(&mutex);
+    startThreadUnderMutex();
+}
+
+void WorkerThread::startThreadUnderMutex()
+{
+    if (!stopped)
+        return;
+    if (leaving) {
+        wait(); // start() does nothing while the thread is on its way out
+        leaving = false;
+    }
+    {
+        const std::lock_guard<std::mutex> guard(endLock);
+        endRequested = false;
+    }
+    start(QThread::InheritPriority);
+    stopped = false;
+}
+
+void WorkerThread::stopThread()
+{
+    QMutexLocker held(&mutex);
+    stopped = true;
+}
+
+void WorkerThread::requestEnd()
+{
+    const std::lock_guard<std::mutex> guard(endLock);
+    if (!endRequested)
+        cycleDeadline.setRemainingTime(qint64(patienceMs.load()));
+    endRequested = true;
+    endWanted.notify_all();
+}
+
+bool WorkerThread::pause(QMutexLocker &held, unsigned int ms)
+{
+    held.unlock();
+    bool ending = false;
+    {
+        std::unique_lock<std::mutex> guard(endLock);
+        ending = endWanted.wait_for(guard, std::chrono::milliseconds(ms), [this] { return endRequested; });
+    }
+    held.relock();
+    if (ending)
+        stopped = true;
+    return !ending;
+}
+
+void WorkerThread::leaveLoop()
+{
+    stopped = true;
+    giveUpLoop();
+}
+
+void WorkerThread::giveUpLoop()
+{
+    // The thread cleans up behind itself in destructors, and one of those that is unwound takes the process along.
+    setTerminationEnabled(false);
+    leaving = true;
+}
+
+bool WorkerThread::waitForLoop(unsigned long cycleWaitMs, unsigned long waitMs)
+{
+    requestEnd();
+    // A cycle holds the mutex, and a driver that hangs never ends it.
+    if (!mutex.tryLock(int(std::min(qint64(cycleWaitMs), cycleDeadline.remainingTime()))))
+        return false;
+    if (isRunning())
+        stopped = true; // stays unset in a loop that has given up: a start must do nothing until a stop
+    mutex.unlock();
+    return wait(waitMs);
+}
+
+bool WorkerThread::endsInTime()
+{
+    return waitForLoop(kCycleWaitMs, kEndWaitMs);
+}
+
+void WorkerThread::setPatience(unsigned long cycleWaitMs)
+{
+    patienceMs = cycleWaitMs;
+}
+
+bool WorkerThread::tryToEnd(unsigned long cycleWaitMs, unsigned long waitMs)
+{
+    waitForLoop(cycleWaitMs, waitMs);
+    terminate();                     // does nothing to a thread that has returned
+    return wait(kTerminationWaitMs); // terminate() only asks: a thread inside a system call may never hear it
+}
+
+void WorkerThread::endThread(unsigned long waitMs)
+{
+    if (!tryToEnd(kCycleWaitMs, waitMs))
+        wait(); // a QThread that still runs must not be destroyed
+}
+
+bool WorkerThread::endAndDelete(WorkerThread *worker, unsigned long cycleWaitMs)
+{
+    if (!worker || worker->tryToEnd(cycleWaitMs, kEndWaitMs)) {
+        delete worker;
+        return true;
+    }
+    worker->abandoned = true;
+    worker->setParent(nullptr);
+    ++leftBehindCount;
+    return false;
+}
+
+int WorkerThread::leftBehind()
+{
+    return leftBehindCount;
+}

@@ -1,0 +1,99 @@
+#pragma once
+
+#include <QDeadlineTimer>
+#include <QMutex>
+#include <QMutexLocker>
+#include <QThread>
+
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+
+/// The shape of every worker thread: a mutex that the loop holds through each cycle and frees only for its sleep, and
+/// a flag that is true while no loop is to run.
+///
+/// A worker derives from this, writes its loop in `run()` (mutex first, see `stopped`, `pause` and `leaveLoop`) and
+/// calls `endThread` in its own destructor: the loop uses the worker's members, so it must be over before
+/// they go. The operations are called by the thread that owns the worker.
+class WorkerThread : public QThread
+{
+public:
+    explicit WorkerThread(QObject *parent = nullptr);
+    ~WorkerThread() override;
+
+    /// True when no loop runs or the loop was told to end. Waits for a running cycle.
+    [[nodiscard]] bool isStopped();
+
+    /// Asks the loop to end and wakes it from its pause; waits for nothing. The owner of several workers asks all of
+    /// them first, so that their last cycles run side by side: the patience with a cycle counts from the first
+    /// request. A start takes the request back.
+    void requestEnd();
+
+    /// Requests the end and waits for it. False where a cycle takes longer than the patience allows, or the thread
+    /// longer than kEndWaitMs to leave its loop.
+    bool endsInTime();
+
+    /// Deletes the worker, or leaves it behind where its thread can't be ended because a call of the driver never
+    /// returns: the worker then stays alive for its thread, without a parent, until the process ends. False in that
+    /// case. Takes what is left of the patience, at most `cycleWaitMs`, for a cycle that doesn't end, and kEndWaitMs
+    /// and kTerminationWaitMs at most.
+    static bool endAndDelete(WorkerThread *worker, unsigned long cycleWaitMs = kCycleWaitMs);
+
+    /// How long a cycle under way is waited for from now on, kCycleWaitMs unless this was called. For an end that the
+    /// system demands and gives only seconds for.
+    static void setPatience(unsigned long cycleWaitMs);
+
+    /// How many workers of this process were left behind. While there is one, its thread may wake up at any time, so
+    /// the process must end without destroying its static objects.
+    [[nodiscard]] static int leftBehind();
+
+    /// For a cycle under way: a slow driver is waited for, since ending a thread inside it is the last resort.
+    static constexpr unsigned long kCycleWaitMs = 20000;
+    static constexpr unsigned long kEndWaitMs = 2000;         ///< for a loop that was told to end
+    static constexpr unsigned long kTerminationWaitMs = 1000; ///< for a thread that was terminated
+
+protected:
+    /// Starts the thread and clears `stopped`, all under the mutex; nothing when it is cleared already.
+    void startThread();
+
+    /// The same for a caller that holds the mutex.
+    void startThreadUnderMutex();
+
+    /// Asks the loop to end. It sees that at the end of a cycle, and goes on if it is started again before.
+    void stopThread();
+
+    /// The sleep of a loop between two cycles, the only place where it frees the mutex: through the loop's own
+    /// locker, so that a thread that is terminated here unlocks nothing. A stop doesn't cut it short; a request to
+    /// end does. False when the loop is to end without another cycle; `stopped` is set then. A test replaces it to
+    /// drive the clock, and then calls endThread in its own destructor.
+    virtual bool pause(QMutexLocker &held, unsigned int ms);
+
+    /// True for a worker that was left behind in a cycle: whatever it orders now comes after the end of its owner.
+    [[nodiscard]] bool isAbandoned() const { return abandoned; }
+
+    /// What a loop does last, with the mutex held, when it ends by itself or was told to: from here to its end the
+    /// thread takes the mutex no more, a start waits for that end, and nothing ends it by force.
+    void leaveLoop();
+
+    /// The same for a loop that gives up: `stopped` stays unset, so that a start does nothing until a stop.
+    void giveUpLoop();
+
+    /// Sets `stopped` after a cycle under way, waits at most `waitMs`, and then terminates the thread whether or not
+    /// it has ended by itself. A destructor can leave the thread to nobody, so it waits without limit for a thread
+    /// that can't be ended: an owner to whom that matters uses endAndDelete.
+    void endThread(unsigned long waitMs = kEndWaitMs);
+
+    QMutex mutex;        ///< taken before any lock of the device object, never after it
+    bool stopped = true; ///< guarded by mutex; a loop looks at it at the end of each cycle
+
+private:
+    bool waitForLoop(unsigned long cycleWaitMs, unsigned long waitMs);
+    bool tryToEnd(unsigned long cycleWaitMs, unsigned long waitMs);
+
+    bool leaving = false; ///< guarded by mutex; the thread may still run, but no loop does
+    std::atomic<bool> abandoned{false};
+    std::mutex endLock; ///< taken for a moment only; in the loop's thread never while it waits for `mutex`
+    std::condition_variable endWanted;
+    bool endRequested = false;    ///< guarded by endLock
+    QDeadlineTimer cycleDeadline; ///< of the patience with a cycle, from the first request on; owner's thread only
+};
