@@ -3,6 +3,7 @@
 #include "device/Units.h"
 #include "platform/FileSync.h"
 #include "platform/QtSingleApplication.h"
+#include "platform/ScreenScaling.h"
 #include "ui/Fonts.h"
 #include "ui/Ovryn_LanguageTable.h"
 #include "ui/Ovryn_MessageBox.h"
@@ -93,6 +94,7 @@ void endWithoutTheDisplay()
 
 int run(int argc, char **argv)
 {
+    followScreenScaling();
     QtSingleApplication application(QString::fromLatin1(kApplicationId), argc, argv);
     if (!becomeTheInstance(application))
         return 0;

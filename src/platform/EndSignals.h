@@ -6,8 +6,9 @@
 ///
 /// On Unix that is SIGTERM, SIGINT or SIGHUP. The first one is reported on the thread that made the object, from its
 /// event loop; a second one of the same kind ends the process at once, for the case that the program hangs. Windows
-/// sends no such signals to a program with windows: there nothing is ever reported, and the toolkit's session
-/// management stands for it. One object at a time; its end gives the signals their usual effect back.
+/// sends no such signals to a program with windows: there the installer sets an event that has a name, and the
+/// toolkit's session management stands for the end of the session. One object at a time; its end gives the signals
+/// their usual effect back.
 class EndSignals : public QObject
 {
     Q_OBJECT
@@ -22,7 +23,3 @@ signals:
 private slots:
     void onSignalArrived();
 };
-
-/// For a helper process that must outlive the program it serves: the signals that a terminal or a session sends to
-/// all of its processes don't reach it from now on. It ends by itself, or is killed.
-void outliveTheSession();
