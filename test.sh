@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and runs every test: those that use the real executable on a virtual screen
-# on the release build, all the others under the address and undefined-behaviour sanitizers.
+# on the release build, all the others under the address and undefined-behaviour sanitizers. Compiles the sources that
+# only Windows builds, where the cross compiler is.
 # Option: --release   the others on the release build too
 set -euo pipefail
 cd "$(dirname "$0")"
@@ -8,7 +9,7 @@ cd "$(dirname "$0")"
 
 case "${1:-}" in
 "" | --release) ;;
-*) sed -n '2,4s/^# //p' "$0"; exit 2 ;;
+*) sed -n '2,5s/^# //p' "$0"; exit 2 ;;
 esac
 
 ensure_packages "${build_packages[@]}" "${screen_packages[@]}"
@@ -16,6 +17,7 @@ ensure_packages "${build_packages[@]}" "${screen_packages[@]}"
 jobs=$(($(nproc) * 2)) # most of their time the tests wait
 run_tests() { ctest --test-dir "build/$1" --output-on-failure --no-tests=error -j"$jobs" "${@:2}"; }
 
+tools/windows/check-sources.sh
 build_preset asan
 run_tests asan
 if [ "${1:-}" = --release ]; then

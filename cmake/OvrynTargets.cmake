@@ -66,3 +66,19 @@ function(ovryn_test name)
         LABELS "${ARG_LABELS}"
         ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;QT_FONT_DPI=96;FONTCONFIG_FILE=${PROJECT_SOURCE_DIR}/tests/support/fonts.conf;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0;TSAN_OPTIONS=ignore_noninstrumented_modules=1:history_size=7:suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp;UBSAN_OPTIONS=print_stacktrace=1;${ARG_ENVIRONMENT}")
 endfunction()
+
+# ovryn_windows_program(<target> <description>)
+# Gives the executable icon, version and manifest, which only Windows knows.
+function(ovryn_windows_program target description)
+    if(NOT WIN32)
+        return()
+    endif()
+    enable_language(RC)
+    string(REPLACE "." "," OVRYN_VERSION_NUMBERS "${PROJECT_VERSION}")
+    set(OVRYN_FILE_DESCRIPTION "${description}")
+    set(OVRYN_FILE_NAME ${target})
+    configure_file("${PROJECT_SOURCE_DIR}/resources/windows/program.rc.in" ${target}.rc @ONLY)
+    target_sources(${target} PRIVATE "${CMAKE_CURRENT_BINARY_DIR}/${target}.rc")
+    set_source_files_properties("${CMAKE_CURRENT_BINARY_DIR}/${target}.rc" PROPERTIES
+        OBJECT_DEPENDS "${PROJECT_SOURCE_DIR}/resources/images/icon.ico;${PROJECT_SOURCE_DIR}/resources/windows/program.manifest")
+endfunction()

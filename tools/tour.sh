@@ -2,6 +2,7 @@
 # tour.sh PROGRAM FOLDER: starts the program on a virtual screen, visits its pages by mouse and leaves a picture of each
 # in FOLDER. LD_LIBRARY_PATH chooses the driver. A card-front in the program's folder shows the simulated cards' lights
 # and panels to the right of the program.
+# A program for Windows is started under Wine; tools/windows/tour.sh does that.
 set -euo pipefail
 program=$(realpath "$1")
 mkdir -p "$2"
@@ -11,7 +12,16 @@ pictures=$(realpath "$2")
 start_screen 1920x900 # room for both windows
 place=$(mktemp -d)
 # config.xml is in the executable's folder: a new folder gives a start without settings
-cp -r "$program" "$(dirname "$program")/updateLog" "$place/"
+case "$program" in
+*.exe)
+    cp -r "$(dirname "$program")"/. "$place/"
+    start=(env -u QT_QPA_PLATFORM -u QT_PLUGIN_PATH -u WINEPATH wine "$place/OvrynDeck2.exe")
+    ;;
+*)
+    cp -r "$program" "$(dirname "$program")/updateLog" "$place/"
+    start=("$place/OvrynDeck2")
+    ;;
+esac
 # with a runtime folder of its own it is the first instance even while another one runs
 mkdir -m 700 "$place/runtime"
 export NVAPI_SIM_STATE="$place/card-state.json"
@@ -22,7 +32,7 @@ if [ -x "$front" ]; then
     "$front" & pids+=($!)
     wait_for 20 find_window "Card front"
 fi
-XDG_RUNTIME_DIR="$place/runtime" XDG_CONFIG_HOME="$place/settings" "$place/OvrynDeck2" &
+XDG_RUNTIME_DIR="$place/runtime" XDG_CONFIG_HOME="$place/settings" "${start[@]}" &
 program_pid=$!
 pids+=($program_pid)
 

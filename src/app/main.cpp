@@ -4,6 +4,7 @@
 #include "platform/ExecutableName.h"
 #include "platform/FileSync.h"
 #include "platform/QtSingleApplication.h"
+#include "platform/ScreenScaling.h"
 #include "ui/Fonts.h"
 #include "ui/MessageBoxes.h"
 #include "ui/Ovryn_LanguageTable.h"
@@ -132,6 +133,7 @@ AfterUpdate settleUpdate(const Ovryn_LanguageTable &texts, QStringList &restartA
 /// The program from its start to its end. `restart` is set where it is to be started anew, with these arguments.
 int run(int argc, char **argv, std::optional<QStringList> &restart)
 {
+    followScreenScaling();
     QtSingleApplication application(QString::fromLatin1(kProgramId), argc, argv);
     if (!becomeTheInstance(application))
         return 0;

@@ -1,6 +1,6 @@
 #include "device/NvGpuControl.h"
 #include "guard/WatchList.h"
-#include "platform/EndSignals.h"
+#include "platform/OutliveSession.h"
 
 #include <chrono>
 #include <cstdlib>

@@ -6,7 +6,9 @@
 
 void setStartOnBoot(bool startOnBoot, const QString &programPath)
 {
-    QSettings runKey(QStringLiteral("HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows\\CurrentVersion\\Run"),
-                     QSettings::NativeFormat);
-    storeAutoStartValue(runKey, startOnBoot, programPath);
+    QSettings machine(QStringLiteral("HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows\\CurrentVersion\\Run"),
+                      QSettings::NativeFormat);
+    QSettings user(QStringLiteral("HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\Run"),
+                   QSettings::NativeFormat);
+    storeAutoStartValues(machine, user, startOnBoot, programPath);
 }

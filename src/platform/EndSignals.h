@@ -6,8 +6,9 @@
 ///
 /// On Unix that is SIGTERM, SIGINT or SIGHUP. The first one is reported on the thread that made the object, from its
 /// event loop; a second one of the same kind ends the process at once, for the case that the program hangs. Windows
-/// sends no such signals to a program with windows: there nothing is ever reported, and the toolkit's session
-/// management takes its place. One object at a time; its destructor restores the usual effect of the signals.
+/// sends no such signals to a program with windows: there the installer sets a named event, and the toolkit's session
+/// management reports the end of the session. One object at a time; its destructor restores the usual effect of the
+/// signals.
 class EndSignals : public QObject
 {
     Q_OBJECT
@@ -22,7 +23,3 @@ signals:
 private slots:
     void onSignalArrived();
 };
-
-/// For a helper process that must outlive the program it serves: the signals that a terminal or a session sends to
-/// all of its processes don't reach it from now on. It ends by itself, or is killed.
-void outliveTheSession();

@@ -1,5 +1,7 @@
 #include "platform/EndSignals.h"
 
+#include "platform/EndSignalNumbers.h"
+
 #include <QSocketNotifier>
 
 #include <array>
@@ -11,8 +13,6 @@
 
 namespace
 {
-
-constexpr std::array<int, 3> kEndSignals = {SIGTERM, SIGINT, SIGHUP};
 
 // A handler may do next to nothing, so it writes a byte that the event loop reads.
 std::array<int, 2> signalPipe = {-1, -1};
@@ -66,11 +66,4 @@ void EndSignals::onSignalArrived()
     while (read(signalPipe[0], bytes.data(), bytes.size()) > 0) {
     }
     emit endDemanded();
-}
-
-void outliveTheSession()
-{
-    setsid(); // fails for the leader of a process group, which a helper is not
-    for (const int signalNumber : kEndSignals)
-        std::signal(signalNumber, SIG_IGN);
 }

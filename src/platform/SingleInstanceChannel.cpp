@@ -44,7 +44,11 @@ QString SingleInstanceChannel::endMarkName(const QString &id)
 }
 
 SingleInstanceChannel::SingleInstanceChannel(const QString &id, QObject *parent)
-    : QObject(parent), address(serverAddress(id)), endMark(endMarkName(id)), lock(lockFileName(id))
+    : QObject(parent),
+      address(serverAddress(id)),
+      endMark(endMarkName(id)),
+      lockName(lockFileName(id)),
+      lock(lockName)
 {
     lock.setStaleLockTime(0); // a lock is never stale by age, only by the end of its process
     connect(&server, SIGNAL(newConnection()), this, SLOT(onNewConnection()));
@@ -68,13 +72,18 @@ bool SingleInstanceChannel::takeLock()
 {
     if (lock.tryLock())
         return true;
-    if (lock.error() != QLockFile::LockFailedError || !lockNamesNoProcess())
+    if (lock.error() != QLockFile::LockFailedError)
         return false;
-    // Its process is just writing its name, or was killed before that. The file of a living process cannot be
-    // removed: the system locks it too.
-    if (lock.tryLock(kLockWriteMs))
+    // Its process is just writing its name, or was killed before that.
+    const bool waited = lockNamesNoProcess();
+    if (waited && lock.tryLock(kLockWriteMs))
         return true;
-    return lockNamesNoProcess() && lock.removeStaleLockFile() && lock.tryLock();
+    // It names a process that lives. That may be another one than the process that was killed with the lock, because the
+    // system reuses the numbers of processes: another user's process, or this one. The file of a living holder can't be
+    // removed: the system locks it too, before the name is written. Only one start at a time removes the file, by the
+    // lock that the toolkit uses for that too: the next one would remove the file of the new holder.
+    QLockFile removal(lockName + QStringLiteral(".rmlock"));
+    return removal.tryLock() && (waited || !lockNamesNoProcess()) && lock.removeStaleLockFile() && lock.tryLock();
 }
 
 bool SingleInstanceChannel::lockNamesNoProcess() const

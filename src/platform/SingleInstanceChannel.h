@@ -63,6 +63,7 @@ private:
 
     QString address;
     QString endMark;
+    QString lockName;
     int peerTimeoutMs = 5000;
     QLockFile lock;      // is released after the server
     QLocalServer server; // owns the sockets of its peers

@@ -27,6 +27,8 @@ private slots:
     void runValue();
     void runValueReplacesAndIsRemoved();
     void runValueRemovedWhereThereIsNone();
+    void twoRunKeys_data();
+    void twoRunKeys();
 
     void execLine_data();
     void execLine();
@@ -78,6 +80,21 @@ namespace
 {
 
 const QString kProgram = QStringLiteral("/opt/deck/OvrynDeck2");
+
+/// Settings files that can be read but not written, as the machine's Run key for a user who is no administrator.
+QSettings::Format refusingFormat()
+{
+    static const QSettings::Format format = QSettings::registerFormat(
+        QStringLiteral("refusing"),
+        [](QIODevice &device, QSettings::SettingsMap &values) {
+            const QSettings file(static_cast<QFileDevice &>(device).fileName(), QSettings::IniFormat);
+            for (const QString &key : file.allKeys())
+                values.insert(key, file.value(key));
+            return true;
+        },
+        [](QIODevice &, const QSettings::SettingsMap &) { return false; });
+    return format;
+}
 
 QByteArray contentOf(const QString &path)
 {
@@ -222,6 +239,63 @@ void TestAutoStart::runValueRemovedWhereThereIsNone()
 }
 
 // ---- the command line of an entry ---------------------------------------------------------------------
+
+void TestAutoStart::twoRunKeys_data()
+{
+    const QString path = QStringLiteral("\\opt\\deck\\OvrynDeck2");
+    const QString former = QStringLiteral("C:\\Program Files\\OvrynDeck2.exe");
+    const QString none;
+    QTest::addColumn<bool>("refuses");
+    QTest::addColumn<bool>("startOnBoot");
+    QTest::addColumn<QString>("machineBefore");
+    QTest::addColumn<QString>("userBefore");
+    QTest::addColumn<QString>("machineAfter");
+    QTest::addColumn<QString>("userAfter");
+    //                                                refuses  start    before: machine, user   after: machine, user
+    QTest::newRow("on, as administrator") << false << true << none << none << path << none;
+    QTest::newRow("off, as administrator") << false << false << path << none << none << none;
+    QTest::newRow("on, was the user's") << false << true << none << path << path << none;
+    QTest::newRow("off, was the user's") << false << false << none << path << none << none;
+    QTest::newRow("on, refused") << true << true << none << none << none << path;
+    QTest::newRow("off, refused") << true << false << none << path << none << none;
+    QTest::newRow("on, refused, but there") << true << true << path << none << path << none;
+    QTest::newRow("on, refused, but there and twice") << true << true << path << path << path << none;
+    QTest::newRow("on, refused, another there") << true << true << former << none << former << path;
+}
+
+void TestAutoStart::twoRunKeys()
+{
+    QFETCH(bool, refuses);
+    QFETCH(bool, startOnBoot);
+    QFETCH(QString, machineBefore);
+    QFETCH(QString, userBefore);
+    const QString name = QString::fromLatin1(kAutoStartName);
+    const QString machineFile = place->filePath(QStringLiteral("machine"));
+    const QString userFile = place->filePath(QStringLiteral("user"));
+    const auto prepare = [&](const QString &file, const QString &value) {
+        QSettings key(file, QSettings::IniFormat);
+        key.setValue(QStringLiteral("another"), QStringLiteral("program"));
+        if (!value.isEmpty())
+            key.setValue(name, value);
+    };
+    prepare(machineFile, machineBefore);
+    prepare(userFile, userBefore);
+
+    {
+        QSettings machine(machineFile, refuses ? refusingFormat() : QSettings::IniFormat);
+        QSettings user(userFile, QSettings::IniFormat);
+        storeAutoStartValues(machine, user, startOnBoot, kProgram);
+    }
+    // Copies, since the toolkit remembers for a name what a refused write should have made of its file.
+    QVERIFY(QFile::copy(machineFile, machineFile + QStringLiteral(".copy")));
+    QVERIFY(QFile::copy(userFile, userFile + QStringLiteral(".copy")));
+    const QSettings machine(machineFile + QStringLiteral(".copy"), QSettings::IniFormat);
+    const QSettings user(userFile + QStringLiteral(".copy"), QSettings::IniFormat);
+    QTEST(machine.value(name).toString(), "machineAfter");
+    QTEST(user.value(name).toString(), "userAfter");
+    QCOMPARE(machine.value(QStringLiteral("another")).toString(), QStringLiteral("program"));
+    QCOMPARE(user.value(QStringLiteral("another")).toString(), QStringLiteral("program"));
+}
 
 void TestAutoStart::execLine_data()
 {

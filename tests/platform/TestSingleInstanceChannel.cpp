@@ -6,6 +6,7 @@
 
 #include <QFileInfo>
 #include <QLocalSocket>
+#include <QLockFile>
 #include <QThread>
 #include <QtEndian>
 #include <QtTest>
@@ -32,6 +33,18 @@ void writeFile(const QString &name, const QByteArray &text)
     QFile file(name);
     if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
         qFatal("cannot write %s", qPrintable(name));
+}
+
+/// What a lock file of this very process says.
+QByteArray lockTextOfThisProcess()
+{
+    const QTemporaryDir folder;
+    const QString name = folder.filePath(QStringLiteral("lock"));
+    QLockFile lock(name);
+    QFile file(name);
+    if (!lock.tryLock() || !file.open(QIODevice::ReadOnly))
+        qFatal("cannot make a lock file");
+    return file.readAll();
 }
 
 /// Sends from a thread of its own, as another process would, so that this thread can run the receiver.
@@ -307,6 +320,7 @@ void TestSingleInstanceChannel::strayLockFiles_data()
     QTest::newRow("process that cannot exist") << "2147483646" + programAndHost;
     QTest::newRow("living process of another program")
         << QByteArray::number(QCoreApplication::applicationPid()) + programAndHost;
+    QTest::newRow("killed process whose number is this one's now") << lockTextOfThisProcess();
 }
 
 void TestSingleInstanceChannel::strayLockFiles()

@@ -20,9 +20,9 @@ constexpr int kStarts = 8;
 class Start : public QProcess
 {
 public:
-    explicit Start(const QStringList &arguments = {QStringLiteral("stay")})
+    explicit Start(const QStringList &arguments = {QStringLiteral("stay")}, const QString &id = kId)
     {
-        QProcess::start(QStringLiteral(SINGLE_INSTANCE_HELPER), QStringList(kId) + arguments);
+        QProcess::start(QStringLiteral(SINGLE_INSTANCE_HELPER), QStringList(id) + arguments);
         if (!waitForStarted(kPatienceMs))
             qFatal("the helper program does not start");
     }
@@ -70,6 +70,7 @@ private slots:
     void secondStartEnds();
     void messageReachesTheFirst();
     void killedFirstLeavesAStaleLock();
+    void numberOfAKilledFirstIsGivenAgain();
     void stoppedFirstTimesOut();
     void orderlyEndLeavesNothing();
     void startsAtOnce_data();
@@ -111,6 +112,25 @@ void TestSingleInstanceProcesses::killedFirstLeavesAStaleLock()
     QTRY_COMPARE_WITH_TIMEOUT(first.said(), QStringList("first"), kPatienceMs);
     QCOMPARE(sendFromASecond("show"), QStringList("sent"));
     QTRY_COMPARE_WITH_TIMEOUT(first.said(), QStringList({"first", "message show"}), kPatienceMs);
+}
+
+/// The lock file of a killed one names a living process of the same program, which holds another lock.
+void TestSingleInstanceProcesses::numberOfAKilledFirstIsGivenAgain()
+{
+    const QString otherId = QStringLiteral("others");
+    Start other({QStringLiteral("stay")}, otherId);
+    QTRY_COMPARE_WITH_TIMEOUT(other.said(), QStringList("first"), kPatienceMs);
+    QFile namesTheOther(SingleInstanceChannel::lockFileName(otherId));
+    QVERIFY(namesTheOther.open(QIODevice::ReadOnly));
+    QFile lock(SingleInstanceChannel::lockFileName(kId));
+    QVERIFY(lock.open(QIODevice::WriteOnly));
+    QVERIFY(lock.write(namesTheOther.readAll()) > 0);
+    lock.close();
+
+    Start first;
+    QTRY_COMPARE_WITH_TIMEOUT(first.said(), QStringList("first"), kPatienceMs);
+    Start second;
+    QTRY_COMPARE_WITH_TIMEOUT(second.said(), QStringList("second"), kPatienceMs);
 }
 
 void TestSingleInstanceProcesses::stoppedFirstTimesOut()

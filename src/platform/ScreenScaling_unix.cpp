@@ -1,0 +1,3 @@
+#include "platform/ScreenScaling.h"
+
+void followScreenScaling() {}
