@@ -38,6 +38,7 @@ add_text() {
 rm -rf "$folder"
 mkdir -p "$folder"
 add_with_libraries "$built/bin/OvrynDeck2.exe" "$folder/OvrynDeck2.exe"
+add_with_libraries "$built/bin/OvrynUpdate.exe" "$folder/OvrynUpdate.exe"
 add_with_libraries "$built/bin/ovryn-fan-guard.exe" "$folder/ovryn-fan-guard.exe"
 add_with_libraries "$toolkit/plugins/platforms/qwindows.dll" "$folder/platforms/qwindows.dll"
 cp -r resources/updateLog "$folder/"

@@ -74,6 +74,21 @@ build_quazip() {
     cp "$work/quazip-source/COPYING" "$toolkit/licenses/QuaZIP/"
 }
 
+# Static: it is used by the updater alone.
+build_sodium() {
+    [ -e "$work/sodium-source/configure" ] || fetch_source libsodium "$work/sodium-source"
+    rm -rf "$work/sodium"
+    mkdir -p "$work/sodium"
+    cd "$work/sodium"
+    "$work/sodium-source/configure" --host="$triplet" --prefix="$toolkit" --disable-shared --disable-pie \
+        CFLAGS="-O2 $arithmetic"
+    make -j"$jobs"
+    make install
+    mkdir -p "$toolkit/licenses/libsodium"
+    cp "$work/sodium-source/LICENSE" "$toolkit/licenses/libsodium/"
+    cd "$tree"
+}
+
 # A prefix of its own: with /usr/include as a folder of headers the cross compiler would find the native ones.
 copy_json() {
     mkdir -p "$toolkit/include" "$toolkit/share/cmake"
@@ -96,4 +111,5 @@ if [ $# -gt 0 ]; then
 fi
 once build_qt
 once build_quazip
+once build_sodium
 once copy_json
