@@ -30,7 +30,7 @@ private:
     static QPushButton *modeSwitch(const OvrynDeck2 &dialog) { return button(dialog, "btnHighPerformance"); }
 
     /// Every call that changes the card's clocks.
-    [[nodiscard]] QStringList clockWrites() const { return driver->calls("NvAPI_GPU_SetPstates20"); }
+    [[nodiscard]] QStringList clockWrites() const { return driver->calls(Operation::NvAPI_GPU_SetPstates20); }
 };
 
 void TestHighPerformanceSwitch::tickIsLostWithoutAnOrderlyEnd()
@@ -61,7 +61,7 @@ void TestHighPerformanceSwitch::onAndOff()
     modeSwitch(dialog)->click();
     QVERIFY(modeSwitch(dialog)->isChecked());
     QVERIFY(adjustPage(dialog)->isHighPerformance());
-    QCOMPARE(clockWrites().value(0), QStringLiteral("GPU_SetPstates20 gpu0 0x31CF8 [8]=1 [12]=1 [40]=126000"));
+    QCOMPARE(clockWrites().value(0), QStringLiteral("GPU_SetPstates20 gpu0 graphics offset 126000 kHz"));
 
     modeSwitch(dialog)->click();
     QVERIFY(!modeSwitch(dialog)->isChecked());
@@ -87,7 +87,7 @@ void TestHighPerformanceSwitch::refusedCardLeavesItOff()
     dialog.show();
     QVERIFY(modeSwitch(dialog)->isVisible());
     if (!readable)
-        driver->fails("NvAPI_GPU_GetFullName", NVAPI_ERROR);
+        driver->fails(Operation::NvAPI_GPU_GetFullName, NVAPI_ERROR);
     driver->forgetCalls();
     QTest::mouseClick(modeSwitch(dialog), Qt::LeftButton);
     QVERIFY(!modeSwitch(dialog)->isChecked());
@@ -120,7 +120,7 @@ void TestHighPerformanceSwitch::endedByTheAdjustPage()
         page->onBtnApplyClick();
         QCOMPARE(answer.problems(), QStringList());
         // What the rows show, and not what stood before the mode.
-        QCOMPARE(clockWrites().value(0), QStringLiteral("GPU_SetPstates20 gpu0 0x31CF8 [8]=1 [12]=1 [40]=93000"));
+        QCOMPARE(clockWrites().value(0), QStringLiteral("GPU_SetPstates20 gpu0 graphics offset 93000 kHz"));
     } else {
         page->onBtnDefaultClick();
     }
