@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace simulated
 {
@@ -32,6 +33,9 @@ struct Call
     std::string note;                 ///< why the driver refused, where a status alone would not say it
     std::string violation;            ///< what no card would be asked in it; empty when the call is in order
     NvAPI_Status status = NVAPI_OK;
+    /// The record as it came in, without the zeros at its end; only kept for who asks for each call, and empty where
+    /// the version word does not say how large the record is.
+    std::vector<quint8> record;
 
     [[nodiscard]] std::string name() const { return operationName(operation); }
 };

@@ -40,8 +40,10 @@ ordered_json transfer(const NV_I2C_INFO &record)
         {"address", hexWord(record.i2cDevAddress)},
         {"regSize", record.regAddrSize},
     };
-    if (record.regAddrSize > 0 && record.regAddrSize <= kMostShown && record.pbI2cRegAddress)
-        arguments["reg"] = hexBytes(record.pbI2cRegAddress, record.regAddrSize);
+    // One byte, whatever the size says: the registers of the board's devices are no longer, and a caller points to
+    // one also where it sends none.
+    if (record.pbI2cRegAddress)
+        arguments["reg"] = hexBytes(record.pbI2cRegAddress, 1);
     arguments["size"] = record.cbSize;
     if (record.pbData && record.cbSize <= kMostShown)
         arguments["data"] = hexBytes(record.pbData, record.cbSize);

@@ -1,8 +1,7 @@
 #include "simulated/DriverCore.h"
 
-#include "simulated/Operations.h"
-
 #include <algorithm>
+#include <utility>
 
 namespace simulated
 {
@@ -16,19 +15,26 @@ bool changesLights(const Call &call)
     return write && call.status == NVAPI_OK;
 }
 
+/// The record as it is now, without the zeros at its end. Only for a record whose version word tells its size.
+std::vector<quint8> contentOf(const CallSubject &subject)
+{
+    const auto *bytes = reinterpret_cast<const quint8 *>(subject.version);
+    std::size_t size = nvApiRecordSize(*subject.version);
+    while (size > 0 && bytes[size - 1] == 0)
+        --size;
+    return {bytes, bytes + size};
+}
+
 } // namespace
 
-DriverCore::DriverCore(const Scenario &scenario, const Settings &coreSettings)
-    : driver(scenario.driver),
-      settings(coreSettings),
-      clock(coreSettings.clock),
-      journal(coreSettings.journalPath),
-      stateFile(coreSettings.statePath)
+DriverCore::DriverCore(const Scenario &scenario, std::shared_ptr<Answers> cardAnswers, DriverSettings coreSettings)
+    : knowledge(scenario.knowledge),
+      settings(std::move(coreSettings)),
+      answers(std::move(cardAnswers)),
+      clock(settings.clock),
+      journal(settings.journalPath),
+      stateFile(settings.statePath)
 {
-    for (const CardParameters &parameters : scenario.cards) {
-        if (cards.size() < kNvApiMaxGpus)
-            cards.emplace_back(parameters);
-    }
     for (const Fault &fault : scenario.faults)
         faults.add(fault);
     writeState(true);
@@ -39,53 +45,62 @@ DriverCore::~DriverCore()
     writeState(true);
 }
 
-NvAPI_Status DriverCore::perform(Operation operation, const CallSubject &subject,
-                                 const std::function<std::string(const CallContext &)> &violation,
-                                 const std::function<NvAPI_Status(Operations &)> &run,
-                                 const std::function<nlohmann::ordered_json()> &describe)
+Call DriverCore::begin(Operation operation, const CallSubject &subject,
+                       const std::function<std::string(const CallContext &)> &violation)
 {
+    const std::lock_guard<std::mutex> guard(mutex);
     Call call;
     call.operation = operation;
-    FaultPlan::Effect effect;
-    {
-        const std::lock_guard<std::mutex> guard(mutex);
-        call.timeMs = clock.elapsedMs();
-        call.thread = threadNumber();
-        if (subject.hasHandle && operation != Operation::NvAPI_GetAssociatedDisplayOutputId) {
-            call.card = cardOf(subject.handle);
-            call.handle = call.card        ? Call::Handle::Known
-                          : subject.handle ? Call::Handle::Unknown
-                                           : Call::Handle::Null;
-        }
-        if (subject.version)
-            call.version = *subject.version;
-        // Judged before a fault makes the call wait: it may end after the driver has been left.
-        call.violation = violationOf(call, subject, violation);
-        effect = faults.count(operation, call.card);
+    call.timeMs = clock.elapsedMs();
+    call.thread = threadNumber();
+    if (subject.hasHandle && operation != Operation::NvAPI_GetAssociatedDisplayOutputId) {
+        call.card = answers->cardOf(subject.handle);
+        call.handle = call.card ? Call::Handle::Known : subject.handle ? Call::Handle::Unknown : Call::Handle::Null;
     }
-    if (effect.delayMs > 0)
-        std::this_thread::sleep_for(std::chrono::milliseconds(effect.delayMs));
+    if (subject.version)
+        call.version = *subject.version;
+    // Judged before anything makes the call wait: it may end after the driver has been left.
+    call.violation = violationOf(call, subject, violation);
+    if (settings.onAnswer && subject.version && isReadable(call, subject))
+        call.record = contentOf(subject);
+    return call;
+}
 
-    const std::lock_guard<std::mutex> guard(mutex);
-    catchUp();
-    call.status = effect.status.value_or(NVAPI_OK);
+NvAPI_Status DriverCore::perform(Operation operation, const CallSubject &subject,
+                                 const std::function<std::string(const CallContext &)> &violation,
+                                 const std::function<NvAPI_Status(Answers &)> &run,
+                                 const std::function<nlohmann::ordered_json()> &describe)
+{
+    Call call = begin(operation, subject, violation);
+    std::optional<NvAPI_Status> imposed = settings.onCall ? settings.onCall(operation) : std::nullopt;
+
+    std::unique_lock<std::mutex> guard(mutex);
+    const FaultPlan::Effect effect = faults.count(operation, call.card);
+    if (effect.delayMs > 0) {
+        guard.unlock();
+        std::this_thread::sleep_for(std::chrono::milliseconds(effect.delayMs));
+        guard.lock();
+    }
+    if (!imposed)
+        imposed = effect.status;
+
+    answers->catchUp(clock.elapsedMs());
+    answers->begin(call);
+    call.status = imposed.value_or(NVAPI_OK);
     if (call.status == NVAPI_OK)
         call.status = refusal(call, subject);
-    if (call.status == NVAPI_OK && !effect.status) {
-        Operations operations(*this, call);
-        call.status = run(operations);
-    }
+    if (call.status == NVAPI_OK && !imposed)
+        call.status = run(*answers);
+    else if (knowledge.of(operation).fillsDespiteFailure && canBeAnswered(call, subject))
+        run(*answers);
     followSession(call);
-    if (settings.keepCalls || journal.isOpen()) {
+    if (settings.onAnswer || journal.isOpen()) {
         if (isReadable(call, subject))
             call.arguments = describe();
         if (journal.isOpen())
             journal.write(journalLine(call));
-        if (settings.keepCalls) {
-            calls.push_back(call);
-            if (!call.violation.empty())
-                violations.push_back(call);
-        }
+        if (settings.onAnswer)
+            settings.onAnswer(call);
     }
     writeState(operation == Operation::NvAPI_Unload || changesLights(call));
     return call.status;
@@ -97,14 +112,21 @@ NvAPI_Status DriverCore::refusal(const Call &call, const CallSubject &subject) c
         return NVAPI_INVALID_ARGUMENT;
     if (call.handle == Call::Handle::Null)
         return NVAPI_INVALID_HANDLE;
-    if (call.handle == Call::Handle::Unknown || (call.card && cards[*call.card].lost))
+    if (call.handle == Call::Handle::Unknown || (call.card && answers->isLost(*call.card)))
         return NVAPI_EXPECTED_PHYSICAL_GPU_HANDLE;
     if (call.version) {
-        const std::vector<quint32> &known = driver.of(call.operation).versions;
+        const std::vector<quint32> &known = knowledge.of(call.operation).versions;
         if (std::find(known.begin(), known.end(), *call.version) == known.end())
             return NVAPI_INCOMPATIBLE_STRUCT_VERSION;
     }
     return NVAPI_OK;
+}
+
+bool DriverCore::canBeAnswered(const Call &call, const CallSubject &subject) const
+{
+    const NvAPI_Status reason = refusal(call, subject);
+    // Of a version that the driver does not know the record is there all the same.
+    return reason == NVAPI_OK || (reason == NVAPI_INCOMPATIBLE_STRUCT_VERSION && isReadable(call, subject));
 }
 
 /// A record is looked into only when its version word says how much of it there is.
@@ -136,10 +158,8 @@ std::string DriverCore::violationOf(const Call &call, const CallSubject &subject
         return "null card handle";
     if (!isReadable(call, subject))
         return "unknown version word";
-    CallContext context;
-    context.card = call.card ? &cards[*call.card] : nullptr;
+    CallContext context = answers->contextOf(call.card);
     context.version = call.version.value_or(0);
-    context.countsAreTrue = driver.hostility.count == 0;
     return violation(context);
 }
 
@@ -159,7 +179,7 @@ void DriverCore::followSession(const Call &call)
 void DriverCore::edit(const std::function<void(DriverCore &)> &change)
 {
     const std::lock_guard<std::mutex> guard(mutex);
-    catchUp();
+    answers->catchUp(clock.elapsedMs());
     change(*this);
 }
 
@@ -167,50 +187,33 @@ void DriverCore::advance(qint64 milliseconds)
 {
     const std::lock_guard<std::mutex> guard(mutex);
     clock.push(milliseconds);
-    catchUp();
+    answers->catchUp(clock.elapsedMs());
     writeState(false);
 }
 
-bool DriverCore::isMissing(Operation operation)
+bool DriverCore::offers(Operation operation)
 {
     const std::lock_guard<std::mutex> guard(mutex);
-    return driver.of(operation).missing;
+    ++queries[static_cast<std::size_t>(operation)];
+    return !knowledge.of(operation).missing;
 }
 
-std::optional<quint32> DriverCore::cardOf(const void *handle) const
+int DriverCore::queriesOf(Operation operation)
 {
-    for (std::size_t i = 0; i < cards.size(); ++i) {
-        if (handle == &handlePlaces[i])
-            return static_cast<quint32>(i);
-    }
-    return std::nullopt;
-}
-
-quint32 DriverCore::displayCount() const
-{
-    quint32 count = 0;
-    for (const Card &card : cards)
-        count += card.parameters.tcc ? 0 : card.parameters.displays;
-    return count;
+    const std::lock_guard<std::mutex> guard(mutex);
+    return queries[static_cast<std::size_t>(operation)];
 }
 
 void DriverCore::writeState(bool evenIfRecent)
 {
     if (stateFile.isDue(evenIfRecent))
-        stateFile.write(stateText(cards, clock.elapsedMs()));
+        stateFile.write(answers->stateText(clock.elapsedMs()));
 }
 
 int DriverCore::threadNumber()
 {
     const int next = static_cast<int>(threads.size()) + 1;
     return threads.emplace(std::this_thread::get_id(), next).first->second;
-}
-
-void DriverCore::catchUp()
-{
-    const double simulatedMs = static_cast<double>(clock.elapsedMs()) * driver.timeScale;
-    for (Card &card : cards)
-        card.advanceTo(simulatedMs);
 }
 
 } // namespace simulated

@@ -1,16 +1,15 @@
 #pragma once
 
-#include "simulated/Call.h"
-#include "simulated/CallRules.h"
-#include "simulated/Card.h"
+#include "simulated/Answers.h"
+#include "simulated/DriverSettings.h"
 #include "simulated/FaultPlan.h"
 #include "simulated/JournalFile.h"
 #include "simulated/Scenario.h"
-#include "simulated/SimulatedClock.h"
 #include "simulated/StateFile.h"
 
 #include <functional>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <thread>
@@ -18,8 +17,6 @@
 
 namespace simulated
 {
-
-class Operations;
 
 /// What can be told of a call from its arguments alone.
 struct CallSubject
@@ -30,22 +27,16 @@ struct CallSubject
     bool nullPointer = false;         ///< a pointer to write to or a record is null
 };
 
-/// The machine behind the entry points: cards, faults, clock, journal.
+/// What every driver of ours has: its session, the versions that it knows, faults, clock and journal. What a call
+/// that nothing stops is answered is the part of its `Answers`.
 ///
 /// May be called from any thread. One mutex guards everything; a fault's delay is waited for without it,
 /// so that a slow call does not hold up the calls of other threads.
 class DriverCore
 {
 public:
-    struct Settings
-    {
-        SimulatedClock::Kind clock = SimulatedClock::Wall;
-        bool keepCalls = false;  ///< keep the calls in memory
-        std::string journalPath; ///< appended to; empty: none
-        std::string statePath;   ///< rewritten; empty: none
-    };
-
-    DriverCore(const Scenario &scenario, const Settings &settings);
+    /// Knowledge and faults are those of the scenario.
+    DriverCore(const Scenario &scenario, std::shared_ptr<Answers> answers, DriverSettings settings);
     ~DriverCore();
     DriverCore(const DriverCore &) = delete;
     DriverCore &operator=(const DriverCore &) = delete;
@@ -55,26 +46,19 @@ public:
     /// journal of them once the call has run.
     NvAPI_Status perform(Operation operation, const CallSubject &subject,
                          const std::function<std::string(const CallContext &)> &violation,
-                         const std::function<NvAPI_Status(Operations &)> &run,
+                         const std::function<NvAPI_Status(Answers &)> &run,
                          const std::function<nlohmann::ordered_json()> &describe);
 
-    /// Runs something on the machine's parts while no call is under way.
+    /// Runs something on knowledge, faults and answers while no call is under way.
     void edit(const std::function<void(DriverCore &)> &change);
     void advance(qint64 milliseconds);
-    [[nodiscard]] bool isMissing(Operation operation);
+    /// Whether the library has the entry point; counts the question.
+    [[nodiscard]] bool offers(Operation operation);
+    [[nodiscard]] int queriesOf(Operation operation); ///< how often the entry point was asked for
 
-    // ---- the parts; touch them only within `edit` or an operation ----
-
-    [[nodiscard]] NvPhysicalGpuHandle cardHandle(std::size_t index) { return &handlePlaces.at(index); }
-    [[nodiscard]] std::optional<quint32> cardOf(const void *handle) const; ///< also for a lost card
-    [[nodiscard]] quint32 displayCount() const;
-    void writeState(bool evenIfRecent); ///< to the state file, when there is one
-
-    DriverParameters driver;
-    std::vector<Card> cards;
+    // ---- the parts; touch them only within `edit` ----
+    DriverKnowledge knowledge;
     FaultPlan faults;
-    std::vector<Call> calls;      ///< only grows when calls are kept
-    std::vector<Call> violations; ///< the calls that no card would be asked; only grows when calls are kept
 
 private:
     /// How far the driver has been started.
@@ -85,22 +69,26 @@ private:
         Open
     };
 
+    [[nodiscard]] Call begin(Operation operation, const CallSubject &subject,
+                             const std::function<std::string(const CallContext &)> &violation);
     [[nodiscard]] int threadNumber();
     [[nodiscard]] std::string violationOf(const Call &call, const CallSubject &subject,
                                           const std::function<std::string(const CallContext &)> &violation) const;
     [[nodiscard]] static bool isReadable(const Call &call, const CallSubject &subject);
     void followSession(const Call &call);
     [[nodiscard]] NvAPI_Status refusal(const Call &call, const CallSubject &subject) const;
-    void catchUp(); ///< lets the cards run up to now
+    [[nodiscard]] bool canBeAnswered(const Call &call, const CallSubject &subject) const;
+    void writeState(bool evenIfRecent); ///< to the state file, when there is one
 
-    Settings settings;
+    const DriverSettings settings;
     std::mutex mutex; ///< guards all that follows and the public parts
+    const std::shared_ptr<Answers> answers;
     SimulatedClock clock;
     JournalFile journal;
     StateFile stateFile;
     std::map<std::thread::id, int> threads;
     Session session = Session::Closed;
-    std::array<char, kNvApiMaxGpus> handlePlaces{}; ///< the address of each is a card's handle
+    std::array<int, kOperationCount> queries{};
 };
 
 } // namespace simulated

@@ -3,7 +3,6 @@
 #include "simulated/CallArguments.h"
 #include "simulated/CallRules.h"
 #include "simulated/DriverCore.h"
-#include "simulated/Operations.h"
 
 #include <mutex>
 #include <type_traits>
@@ -64,7 +63,7 @@ CallSubject inspect(Arguments... arguments)
         return core->perform( \
             Operation::name, inspect arguments, \
             [&](const CallContext &context) { return CallRule<Operation::name>(context).broken arguments; }, \
-            [&](Operations &operations) { return operations.name arguments; }, \
+            [&](Answers &answers) { return answers.name arguments; }, \
             [&] { return CallArguments<Operation::name>::of arguments; }); \
     }
 OVRYN_NVAPI_OPERATIONS(OVRYN_SIMULATED_ENTRY)
@@ -105,7 +104,7 @@ void *OVRYN_NVAPI_CALL queryInterface(quint32 identifier)
     const std::shared_ptr<DriverCore> core = currentCore();
     for (const Entry &entry : kEntries) {
         if (entry.identifier == identifier)
-            return core && core->isMissing(entry.operation) ? nullptr : entry.function;
+            return !core || core->offers(entry.operation) ? entry.function : nullptr;
     }
     return nullptr;
 }

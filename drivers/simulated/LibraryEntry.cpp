@@ -2,6 +2,7 @@
 
 #include "simulated/DriverCore.h"
 #include "simulated/EntryPoints.h"
+#include "simulated/Operations.h"
 #include "simulated/ScenarioReader.h"
 
 #include <cstdlib>
@@ -40,10 +41,12 @@ class Machine
 public:
     Machine()
     {
-        simulated::DriverCore::Settings settings;
+        simulated::DriverSettings settings;
         settings.journalPath = environment("NVAPI_SIM_JOURNAL");
         settings.statePath = environment("NVAPI_SIM_STATE");
-        core = std::make_shared<simulated::DriverCore>(scenarioFromEnvironment(), settings);
+        const simulated::Scenario scenario = scenarioFromEnvironment();
+        core = std::make_shared<simulated::DriverCore>(scenario, std::make_shared<simulated::Operations>(scenario),
+                                                       settings);
         simulated::setActiveCore(core);
     }
     ~Machine() { simulated::removeActiveCore(core.get()); }

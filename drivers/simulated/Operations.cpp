@@ -2,6 +2,8 @@
 
 #include "simulated/Operations.h"
 
+#include "simulated/StateFile.h"
+
 #include <algorithm>
 
 namespace simulated
@@ -36,9 +38,45 @@ constexpr StatusText kStatusTexts[] = {
 
 } // namespace
 
+Operations::Operations(const Scenario &scenario) : driver(scenario.driver)
+{
+    for (const CardParameters &parameters : scenario.cards) {
+        if (cards.size() < kNvApiMaxGpus)
+            cards.emplace_back(parameters);
+    }
+}
+
+CallContext Operations::contextOf(std::optional<quint32> index) const
+{
+    CallContext context;
+    context.card = index ? &cards.at(*index) : nullptr;
+    context.countsAreTrue = driver.hostility.count == 0;
+    return context;
+}
+
+std::string Operations::stateText(qint64 elapsedMs) const
+{
+    return simulated::stateText(cards, elapsedMs);
+}
+
+void Operations::catchUp(qint64 elapsedMs)
+{
+    const double simulatedMs = static_cast<double>(elapsedMs) * driver.timeScale;
+    for (Card &each : cards)
+        each.advanceTo(simulatedMs);
+}
+
+quint32 Operations::displayCount() const
+{
+    quint32 count = 0;
+    for (const Card &each : cards)
+        count += each.parameters.tcc ? 0 : each.parameters.displays;
+    return count;
+}
+
 void Operations::writeText(char *buffer, const std::string &text) const
 {
-    if (core.driver.hostility.unterminatedTexts) {
+    if (driver.hostility.unterminatedTexts) {
         std::memset(buffer, 'X', kNvApiShortTextSize);
         std::memcpy(buffer, text.data(), std::min(text.size(), kNvApiShortTextSize));
         return;
@@ -67,9 +105,9 @@ NvAPI_Status Operations::NvAPI_GetErrorMessage(NvAPI_Status status, char *text)
 
 NvAPI_Status Operations::NvAPI_EnumNvidiaDisplayHandle(quint32 index, NvDisplayHandle *display)
 {
-    if (core.cards.empty())
+    if (cards.empty())
         return NVAPI_NVIDIA_DEVICE_NOT_FOUND;
-    if (index >= core.displayCount())
+    if (index >= displayCount())
         return NVAPI_END_ENUMERATION;
     *display = reinterpret_cast<NvDisplayHandle>(kFirstDisplay + index);
     return NVAPI_OK;
@@ -78,7 +116,7 @@ NvAPI_Status Operations::NvAPI_EnumNvidiaDisplayHandle(quint32 index, NvDisplayH
 NvAPI_Status Operations::NvAPI_GetAssociatedDisplayOutputId(NvDisplayHandle display, quint32 *outputId)
 {
     const quintptr index = reinterpret_cast<quintptr>(display) - kFirstDisplay;
-    if (index >= core.displayCount())
+    if (index >= displayCount())
         return NVAPI_INVALID_HANDLE;
     *outputId = 1u << (kFirstOutputBit + index % kOutputBits);
     return NVAPI_OK;
@@ -87,12 +125,12 @@ NvAPI_Status Operations::NvAPI_GetAssociatedDisplayOutputId(NvDisplayHandle disp
 NvAPI_Status Operations::enumerate(bool tcc, NvPhysicalGpuHandle *gpus, quint32 *count)
 {
     quint32 found = 0;
-    for (std::size_t i = 0; i < core.cards.size(); ++i) {
-        if (core.cards[i].parameters.tcc == tcc && !core.cards[i].lost)
-            gpus[found++] = core.cardHandle(i);
+    for (std::size_t i = 0; i < cards.size(); ++i) {
+        if (cards[i].parameters.tcc == tcc && !cards[i].lost)
+            gpus[found++] = cardHandle(i);
     }
     *count = answeredCount<quint32>(found);
-    return core.cards.empty() ? NVAPI_NVIDIA_DEVICE_NOT_FOUND : NVAPI_OK;
+    return cards.empty() ? NVAPI_NVIDIA_DEVICE_NOT_FOUND : NVAPI_OK;
 }
 
 NvAPI_Status Operations::NvAPI_EnumPhysicalGPUs(NvPhysicalGpuHandle *gpus, quint32 *count)
@@ -107,14 +145,14 @@ NvAPI_Status Operations::NvAPI_EnumTCCPhysicalGPUs(NvPhysicalGpuHandle *gpus, qu
 
 NvAPI_Status Operations::NvAPI_SYS_GetDriverAndBranchVersion(quint32 *driverVersion, char *branch)
 {
-    *driverVersion = core.driver.version;
-    writeText(branch, core.driver.branch);
+    *driverVersion = driver.version;
+    writeText(branch, driver.branch);
     return NVAPI_OK;
 }
 
 NvAPI_Status Operations::NvAPI_SYS_GetChipSetInfo(NvApiChipsetInfo *record)
 {
-    const ChipsetParameters &chipset = core.driver.chipset;
+    const ChipsetParameters &chipset = driver.chipset;
     NvApiChipsetInfo answer{};
     answer.vendorId = chipset.vendorId;
     answer.deviceId = chipset.deviceId;

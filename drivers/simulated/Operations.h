@@ -1,39 +1,49 @@
 #pragma once
 
-#include "simulated/DriverCore.h"
+#include "simulated/Answers.h"
+#include "simulated/Scenario.h"
 
 #include <cstring>
 
 namespace simulated
 {
 
-/// What the driver does for each operation. One object serves one call, within the core's mutex.
-///
-/// The core has already refused null pointers, unknown handles and unknown version words, so the record
-/// is there, in the size of its version word, and the card exists.
-class Operations
+/// The answers of cards that behave: what is written changes what is read next, and time passes.
+class Operations final : public Answers
 {
 public:
-    Operations(DriverCore &driverCore, Call &currentCall) : core(driverCore), call(currentCall) {}
+    explicit Operations(const Scenario &scenario);
 
-#define OVRYN_SIMULATED_OPERATION(identifier, name, parameters, arguments) NvAPI_Status name parameters;
+    DriverParameters driver;
+    std::vector<Card> cards;
+
+    [[nodiscard]] std::size_t cardCount() const override { return cards.size(); }
+    [[nodiscard]] bool isLost(std::size_t index) const override { return cards.at(index).lost; }
+    [[nodiscard]] CallContext contextOf(std::optional<quint32> index) const override;
+    [[nodiscard]] std::string stateText(qint64 elapsedMs) const override;
+    void catchUp(qint64 elapsedMs) override;
+
+    // clang-format off
+#define OVRYN_SIMULATED_OPERATION(identifier, name, parameters, arguments) NvAPI_Status name parameters override;
     OVRYN_NVAPI_OPERATIONS(OVRYN_SIMULATED_OPERATION)
 #undef OVRYN_SIMULATED_OPERATION
+    // clang-format on
 
 private:
-    [[nodiscard]] Card &card() const
+    [[nodiscard]] Card &card()
     {
-        return core.cards.at(call.card.value());
+        return cards.at(call().card.value());
     }
+    [[nodiscard]] quint32 displayCount() const;
     [[nodiscard]] quint32 version() const
     {
-        return call.version.value();
+        return call().version.value();
     }
 
     /// A refusal with its reason for the journal.
     NvAPI_Status refuse(NvAPI_Status status, const std::string &reason)
     {
-        call.note = reason;
+        call().note = reason;
         return status;
     }
 
@@ -41,7 +51,7 @@ private:
     template <class Word>
     [[nodiscard]] Word answeredCount(std::size_t count) const
     {
-        const quint32 hostile = core.driver.hostility.count;
+        const quint32 hostile = driver.hostility.count;
         return static_cast<Word>(hostile > 0 ? hostile : count);
     }
 
@@ -63,9 +73,6 @@ private:
     NvAPI_Status checkTransfer(const NV_I2C_INFO &record);
     NvAPI_Status readBus(NV_I2C_INFO *record);
     NvAPI_Status writeBus(NV_I2C_INFO *record);
-
-    DriverCore &core;
-    Call &call;
 };
 
 } // namespace simulated

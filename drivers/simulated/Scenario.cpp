@@ -3,25 +3,25 @@
 namespace simulated
 {
 
-void DriverParameters::keepAllRecords()
+void DriverKnowledge::keepAllRecords()
 {
     for (std::size_t i = 0; i < kOperationCount; ++i)
-        knowledge[i].versions = recordVersions(static_cast<Operation>(i));
+        operations[i].versions = recordVersions(static_cast<Operation>(i));
 }
 
-void DriverParameters::keepNewestRecords()
+void DriverKnowledge::keepNewestRecords()
 {
     keepAllRecords();
-    for (OperationKnowledge &known : knowledge) {
+    for (OperationKnowledge &known : operations) {
         if (!known.versions.empty())
             known.versions = {known.versions.front()};
     }
 }
 
-void DriverParameters::keepOldestRecords()
+void DriverKnowledge::keepOldestRecords()
 {
     keepAllRecords();
-    for (OperationKnowledge &known : knowledge) {
+    for (OperationKnowledge &known : operations) {
         if (!known.versions.empty())
             known.versions = {known.versions.back()};
     }

@@ -26,8 +26,9 @@ struct Fault
 /// What the driver knows of an operation.
 struct OperationKnowledge
 {
-    bool missing = false;          ///< the library has no such entry point
-    std::vector<quint32> versions; ///< version words that it accepts; any other gets -9
+    bool missing = false;             ///< the library has no such entry point
+    std::vector<quint32> versions;    ///< version words that it accepts; any other gets -9
+    bool fillsDespiteFailure = false; ///< a call that fails fills its record all the same
 };
 
 /// Ways in which a broken driver could harm a careless caller.
@@ -48,31 +49,40 @@ struct ChipsetParameters
     std::string subSysVendorName = "Simulated";
 };
 
-struct DriverParameters
+/// What the driver knows of all its operations; made to know everything.
+class DriverKnowledge
 {
-    DriverParameters() { keepAllRecords(); }
+public:
+    DriverKnowledge() { keepAllRecords(); }
 
     void keepAllRecords();    ///< every version that the records ever had
     void keepNewestRecords(); ///< the newest version of each record only
     void keepOldestRecords(); ///< the oldest version of each record only
 
+    OperationKnowledge &of(Operation operation) { return operations[static_cast<std::size_t>(operation)]; }
+    [[nodiscard]] const OperationKnowledge &of(Operation operation) const
+    {
+        return operations[static_cast<std::size_t>(operation)];
+    }
+
+private:
+    std::array<OperationKnowledge, kOperationCount> operations;
+};
+
+/// What the driver answers about itself, and how it treats its cards.
+struct DriverParameters
+{
     quint32 version = 38532; ///< the driver's integer: 385.32
     std::string branch = "r385_00";
     ChipsetParameters chipset;
-    double timeScale = 1;                                      ///< simulated milliseconds in a real one
-    std::array<OperationKnowledge, kOperationCount> knowledge; ///< by operation; made to know everything
+    double timeScale = 1; ///< simulated milliseconds in a real one
     Hostility hostility;
-
-    OperationKnowledge &of(Operation operation) { return knowledge[static_cast<std::size_t>(operation)]; }
-    [[nodiscard]] const OperationKnowledge &of(Operation operation) const
-    {
-        return knowledge[static_cast<std::size_t>(operation)];
-    }
 };
 
 /// A whole simulated machine.
 struct Scenario
 {
+    DriverKnowledge knowledge;
     DriverParameters driver;
     std::vector<CardParameters> cards; ///< at most 64
     std::vector<Fault> faults;

@@ -27,7 +27,7 @@ Operation readOperation(const JsonNode &node, const std::string &name)
     return operation;
 }
 
-void readVersions(const JsonNode &node, DriverParameters &driver)
+void readVersions(const JsonNode &node, DriverKnowledge &knowledge)
 {
     for (const auto &[name, entry] : JsonObject(node).entries()) {
         const Operation operation = readOperation(entry, name);
@@ -39,7 +39,7 @@ void readVersions(const JsonNode &node, DriverParameters &driver)
                 word.fail("the operation has no record version " + hexWord(version));
             known.push_back(version);
         }
-        driver.of(operation).versions = known;
+        knowledge.of(operation).versions = known;
     }
 }
 
@@ -64,7 +64,7 @@ void readHostility(const JsonNode &node, Hostility &hostility)
     keys.finish();
 }
 
-void readDriver(const JsonNode &node, DriverParameters &driver)
+void readDriver(const JsonNode &node, DriverParameters &driver, DriverKnowledge &knowledge)
 {
     JsonObject keys(node);
     keys.number("version", driver.version, 0, kWordMax);
@@ -73,17 +73,17 @@ void readDriver(const JsonNode &node, DriverParameters &driver)
     keys.with("records", [&](const JsonNode &entry) {
         switch (entry.choice({"all", "newest", "oldest"})) {
         case 1:
-            return driver.keepNewestRecords();
+            return knowledge.keepNewestRecords();
         case 2:
-            return driver.keepOldestRecords();
+            return knowledge.keepOldestRecords();
         default:
-            return driver.keepAllRecords();
+            return knowledge.keepAllRecords();
         }
     });
-    keys.with("versions", [&](const JsonNode &entry) { readVersions(entry, driver); });
+    keys.with("versions", [&](const JsonNode &entry) { readVersions(entry, knowledge); });
     keys.with("missing", [&](const JsonNode &entry) {
         for (const JsonNode &name : entry.list(0, kOperationCount))
-            driver.of(readOperation(name, name.text(63))).missing = true;
+            knowledge.of(readOperation(name, name.text(63))).missing = true;
     });
     keys.with("chipset", [&](const JsonNode &entry) { readChipset(entry, driver.chipset); });
     keys.with("hostile", [&](const JsonNode &entry) { readHostility(entry, driver.hostility); });
@@ -121,7 +121,7 @@ Scenario readScenario(const JsonNode &node)
 {
     Scenario scenario;
     JsonObject keys(node);
-    keys.with("driver", [&](const JsonNode &entry) { readDriver(entry, scenario.driver); });
+    keys.with("driver", [&](const JsonNode &entry) { readDriver(entry, scenario.driver, scenario.knowledge); });
     const bool hasCards = keys.with("cards", [&](const JsonNode &entry) {
         for (const JsonNode &card : entry.list(0, kNvApiMaxGpus)) {
             quint32 copies = 1;

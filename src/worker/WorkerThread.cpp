@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <utility>
 
 namespace
 {
@@ -63,11 +64,18 @@ void WorkerThread::requestEnd()
     endWanted.notify_all();
 }
 
+void WorkerThread::setSleep(std::function<void(unsigned int)> function)
+{
+    sleep = std::move(function);
+}
+
 bool WorkerThread::pause(QMutexLocker &held, unsigned int ms)
 {
     held.unlock();
     bool ending = false;
-    {
+    if (sleep) {
+        sleep(ms);
+    } else {
         std::unique_lock<std::mutex> guard(endLock);
         ending = endWanted.wait_for(guard, std::chrono::milliseconds(ms), [this] { return endRequested; });
     }

@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <functional>
 #include <mutex>
 
 /// The base of every worker thread: a mutex that the loop holds through each cycle and frees only for its sleep, and
@@ -43,6 +44,10 @@ public:
     /// that the system demands within seconds.
     static void setCycleWait(unsigned long cycleWaitMs);
 
+    /// Replaces the sleep between two cycles, for a caller that controls the worker's time; before the first start.
+    /// It is called in the worker's thread, with the mutex free, and no request to end wakes it.
+    void setSleep(std::function<void(unsigned int ms)> function);
+
     /// How many workers of this process were abandoned. Such a worker's thread may continue at any time, so the
     /// process must then end without destroying its static objects.
     [[nodiscard]] static int abandonedCount();
@@ -65,9 +70,8 @@ protected:
 
     /// The sleep of a loop between two cycles, the only place where it frees the mutex: through the loop's own
     /// locker, so that a thread that is terminated here unlocks nothing. A stop doesn't cut it short; a request to
-    /// end does. False when the loop is to end without another cycle; `stopped` is set then. A test replaces it to
-    /// drive the clock, and then calls endThread in its own destructor.
-    virtual bool pause(QMutexLocker &held, unsigned int ms);
+    /// end does. False when the loop is to end without another cycle; `stopped` is set then.
+    bool pause(QMutexLocker &held, unsigned int ms);
 
     /// True for a worker that was abandoned during a cycle: whatever it orders now comes after the end of its owner.
     [[nodiscard]] bool isAbandoned() const { return abandoned; }
@@ -93,6 +97,7 @@ private:
 
     bool leaving = false; ///< guarded by mutex; the thread may still run, but no loop does
     std::atomic<bool> abandoned{false};
+    std::function<void(unsigned int)> sleep; ///< empty: the thread sleeps
     std::mutex endLock; ///< taken for a moment only; in the loop's thread never while it waits for `mutex`
     std::condition_variable endWanted;
     bool endRequested = false;    ///< guarded by endLock

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/OvrynDeck2.h"
-#include "support/FakeDriver.h"
+#include "support/RawDriver.h"
 
 #include <QDir>
 #include <QPushButton>
@@ -33,7 +33,7 @@ private slots:
         QVERIFY(QDir::setCurrent(folder->path()));
         formerConfigHome = qgetenv("XDG_CONFIG_HOME");
         qputenv("XDG_CONFIG_HOME", QFile::encodeName(folder->filePath(QStringLiteral("home/.config"))));
-        driver = std::make_unique<FakeDriver>();
+        driver = std::make_unique<RawDriver>();
     }
 
     void cleanup()
@@ -74,7 +74,7 @@ protected:
         return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
     }
 
-    std::unique_ptr<FakeDriver> driver;
+    std::unique_ptr<RawDriver> driver;
 
 private:
     QString formerFolder;

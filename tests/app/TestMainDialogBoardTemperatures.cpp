@@ -2,7 +2,6 @@
 #include "board/temperatures/Ovryn_BoardInfoMainWidget.h"
 #include "board/temperatures/Ovryn_BoardInfoMonitorWidget.h"
 #include "board/temperatures/Ovryn_BoardInfoWidget.h"
-#include "device/nvapi/NvApi.h"
 #include "monitor/graphs/Ovryn_BaseInfoRow.h"
 #include "monitor/graphs/Ovryn_BaseMonitorBox.h"
 #include "monitor/sampling/Ovryn_SendNvCardInfoThread.h"
@@ -63,13 +62,6 @@ void TestMainDialogBoardTemperatures::init()
         for (std::size_t i = 0; i < 4; ++i)
             card.parameters.boardSensors.at(i).pinnedC = degrees[i];
     });
-    NvApiLibrarySource source;
-    source.load = [this] {
-        return driver->queryInterface();
-    };
-    source.unload = [] {
-    };
-    setNvApiLibrarySource(source);
     dialog = std::make_unique<OvrynDeck2>();
     dialog->show();
     QVERIFY(firstWorker() && firstPage());
@@ -78,7 +70,6 @@ void TestMainDialogBoardTemperatures::init()
 void TestMainDialogBoardTemperatures::cleanup()
 {
     dialog.reset();
-    setNvApiLibrarySource({});
     driver.reset();
     QDir::setCurrent(formerFolder);
     folder.reset();
@@ -87,8 +78,8 @@ void TestMainDialogBoardTemperatures::cleanup()
 void TestMainDialogBoardTemperatures::restWithoutAConnection()
 {
     QCOMPARE(dialog->findChildren<Ovryn_BoardInfoMainWidget *>().size(), dialog->cardCount());
-    driver->clearCalls();
-    QTRY_VERIFY(driver->calls(simulated::Operation::NvAPI_I2CRead).size() >= 8); // the worker reads them nevertheless
+    driver->forgetCalls();
+    QTRY_VERIFY(driver->calls(Operation::NvAPI_I2CRead).size() >= 8); // the worker reads them nevertheless
     QCoreApplication::processEvents();
     QCOMPARE(currentValues(), QStringList({"", "", "", ""}));
     QVERIFY(!firstPage()->isVisible());

@@ -1,7 +1,7 @@
 #include "app/MainDialogTest.h"
 #include "config/Ovryn_ConfigFile.h"
 #include "monitor/sampling/Ovryn_SendNvCardInfoThread.h"
-#include "overclock/AdjustCalls.h"
+#include "overclock/StockCard.h"
 #include "support/ModalAnswer.h"
 
 #include <QAction>
@@ -336,7 +336,7 @@ void TestMainDialogEnd::fanAtTheEnd()
                            cardSection("GeForce GTX 1070 Ti", adjust, "SelectOption=\"0\"", "LedMode=\"1\"")));
     auto dialog = std::make_unique<OvrynDeck2>(nullptr, kQuickPages);
     const auto levels = [this] {
-        return driver->calls("NvAPI_GPU_SetCoolerLevels");
+        return driver->orders().filter(QStringLiteral("fan "));
     };
     QTRY_VERIFY(!levels().isEmpty());
     dialog->close();

@@ -36,7 +36,7 @@ void TestMainDialogHangingDriver::hangingCardIsAbandoned()
     std::atomic<bool> mayHang{true};
     QSemaphore inCall;
     QSemaphore answer;
-    driver->onCall("NvAPI_GPU_GetMemoryInfo", [&] {
+    driver->onCall(Operation::NvAPI_GPU_GetMemoryInfo, [&] {
         if (QThread::currentThread() == guiThread || !mayHang.exchange(false))
             return;
         abandonedWorker = QThread::currentThread();

@@ -32,7 +32,7 @@ private:
     static QPushButton *modeSwitch(const OvrynDeck2 &dialog) { return button(dialog, "btnHighPerformance"); }
 
     /// Every call that changes the card's clocks.
-    [[nodiscard]] QStringList clockWrites() const { return driver->calls("NvAPI_GPU_SetPstates20"); }
+    [[nodiscard]] QStringList clockWrites() const { return driver->calls(Operation::NvAPI_GPU_SetPstates20); }
 };
 
 void TestMainDialogHighPerformance::tickIsLostWithoutAnOrderlyEnd()
@@ -85,7 +85,7 @@ void TestMainDialogHighPerformance::onAndOff()
     modeSwitch(dialog)->click();
     QVERIFY(modeSwitch(dialog)->isChecked());
     QVERIFY(adjustPage(dialog)->isHighPerformance());
-    QCOMPARE(clockWrites().value(0), QStringLiteral("GPU_SetPstates20 gpu0 0x31CF8 [8]=1 [12]=1 [40]=126000"));
+    QCOMPARE(clockWrites().value(0), QStringLiteral("GPU_SetPstates20 gpu0 graphics offset 126000 kHz"));
 
     modeSwitch(dialog)->click();
     QVERIFY(!modeSwitch(dialog)->isChecked());
@@ -111,7 +111,7 @@ void TestMainDialogHighPerformance::refusedCardLeavesItOff()
     dialog.show();
     QVERIFY(modeSwitch(dialog)->isVisible());
     if (!readable)
-        driver->fails("NvAPI_GPU_GetFullName", NVAPI_ERROR);
+        driver->fails(Operation::NvAPI_GPU_GetFullName, NVAPI_ERROR);
     driver->forgetCalls();
     QTest::mouseClick(modeSwitch(dialog), Qt::LeftButton);
     QVERIFY(!modeSwitch(dialog)->isChecked());
@@ -144,7 +144,7 @@ void TestMainDialogHighPerformance::endedByTheAdjustPage()
         page->onBtnApplyClick();
         QCOMPARE(answer.problems(), QStringList());
         // The values of the rows, not those from before the mode.
-        QCOMPARE(clockWrites().value(0), QStringLiteral("GPU_SetPstates20 gpu0 0x31CF8 [8]=1 [12]=1 [40]=93000"));
+        QCOMPARE(clockWrites().value(0), QStringLiteral("GPU_SetPstates20 gpu0 graphics offset 93000 kHz"));
     } else {
         page->onBtnDefaultClick();
     }

@@ -6,6 +6,13 @@
 #include <QComboBox>
 #include <QStackedWidget>
 
+namespace
+{
+
+constexpr quint8 kLcdAddress = 0xAC;
+
+} // namespace
+
 /// The main dialog and its LCD pages: their stored settings, their connections and what is saved.
 class TestMainDialogLcd : public MainDialogTest
 {
@@ -67,9 +74,7 @@ void TestMainDialogLcd::gaugeChoosesThePageOfTheLcd()
     OvrynDeck2 dialog;
     dialog.show();
     const auto lastCommand = [this] {
-        const QString frame =
-            driver->calls("NvAPI_I2CWrite").filter(QStringLiteral("addr=AC")).last().section("data=", 1);
-        return frame.section(QLatin1Char(' '), 3, 3);
+        return driver->frames(kLcdAddress).last().section(QLatin1Char(' '), 3, 3);
     };
     auto *gauge = dialog.findChild<Ovryn_GpuInfoCircleBox *>();
     gauge->btnMemory_MouseClick();
@@ -107,11 +112,8 @@ void TestMainDialogLcd::everyCardHasItsWorker()
         const QList<Ovryn_SendNvInfoToLCDThread *> workers = dialog.findChildren<Ovryn_SendNvInfoToLCDThread *>();
         QCOMPARE(workers.size(), 2);
         driver->forgetCalls();
-        const auto frames = [this](const char *card) {
-            return driver->calls("NvAPI_I2CWrite").filter(QLatin1String(card) + QStringLiteral(" 0x3002C addr=AC"));
-        };
-        QTRY_VERIFY(!frames("gpu0").isEmpty());
-        QTRY_VERIFY(!frames("gpu1").isEmpty());
+        QTRY_VERIFY(!driver->frames(kLcdAddress, 0).isEmpty());
+        QTRY_VERIFY(!driver->frames(kLcdAddress, 1).isEmpty());
     }
     QCOMPARE(driver->strayCalls(), 0);
 }

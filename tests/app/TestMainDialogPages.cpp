@@ -53,7 +53,7 @@ namespace
 constexpr quint8 kLedAddress = 0xA0;
 constexpr quint8 kLcdAddress = 0xAC;
 
-void makeForeign(FakeCard &card, const char *name)
+void makeForeign(RawCard &card, const char *name)
 {
     card.fullName = name;
     card.subSystemId = 0x85AA1043;
@@ -148,12 +148,11 @@ void TestMainDialogPages::detectionOfTwoCards()
     QVERIFY(identity.size() >= 2);
     const int first = calls.indexOf(identity.at(0));
     QVERIFY2(calls.at(first + 1).startsWith(QLatin1String("GPU_GetFullName gpu0")), qPrintable(calls.at(first + 1)));
-    QCOMPARE(calls.at(first + 2), QStringLiteral("I2CWrite gpu0 0x3002C addr=A0 reg=00 regSize=0 size=5 speed=FFFF/6 "
-                                                 "port=1/1 data=05 0A 00 00 F0"));
-    const QStringList lcdFrames = calls.filter(QStringLiteral("I2CWrite gpu0 0x3002C addr=AC"));
+    QCOMPARE(calls.at(first + 2), QStringLiteral("I2CWrite gpu0 port 1 0xA0: 05 0A 00 00 F0"));
+    const QStringList lcdFrames = calls.filter(QStringLiteral("I2CWrite gpu0 port 1 0xAC"));
     QVERIFY(!lcdFrames.isEmpty());
     // The LCD is on and changes its page every ten seconds.
-    const QStringList probe = lcdFrames.at(0).section(QStringLiteral("data="), 1).split(QLatin1Char(' '));
+    const QStringList probe = lcdFrames.at(0).section(QStringLiteral(": "), 1).split(QLatin1Char(' '));
     QCOMPARE(probe.size(), 35);
     QCOMPARE(QStringList(probe.mid(0, 2) << probe.at(3)), QStringList({"AA", "88", "F6"}));
     const int second = calls.indexOf(QRegularExpression(QStringLiteral("^GPU_GetPCIIdentifiers gpu1.*")));
@@ -186,7 +185,7 @@ void TestMainDialogPages::noCard()
 
 void TestMainDialogPages::cardWithoutAName()
 {
-    driver->fails("NvAPI_GPU_GetFullName", NVAPI_ERROR);
+    driver->fails(Operation::NvAPI_GPU_GetFullName, NVAPI_ERROR);
     OvrynDeck2 dialog;
     QCOMPARE(dialog.cardCount(), 1);
     QCOMPARE(dialog.cards().at(0).gpuName, QString());

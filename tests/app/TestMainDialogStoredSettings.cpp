@@ -108,7 +108,7 @@ void TestMainDialogStoredSettings::buildBothDialogs()
     const OvrynDeck2 dialog;
     for (const Look &look : kLooks)
         byDefault << look.at(dialog);
-    writes = driver->calls().filter(QStringLiteral("GPU_Set"));
+    writes = driver->orders();
     foreignFileAfter = savedText().toUtf8();
 }
 

@@ -5,6 +5,7 @@
 #include "board/lcd/Ovryn_LCDControllorWidget.h"
 #include "device/NvGpuControl.h"
 #include "platform/NativeKeyCode.h"
+#include "support/CheckedDriver.h"
 #include "support/FakeHotKey.h"
 #include "support/ModalAnswer.h"
 #include "support/NamedChild.h"
@@ -23,7 +24,7 @@ inline bool operator==(const LcdModuleInfo &a, const LcdModuleInfo &b)
            a.NormalKey == b.NormalKey && a.EnableLcd == b.EnableLcd;
 }
 
-/// One simulated card with its LCD page, and the hands of a user. The worker's pauses are short.
+/// One card with its LCD page, used as a user does. The worker's pauses are short.
 class LcdPageWorld
 {
 public:
@@ -31,7 +32,7 @@ public:
     static constexpr quint32 kIntervalMs = 5;
     static constexpr int kOff = 0xF0; ///< command of the frame that switches the LCD off
 
-    FakeDriver driver; ///< first, since the device object needs it
+    CheckedDriver driver; ///< first, since the device object needs it
     FakeHotKey hotKeys;
     std::unique_ptr<NvGpuControl> control;
     std::unique_ptr<Ovryn_LCDControllorWidget> page;

@@ -3,6 +3,8 @@
 #include "board/LcdJournal.h"
 #include "board/lcd/Ovryn_SendNvInfoToLCDThread.h"
 #include "device/NvGpuControl.h"
+#include "simulated/ScenarioReader.h"
+#include "support/CheckedDriver.h"
 
 #include <QSemaphore>
 #include <QtTest>
@@ -24,7 +26,14 @@ constexpr int kOff = 0xF0;
 class DrivenWorker : public Worker
 {
 public:
-    using Worker::Worker;
+    explicit DrivenWorker(NvGpuControl *device) : Worker(device)
+    {
+        setSleep([this](unsigned int ms) {
+            pauseMs = ms;
+            sleeps.release();
+            ticks.acquire();
+        });
+    }
     ~DrivenWorker() override
     {
         ticks.release(1000000);
@@ -50,17 +59,6 @@ public:
     {
         QMutexLocker held(&mutex);
         return elapsedMs;
-    }
-
-protected:
-    bool pause(QMutexLocker &held, unsigned int ms) override
-    {
-        pauseMs = ms;
-        held.unlock();
-        sleeps.release();
-        ticks.acquire();
-        held.relock();
-        return true;
     }
 
 private:
@@ -95,12 +93,7 @@ class LcdWorkerTest : public QObject
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        driver = std::make_unique<FakeDriver>();
-        control = std::make_unique<NvGpuControl>();
-        driver->forgetCalls();
-    }
+    void init() { useScene(simulated::builtInScenario()); }
 
     void cleanup()
     {
@@ -109,7 +102,22 @@ private slots:
     }
 
 protected:
-    void loseController() { driver->card().i2cListeners.remove(0xAC); }
+    void useScene(const simulated::Scenario &scene)
+    {
+        control.reset();
+        driver.reset(); // a driver goes before the next one comes
+        driver = std::make_unique<CheckedDriver>(scene);
+        control = std::make_unique<NvGpuControl>();
+        driver->forgetCalls();
+    }
+    void loseController()
+    {
+        driver->edit(0, [](simulated::Card &card) { card.lcd.reset(); });
+    }
+    void returnController()
+    {
+        driver->edit(0, [](simulated::Card &card) { card.lcd.emplace(); });
+    }
     [[nodiscard]] QList<int> commands() const { return lcdCommands(*driver); }
     QList<int> takeCommands()
     {
@@ -118,6 +126,6 @@ protected:
         return sent;
     }
 
-    std::unique_ptr<FakeDriver> driver;
+    std::unique_ptr<CheckedDriver> driver;
     std::unique_ptr<NvGpuControl> control;
 };

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "board/LedJournal.h"
 #include "board/led/Ovryn_ColorButton.h"
 #include "board/led/Ovryn_LEDControlWidget.h"
 #include "device/NvGpuControl.h"
+#include "support/CheckedDriver.h"
 #include "support/NamedChild.h"
 #include "ui/ModifySpinBox.h"
 
@@ -20,7 +20,9 @@ inline bool operator==(const LedModuleInfo &a, const LedModuleInfo &b)
            a.Colors == b.Colors;
 }
 
-/// One simulated card with its LED page, and the hands of a user. The page's pauses are short.
+constexpr quint8 kLedAddress = 0xA0;
+
+/// One card with its LED page, used as a user does. The page's pauses are short.
 class LedPageWorld
 {
 public:
@@ -28,7 +30,7 @@ public:
     /// The pauses of construction and of the sleep frame, of a drag and of the worker.
     static constexpr LedTimings kTimings{0, 0, 0, 10, 1};
 
-    FakeDriver driver; ///< first, since the device object needs it
+    CheckedDriver driver; ///< first, since the device object needs it
     std::unique_ptr<NvGpuControl> control;
     std::unique_ptr<Ovryn_LEDControlWidget> page;
 
@@ -50,13 +52,18 @@ public:
         open(saved, timings);
     }
 
-    void setControllerType(quint8 type) { driver.card().i2cReplies[0xA1] = QByteArray(1, char(type)); }
+    void setControllerType(quint8 type)
+    {
+        driver.edit(0, [type](simulated::Card &card) { card.led.emplace(type); });
+    }
     void loseController()
     {
-        driver.card().i2cReplies.remove(0xA1);
-        driver.card().i2cListeners.remove(0xA0);
+        driver.edit(0, [](simulated::Card &card) { card.led.reset(); });
     }
-    void setTemperature(int degrees) { driver.card().thermal.sensor[0].currentTemp = degrees; }
+    void setTemperature(int degrees)
+    {
+        driver.edit(0, [degrees](simulated::Card &card) { card.state.temperatureC = degrees; });
+    }
 
     [[nodiscard]] QRadioButton *radio(const char *name) const { return find<QRadioButton>(name); }
     [[nodiscard]] ModifySpinBox *spin() const { return find<ModifySpinBox>("spinInterval"); }
@@ -108,7 +115,7 @@ public:
             QTest::qFail("some of the colour controls are enabled", __FILE__, __LINE__);
         return enabled == 16;
     }
-    [[nodiscard]] QStringList frames() const { return ledFrames(driver); }
+    [[nodiscard]] QStringList frames() const { return driver.frames(kLedAddress); }
     /// The frames since the last call.
     QStringList takeFrames()
     {

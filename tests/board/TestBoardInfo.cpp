@@ -6,8 +6,8 @@
 #include "monitor/graphs/Ovryn_BaseInfoRow.h"
 #include "monitor/graphs/Ovryn_BaseMonitorBox.h"
 #include "monitor/sampling/SampleRecords.h"
+#include "support/CheckedDriver.h"
 #include "support/ConnectWarnings.h"
-#include "support/FakeDriver.h"
 
 #include <QCheckBox>
 #include <QSignalSpy>
@@ -384,24 +384,25 @@ void TestBoardInfo::everyConnectionHolds()
 
 void TestBoardInfo::sensorsOnThePage_data()
 {
-    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<double>("degrees");
     QTest::addColumn<QString>("current");
-    QTest::newRow("0x1900 reads 25") << QByteArray::fromHex("1900") << "25";
-    QTest::newRow("0xE700 reads -25") << QByteArray::fromHex("E700") << "-25";
-    QTest::newRow("0xFFF0 reads 0, rounded towards zero") << QByteArray::fromHex("FFF0") << "0";
-    QTest::newRow("0x0000 reads 0") << QByteArray::fromHex("0000") << "0";
+    QTest::newRow("25 degrees") << 25.0 << "25";
+    QTest::newRow("25 degrees below zero") << -25.0 << "-25";
+    QTest::newRow("a sixteenth below zero is cut to zero") << -0.0625 << "0";
+    QTest::newRow("zero") << 0.0 << "0";
 }
 
 void TestBoardInfo::sensorsOnThePage()
 {
-    QFETCH(QByteArray, bytes);
+    QFETCH(double, degrees);
     QFETCH(QString, current);
-    const quint8 addresses[] = {0x9E, 0x90, 0x96, 0x92};
     for (int position = 0; position < 4; ++position) {
-        FakeDriver driver;
-        for (const quint8 address : addresses)
-            driver.card().i2cReplies[address] = QByteArray::fromHex("6400"); // 100 degrees
-        driver.card().i2cReplies[addresses[position]] = bytes;
+        CheckedDriver driver;
+        driver.edit(0, [&](simulated::Card &card) {
+            for (simulated::BoardSensorParameters &sensor : card.parameters.boardSensors)
+                sensor.pinnedC = 100;
+            card.parameters.boardSensors.at(std::size_t(position)).pinnedC = degrees;
+        });
         NvGpuControl control;
         Page page;
         page.widget.recvBoardTempCompleteInfo(sampleOf(control));
@@ -413,12 +414,15 @@ void TestBoardInfo::sensorsOnThePage()
 
 void TestBoardInfo::failedReadIsZero()
 {
-    FakeDriver driver;
+    CheckedDriver driver;
     NvGpuControl control;
     Page page;
     page.widget.recvBoardTempCompleteInfo(sampleOf(control));
     QVERIFY(page.rows->row(1)->currentValueText() != QLatin1String("0"));
-    driver.card().i2cReplies.remove(0x90);
+    driver.edit(0, [](simulated::Card &card) {
+        std::vector<simulated::BoardSensorParameters> &sensors = card.parameters.boardSensors;
+        sensors.erase(sensors.begin() + 1);
+    });
     page.widget.recvBoardTempCompleteInfo(sampleOf(control));
     QCOMPARE(page.rows->row(1)->currentValueText(), QStringLiteral("0")); // nothing tells it from a reading of 0
     QVERIFY(page.rows->row(0)->currentValueText() != QLatin1String("0"));
@@ -426,8 +430,8 @@ void TestBoardInfo::failedReadIsZero()
 
 void TestBoardInfo::cardWithoutSensors()
 {
-    FakeDriver driver;
-    driver.card().i2cReplies.clear();
+    CheckedDriver driver;
+    driver.edit(0, [](simulated::Card &card) { card.parameters.boardSensors.clear(); });
     NvGpuControl control;
     Page page;
     for (int sample = 0; sample < 3; ++sample)

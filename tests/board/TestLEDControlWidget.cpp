@@ -501,7 +501,7 @@ void TestLEDControlWidget::framesDoNotMingle()
 {
     // each pass has another temperature, so that each one sends
     int reading = 0;
-    world->driver.onCall("NvAPI_GPU_GetThermalSettings",
+    world->driver.onCall(Operation::NvAPI_GPU_GetThermalSettings,
                          [this, &reading] { world->setTemperature(++reading % 2 ? 40 : 55); });
     world->open();
     world->choose("rdbState");
@@ -521,7 +521,7 @@ void TestLEDControlWidget::lostControllerInStateDisplay()
     world->choose("rdbState");
     QTRY_VERIFY(worker->isFinished());
     world->choose("rdbSleep"); // revives the worker, and fails silently
-    world->driver.card().i2cListeners.insert(0xA0);
+    world->setControllerType(3);
     world->driver.forgetCalls();
     world->choose("rdbState");
     QTRY_COMPARE(world->frames().size(), 1);

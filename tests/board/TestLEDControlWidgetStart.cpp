@@ -1,5 +1,6 @@
 #include "board/LedPageWorld.h"
 #include "support/ConnectWarnings.h"
+#include "support/RawDriver.h"
 #include "ui/Fonts.h"
 
 #include <QElapsedTimer>
@@ -210,7 +211,7 @@ void TestLEDControlWidgetStart::restoredStateDisplayRests()
     LedPageWorld world;
     world.openInMode(LedMode::StateDisplay);
     QTest::qWait(20); // many of the worker's pauses: it must not run
-    QCOMPARE(world.driver.calls("NvAPI_GPU_GetThermalSettings"), QStringList());
+    QCOMPARE(world.driver.calls(Operation::NvAPI_GPU_GetThermalSettings), QStringList());
     QCOMPARE(world.frames(), QStringList());
     world.choose("rdbState"); // checked already: no toggle
     QCOMPARE(world.frames(), QStringList());
@@ -234,17 +235,25 @@ void TestLEDControlWidgetStart::everyControllerType()
 
 void TestLEDControlWidgetStart::nothingElseOfTheStatusCounts()
 {
-    LedPageWorld world;
-    world.open();
-    const LedModuleInfo expected = world.info();
+    LedModuleInfo expected;
+    {
+        LedPageWorld world;
+        world.open();
+        expected = world.info();
+    }
+    RawDriver driver; // no controller has such a status
+    NvGpuControl control;
     for (int value = 0; value < 256; ++value) {
         QByteArray status(27, char(value));
         status[0] = 3;
-        world.driver.card().i2cReplies[0xA1] = status;
-        world.open();
-        QVERIFY2(world.info() == expected, qPrintable(QString::number(value)));
-        QVERIFY(world.colorControlsEnabled());
-        QCOMPARE(world.frames(), QStringList());
+        driver.card().i2cReplies[kLedAddress + 1] = status;
+        driver.forgetCalls();
+        const Ovryn_LEDControlWidget page(&control, nullptr, LedPageWorld::kTimings);
+        LedModuleInfo info;
+        page.getLedModuleInfo(info);
+        QVERIFY2(info == expected, qPrintable(QString::number(value)));
+        QVERIFY(page.findChild<ModifySpinBox *>(QStringLiteral("spinInterval"))->isEnabled());
+        QCOMPARE(driver.frames(kLedAddress), QStringList());
     }
 }
 
@@ -265,7 +274,7 @@ void TestLEDControlWidgetStart::controllerThatDoesNotAnswer()
 
 void TestLEDControlWidgetStart::withoutACard()
 {
-    FakeDriver driver;
+    const CheckedDriver driver;
     Ovryn_LEDControlWidget page(nullptr, nullptr, LedPageWorld::kTimings);
     page.resize(LedPageWorld::kPageSize);
     page.show();

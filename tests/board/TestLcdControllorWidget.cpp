@@ -474,7 +474,7 @@ void TestLcdControllorWidget::pageOfTheGaugeIsNoSetting()
 void TestLcdControllorWidget::cardWithoutAnLcd()
 {
     LcdPageWorld world;
-    world.driver.card().i2cListeners.remove(0xAC);
+    world.driver.edit(0, [](simulated::Card &card) { card.lcd.reset(); });
     world.openClean();
     QTRY_VERIFY(world.commands().size() > 10); // for ever
     QVERIFY(!world.worker()->isStopped());

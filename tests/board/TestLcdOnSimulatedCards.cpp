@@ -1,6 +1,5 @@
 #include "board/lcd/Ovryn_SendNvInfoToLCDThread.h"
 #include "device/NvGpuControl.h"
-#include "device/nvapi/NvApi.h"
 #include "support/CheckedDriver.h"
 
 #include <QtTest>
@@ -30,13 +29,6 @@ private:
 void TestLcdOnSimulatedCards::init()
 {
     driver = std::make_unique<CheckedDriver>();
-    NvApiLibrarySource source;
-    source.load = [this] {
-        return driver->queryInterface();
-    };
-    source.unload = [] {
-    };
-    setNvApiLibrarySource(source);
     control = std::make_unique<NvGpuControl>();
     control->setCurrentGpu(0);
 }
@@ -44,7 +36,6 @@ void TestLcdOnSimulatedCards::init()
 void TestLcdOnSimulatedCards::cleanup()
 {
     control.reset();
-    setNvApiLibrarySource({});
     driver.reset();
 }
 
@@ -98,13 +89,13 @@ void TestLcdOnSimulatedCards::slowDriver()
 {
     // The bus takes two seconds for a frame: a slot that comes meanwhile waits for this frame, and for no other.
     simulated::Fault slow;
-    slow.operation = simulated::Operation::NvAPI_I2CWrite;
+    slow.operation = Operation::NvAPI_I2CWrite;
     slow.delayMs = 2000;
     slow.count = 1;
     driver->addFault(slow);
     Ovryn_SendNvInfoToLCDThread worker(control.get());
     worker.startSending();
-    QTRY_VERIFY(!driver->calls(simulated::Operation::NvAPI_GPU_GetPCIIdentifiers).empty()); // the last read before it
+    QTRY_VERIFY(!driver->calls(Operation::NvAPI_GPU_GetPCIIdentifiers).isEmpty()); // the last read before it
     worker.setAutoSwitch(false);
     QCOMPARE(lcd().acceptedFrames, 1);
     QTRY_VERIFY(lcd().acceptedFrames >= 2); // and the loop goes on

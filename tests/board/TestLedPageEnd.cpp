@@ -39,7 +39,7 @@ void TestLedPageEnd::stateDisplayThatHangs()
     QThread *const guiThread = QThread::currentThread();
     QSemaphore inCall;
     QSemaphore answer;
-    world.driver.onCall("NvAPI_GPU_GetThermalSettings", [&] {
+    world.driver.onCall(Operation::NvAPI_GPU_GetThermalSettings, [&] {
         if (QThread::currentThread() == guiThread)
             return;
         leftBehindWorker = QThread::currentThread();

@@ -1,6 +1,6 @@
-#include "board/LedJournal.h"
 #include "board/led/Ovryn_SendColorToLed.h"
 #include "device/NvGpuControl.h"
+#include "support/CheckedDriver.h"
 
 #include <QElapsedTimer>
 #include <QSemaphore>
@@ -41,21 +41,24 @@ private:
     static constexpr unsigned int kPauseMs = 1;
     static constexpr unsigned int kLongPauseMs = 400; // long enough to be met while it lasts
 
-    // while a worker may ask
+    static constexpr quint8 kLedAddress = 0xA0;
+
     void setTemperature(int degrees)
     {
-        const auto held = driver->hold();
-        driver->card().thermal.sensor[0].currentTemp = degrees;
+        driver->edit(0, [degrees](simulated::Card &card) { card.state.temperatureC = degrees; });
     }
     void loseController()
     {
-        const auto held = driver->hold();
-        driver->card().i2cListeners.remove(0xA0);
+        driver->edit(0, [](simulated::Card &card) { card.led.reset(); });
     }
-    [[nodiscard]] QStringList frames() const { return ledFrames(*driver); }
-    [[nodiscard]] int passes() const { return driver->calls("NvAPI_GPU_GetThermalSettings").size(); }
+    void returnController()
+    {
+        driver->edit(0, [](simulated::Card &card) { card.led.emplace(quint8(3)); });
+    }
+    [[nodiscard]] QStringList frames() const { return driver->frames(kLedAddress); }
+    [[nodiscard]] int passes() const { return driver->calls(Operation::NvAPI_GPU_GetThermalSettings).size(); }
 
-    std::unique_ptr<FakeDriver> driver;
+    std::unique_ptr<CheckedDriver> driver;
     std::unique_ptr<NvGpuControl> control;
 };
 
@@ -71,7 +74,7 @@ const QString kQuickRed = QStringLiteral("08 01 32 02 FF 00 00 C3");
 
 void TestSendColorToLed::init()
 {
-    driver = std::make_unique<FakeDriver>();
+    driver = std::make_unique<CheckedDriver>();
     control = std::make_unique<NvGpuControl>();
     driver->forgetCalls();
     setTemperature(40);
@@ -117,7 +120,7 @@ void TestSendColorToLed::failingSensorPaintsGreen()
     Ovryn_SendColorToLed worker(control.get());
     setTemperature(90);
     QVERIFY(worker.showStateOnce());
-    driver->fails("NvAPI_GPU_GetThermalSettings", NVAPI_ERROR);
+    driver->fails(Operation::NvAPI_GPU_GetThermalSettings, NVAPI_ERROR);
     QVERIFY(worker.showStateOnce());
     QCOMPARE(frames(), QStringList({kQuickRed, kGreen}));
 }
@@ -139,9 +142,7 @@ void TestSendColorToLed::frameGoesThroughTheControllersTransport()
     const QStringList calls = driver->calls();
     QCOMPARE(calls.size(), 2); // first read, then send
     QVERIFY(calls.first().startsWith(QLatin1String("GPU_GetThermalSettings gpu0")));
-    QVERIFY2(calls.last().endsWith(QLatin1String("addr=A0 reg=00 regSize=0 size=8 speed=FFFF/6 port=1/1 "
-                                                 "data=08 01 32 04 00 FF 00 C1")),
-             qPrintable(calls.last()));
+    QCOMPARE(calls.last(), QString("I2CWrite gpu0 port 1 0xA0: 08 01 32 04 00 FF 00 C1"));
 }
 
 void TestSendColorToLed::defaultPause()
@@ -226,7 +227,7 @@ void TestSendColorToLed::deadWorkerDoesNotStart()
     worker.startStateDisplay();
     QVERIFY(worker.wait(5000));
     const int before = passes();
-    driver->card().i2cListeners.insert(0xA0);
+    returnController();
     worker.startStateDisplay();
     QVERIFY(worker.isFinished());
     QVERIFY(!worker.isRunning());
@@ -239,7 +240,7 @@ void TestSendColorToLed::deadWorkerRevivesByAStop()
     loseController();
     worker.startStateDisplay();
     QVERIFY(worker.wait(5000));
-    driver->card().i2cListeners.insert(0xA0);
+    returnController();
     driver->forgetCalls();
     worker.stopStateDisplay();
     QVERIFY(worker.isStopped());
@@ -270,7 +271,7 @@ void TestSendColorToLed::stopWaitsForARunningPassOnly()
 {
     QSemaphore gate;
     std::atomic<bool> inPass{false};
-    driver->onCall("NvAPI_GPU_GetThermalSettings", [&] {
+    driver->onCall(Operation::NvAPI_GPU_GetThermalSettings, [&] {
         inPass = true;
         gate.acquire();
     });

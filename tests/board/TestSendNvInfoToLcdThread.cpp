@@ -176,7 +176,7 @@ void TestSendNvInfoToLcdThread::slotsWaitForARunningPassOnly()
 
     QSemaphore inPass;
     QSemaphore release;
-    driver->onCall("NvAPI_GPU_GetThermalSettings", [&] {
+    driver->onCall(Operation::NvAPI_GPU_GetThermalSettings, [&] {
         inPass.release();
         release.acquire();
     });
@@ -197,7 +197,7 @@ void TestSendNvInfoToLcdThread::destructionWaitsForASlowCall()
     // from being cut off. No other frame follows it.
     QSemaphore inPass;
     std::atomic<bool> slow{true};
-    driver->onCall("NvAPI_GPU_GetThermalSettings", [&] {
+    driver->onCall(Operation::NvAPI_GPU_GetThermalSettings, [&] {
         inPass.release();
         if (slow.exchange(false))
             QThread::msleep(2300);
@@ -247,8 +247,9 @@ void TestSendNvInfoToLcdThread::destroyedInEveryState()
 
 void TestSendNvInfoToLcdThread::twoCardsShareTheSequence()
 {
-    driver->cards.resize(2);
-    control = std::make_unique<NvGpuControl>();
+    simulated::Scenario scene = simulated::builtInScenario();
+    scene.cards.back() = scene.cards.front();
+    useScene(scene);
     NvGpuControl second;
     second.setCurrentGpu(1);
     driver->forgetCalls();
@@ -271,10 +272,10 @@ void TestSendNvInfoToLcdThread::twoCardsShareTheSequence()
             QCOMPARE(int(quint8(frames.at(i).at(2))), (begin + i) & 0xFF);
 
         // each card rotates by its own time
-        const QList<int> first = lcdCommands(*driver, "gpu0");
+        const QList<int> first = lcdCommands(*driver, 0);
         QCOMPARE(QList<int>(first.mid(0, 54)), times(10, kClock) + times(11, kTemperature) + times(11, kMemory) +
                                                    times(11, kOther) + times(11, kClock));
-        const QList<int> other = lcdCommands(*driver, "gpu1");
+        const QList<int> other = lcdCommands(*driver, 1);
         QCOMPARE(QList<int>(other.mid(0, 19)),
                  times(3, kClock) + times(4, kTemperature) + times(4, kMemory) + times(4, kOther) + times(4, kClock));
     }

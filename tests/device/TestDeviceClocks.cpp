@@ -1,14 +1,14 @@
 #include "device/NvGpuControl.h"
 
 #include "support/DeviceFields.h"
-#include "support/FakeDriver.h"
+#include "support/RawDriver.h"
 
 #include <QtTest>
 
 #include <functional>
 #include <limits>
 
-using Arrange = std::function<void(FakeDriver &)>;
+using Arrange = std::function<void(RawDriver &)>;
 Q_DECLARE_METATYPE(Arrange)
 
 namespace
@@ -92,43 +92,42 @@ void TestDeviceClocks::baseClocks_data()
                         const Arrange &arrange) {
         QTest::newRow(name) << arrange << wantDefault << result << MHz;
     };
-    const auto offsets = [](FakeDriver &driver) {
+    const auto offsets = [](RawDriver &driver) {
         driver.card().p0Clock(0).freqDelta_kHz.value = 150000;
         driver.card().p0Clock(1).freqDelta_kHz.value = 500000;
     };
-    const auto singleMemory = [offsets](FakeDriver &driver) {
+    const auto singleMemory = [offsets](RawDriver &driver) {
         offsets(driver);
         driver.card().p0Clock(1).typeId = kPstateClockTypeSingle;
     };
-    const auto p0Behind = [](FakeDriver &driver) {
+    const auto p0Behind = [](RawDriver &driver) {
         NV_GPU_PERF_PSTATES20_INFO &record = driver.card().pstates;
         record.pstates[0].clocks[0].freqDelta_kHz.value = 150000;
         record.pstates[0].clocks[1].freqDelta_kHz.value = 500000;
         std::swap(record.pstates[0], record.pstates[1]);
     };
-    const auto noP0 = [](FakeDriver &driver) {
+    const auto noP0 = [](RawDriver &driver) {
         driver.card().pstates.pstates[0].pstateId = 5;
         driver.card().p0Clock(0).freqDelta_kHz.value = 150000;
         driver.card().p0Clock(1) = driver.card().p0Clock(0);
     };
-    const auto noClocks = [](FakeDriver &driver, const Arrange &before) {
+    const auto noClocks = [](RawDriver &driver, const Arrange &before) {
         before(driver);
         driver.card().pstates.numClocks = 0;
     };
 
-    row("default, no offset", true, true, {1607, 4006, 1450}, [](FakeDriver &) {});
-    row("customised, no offset", false, true, {1607, 4006, 1450}, [](FakeDriver &) {});
+    row("default, no offset", true, true, {1607, 4006, 1450}, [](RawDriver &) {});
+    row("customised, no offset", false, true, {1607, 4006, 1450}, [](RawDriver &) {});
     row("default, offset on a range memory clock stays in", true, true, {1607, 4006, 1450}, offsets);
     row("default, memory offset of +500 on a single clock is taken out", true, true, {1607, 3506, 1450},
         singleMemory);
     row("customised, both offsets are added", false, true, {1757, 4506, 1450}, offsets);
     row("customised, single memory clock adds as well", false, true, {1757, 4506, 1450}, singleMemory);
-    row("customised, negative offset truncates towards zero", false, true, {1606, 4006, 1450},
-        [](FakeDriver &driver) {
-            driver.card().p0Clock(0).freqDelta_kHz.value = -1999;
-            driver.card().p0Clock(1).freqDelta_kHz.value = -999;
-        });
-    row("default, negative single memory offset", true, true, {1607, 4007, 1450}, [](FakeDriver &driver) {
+    row("customised, negative offset truncates towards zero", false, true, {1606, 4006, 1450}, [](RawDriver &driver) {
+        driver.card().p0Clock(0).freqDelta_kHz.value = -1999;
+        driver.card().p0Clock(1).freqDelta_kHz.value = -999;
+    });
+    row("default, negative single memory offset", true, true, {1607, 4007, 1450}, [](RawDriver &driver) {
         driver.card().p0Clock(1).typeId = kPstateClockTypeSingle;
         driver.card().p0Clock(1).freqDelta_kHz.value = -1999;
     });
@@ -136,20 +135,20 @@ void TestDeviceClocks::baseClocks_data()
     row("default, no P0", true, true, {1607, 4006, 1450}, noP0);
     row("customised, no P0", false, true, {1607, 4006, 1450}, noP0);
     row("default, no clocks", true, true, {1607, 4006, 1450},
-        [=](FakeDriver &driver) { noClocks(driver, singleMemory); });
+        [=](RawDriver &driver) { noClocks(driver, singleMemory); });
     row("customised, no clocks", false, true, {1607, 4006, 1450},
-        [=](FakeDriver &driver) { noClocks(driver, singleMemory); });
-    row("customised, P0 behind the count", false, true, {1607, 4006, 1450}, [p0Behind](FakeDriver &driver) {
+        [=](RawDriver &driver) { noClocks(driver, singleMemory); });
+    row("customised, P0 behind the count", false, true, {1607, 4006, 1450}, [p0Behind](RawDriver &driver) {
         p0Behind(driver);
         driver.card().pstates.numPstates = 1;
     });
-    row("counts far beyond the record, no P0", false, true, {1607, 4006, 1450}, [](FakeDriver &driver) {
+    row("counts far beyond the record, no P0", false, true, {1607, 4006, 1450}, [](RawDriver &driver) {
         for (auto &state : driver.card().pstates.pstates)
             state.pstateId = 9;
         driver.card().pstates.numPstates = 0xFFFFFFFF;
         driver.card().pstates.numClocks = 0xFFFFFFFF;
     });
-    row("counts far beyond the record, P0 last", false, true, {1757, 4506, 1450}, [](FakeDriver &driver) {
+    row("counts far beyond the record, P0 last", false, true, {1757, 4506, 1450}, [](RawDriver &driver) {
         NV_GPU_PERF_PSTATES20_INFO &record = driver.card().pstates;
         record.pstates[15] = record.pstates[0];
         for (int i = 0; i < 15; ++i)
@@ -164,7 +163,7 @@ void TestDeviceClocks::baseClocks_data()
         record.numPstates = 0xFFFFFFFF;
         record.numClocks = 0xFFFFFFFF;
     });
-    row("count of 9 clocks reads 8", false, true, {1607, 4006, 1450}, [](FakeDriver &driver) {
+    row("count of 9 clocks reads 8", false, true, {1607, 4006, 1450}, [](RawDriver &driver) {
         for (auto &clock : driver.card().pstates.pstates[0].clocks)
             clock.domainId = 99;
         driver.card().pstates.numClocks = 9;
@@ -172,32 +171,32 @@ void TestDeviceClocks::baseClocks_data()
     });
 
     // Without base frequencies the customised clocks come out of the state record.
-    const auto noFrequencies = [](FakeDriver &driver) {
-        driver.fails("NvAPI_GPU_GetAllClockFrequencies", -1);
+    const auto noFrequencies = [](RawDriver &driver) {
+        driver.fails(Operation::NvAPI_GPU_GetAllClockFrequencies, -1);
     };
     row("default, no base frequencies", true, false, {0, 0, 0}, noFrequencies);
     row("customised, no base frequencies, range type", false, true, {1911, 4006, 0}, noFrequencies);
     row("customised, no base frequencies, single type", false, true, {1733, 4003, 0},
-        [noFrequencies](FakeDriver &driver) {
+        [noFrequencies](RawDriver &driver) {
             noFrequencies(driver);
             driver.card().p0Clock(0).data.single.freq_kHz = 1733999;
             driver.card().p0Clock(1).typeId = kPstateClockTypeSingle;
             driver.card().p0Clock(1).data.single.freq_kHz = 4003999;
         });
     row("customised, no base frequencies, single memory clock through a float", false, true, {1733, 16778, 0},
-        [noFrequencies](FakeDriver &driver) {
+        [noFrequencies](RawDriver &driver) {
             noFrequencies(driver);
             driver.card().p0Clock(0).data.single.freq_kHz = 1733999;
             driver.card().p0Clock(1).typeId = kPstateClockTypeSingle;
             driver.card().p0Clock(1).data.single.freq_kHz = 16777999; // the nearest float is 16778000
         });
     row("customised, no base frequencies, a third type", false, true, {139, 4006, 0},
-        [noFrequencies](FakeDriver &driver) {
+        [noFrequencies](RawDriver &driver) {
             noFrequencies(driver);
             driver.card().p0Clock(1).typeId = 2; // neither single nor range: single for one, range for the other
         });
     row("customised, no base frequencies, clocks in other places", false, true, {405, 4006, 0},
-        [noFrequencies](FakeDriver &driver) {
+        [noFrequencies](RawDriver &driver) {
             // The words of the first two entries are taken whatever domain stands in them.
             noFrequencies(driver);
             NV_GPU_PERF_PSTATES20_INFO &record = driver.card().pstates;
@@ -206,7 +205,7 @@ void TestDeviceClocks::baseClocks_data()
             record.pstates[0].clocks[1].data.single.freq_kHz = 4006000;
         });
     row("customised, no base frequencies, words of the first state", false, true, {555, 666, 0},
-        [noFrequencies, p0Behind](FakeDriver &driver) {
+        [noFrequencies, p0Behind](RawDriver &driver) {
             noFrequencies(driver);
             p0Behind(driver);
             NV_GPU_PERF_PSTATES20_INFO::Pstate &first = driver.card().pstates.pstates[0];
@@ -214,12 +213,12 @@ void TestDeviceClocks::baseClocks_data()
             first.clocks[1].typeId = kPstateClockTypeRange;
             first.clocks[1].data.range.maxFreq_kHz = 666000;
         });
-    row("customised, neither frequencies nor P0", false, true, {0, 0, 0}, [noFrequencies, noP0](FakeDriver &driver) {
+    row("customised, neither frequencies nor P0", false, true, {0, 0, 0}, [noFrequencies, noP0](RawDriver &driver) {
         noFrequencies(driver);
         noP0(driver);
     });
     row("customised, no frequencies and no memory clock", false, true, {1911, 0, 0},
-        [noFrequencies](FakeDriver &driver) {
+        [noFrequencies](RawDriver &driver) {
             noFrequencies(driver);
             driver.card().p0Clock(1).domainId = 8;
         });
@@ -231,7 +230,7 @@ void TestDeviceClocks::baseClocks()
     QFETCH(bool, wantDefault);
     QFETCH(bool, result);
     QFETCH(FieldList, MHz);
-    FakeDriver driver;
+    RawDriver driver;
     arrange(driver);
     NvGpuControl gpu;
     NvClockSet out{7, 8, 9};
@@ -241,10 +240,10 @@ void TestDeviceClocks::baseClocks()
 
 void TestDeviceClocks::clocksOfThePstatesAreMarked()
 {
-    FakeDriver driver;
+    RawDriver driver;
     NvGpuControl gpu;
     NvClockSet out;
-    driver.fails("NvAPI_GPU_GetAllClockFrequencies", NVAPI_ERROR, 1, 3);
+    driver.fails(Operation::NvAPI_GPU_GetAllClockFrequencies, NVAPI_ERROR, 1, 3);
     QVERIFY(gpu.getBaseClocks(out, false));
     QVERIFY(out.fromPstates); // 1911 MHz with the boost, where the base is 1607
     QVERIFY(gpu.getBaseClocks(out, false));
@@ -265,11 +264,11 @@ void TestDeviceClocks::failedPstatesZeroTheClocks()
 {
     QFETCH(bool, wantDefault);
     QFETCH(bool, cardMissing);
-    FakeDriver driver;
+    RawDriver driver;
     if (cardMissing)
         driver.cards.clear();
     else
-        driver.fails("NvAPI_GPU_GetPstates20", NVAPI_ERROR);
+        driver.fails(Operation::NvAPI_GPU_GetPstates20, NVAPI_ERROR);
     NvGpuControl gpu;
     NvClockSet out{7, 8, 9};
     QCOMPARE(gpu.getBaseClocks(out, wantDefault), false);
@@ -286,30 +285,31 @@ void TestDeviceClocks::clockRanges_data()
         QTest::newRow(name) << arrange << graphics << memory;
     };
     const FieldList zero = {0, 0, 0, 0};
-    row("healthy card", {1607, -200, 1000, 1}, {4006, -502, 1000, 1}, [](FakeDriver &) {});
-    row("offsets truncate towards zero", {1607, -1, 1, 1}, {4006, 0, 0, 1}, [](FakeDriver &driver) {
+    row("healthy card", {1607, -200, 1000, 1}, {4006, -502, 1000, 1}, [](RawDriver &) {});
+    row("offsets truncate towards zero", {1607, -1, 1, 1}, {4006, 0, 0, 1}, [](RawDriver &driver) {
         driver.card().p0Clock(0).freqDelta_kHz.valueRange = {-1999, 1999};
         driver.card().p0Clock(1).freqDelta_kHz.valueRange = {-999, 999};
     });
-    row("not editable", {1607, 0, 0, 0}, {4006, -502, 1000, 0}, [](FakeDriver &driver) {
+    row("not editable", {1607, 0, 0, 0}, {4006, -502, 1000, 0}, [](RawDriver &driver) {
         driver.card().p0Clock(0).bIsEditable = 0;
         driver.card().p0Clock(0).freqDelta_kHz.valueRange = {0, 0};
         driver.card().p0Clock(1).bIsEditable = 0xFFFFFFFE;
     });
-    row("states unreadable", zero, zero, [](FakeDriver &driver) { driver.fails("NvAPI_GPU_GetPstates20", -1); });
+    row("states unreadable", zero, zero,
+        [](RawDriver &driver) { driver.fails(Operation::NvAPI_GPU_GetPstates20, -1); });
     row("base frequencies unreadable", zero, zero,
-        [](FakeDriver &driver) { driver.fails("NvAPI_GPU_GetAllClockFrequencies", -1); });
+        [](RawDriver &driver) { driver.fails(Operation::NvAPI_GPU_GetAllClockFrequencies, -1); });
     row("no P0", {1607, 0, 0, 0}, {4006, 0, 0, 0},
-        [](FakeDriver &driver) { driver.card().pstates.pstates[0].pstateId = 2; });
-    row("no clock of the domain", {1607, 0, 0, 0}, {4006, 0, 0, 0}, [](FakeDriver &driver) {
+        [](RawDriver &driver) { driver.card().pstates.pstates[0].pstateId = 2; });
+    row("no clock of the domain", {1607, 0, 0, 0}, {4006, 0, 0, 0}, [](RawDriver &driver) {
         driver.card().p0Clock(0).domainId = 7;
         driver.card().p0Clock(1).domainId = 8;
     });
-    row("the first clock of the domain", {1607, -200, 1000, 1}, {4006, 0, 0, 0}, [](FakeDriver &driver) {
+    row("the first clock of the domain", {1607, -200, 1000, 1}, {4006, 0, 0, 0}, [](RawDriver &driver) {
         driver.card().p0Clock(1) = driver.card().p0Clock(0);
         driver.card().p0Clock(1).freqDelta_kHz.valueRange = {-1000, 1000};
     });
-    row("counts far beyond the record", {1607, 0, 0, 0}, {4006, 0, 0, 0}, [](FakeDriver &driver) {
+    row("counts far beyond the record", {1607, 0, 0, 0}, {4006, 0, 0, 0}, [](RawDriver &driver) {
         for (auto &state : driver.card().pstates.pstates) {
             for (auto &clock : state.clocks)
                 clock.domainId = 99;
@@ -324,7 +324,7 @@ void TestDeviceClocks::clockRanges()
     QFETCH(Arrange, arrange);
     QFETCH(FieldList, graphics);
     QFETCH(FieldList, memory);
-    FakeDriver driver;
+    RawDriver driver;
     arrange(driver);
     NvGpuControl gpu;
     NvClockOffsetRange out{9, 9, 9, true};
@@ -337,15 +337,15 @@ void TestDeviceClocks::clockRanges()
 
 void TestDeviceClocks::rangeCalls()
 {
-    FakeDriver driver;
+    RawDriver driver;
     NvGpuControl gpu;
     NvClockOffsetRange out;
     driver.forgetCalls();
     gpu.getGpuClockRange(out);
-    QCOMPARE(driver.calls(), (QStringList{kReadPstates, kReadBaseClocks}));
+    QCOMPARE(driver.rawCalls(), (QStringList{kReadPstates, kReadBaseClocks}));
     driver.forgetCalls();
     gpu.getMemoryClockRange(out);
-    QCOMPARE(driver.calls(), (QStringList{kReadPstates, kReadBaseClocks, kReadRamType}));
+    QCOMPARE(driver.rawCalls(), (QStringList{kReadPstates, kReadBaseClocks, kReadRamType}));
 }
 
 void TestDeviceClocks::voltage_data()
@@ -356,26 +356,26 @@ void TestDeviceClocks::voltage_data()
         QTest::newRow(name) << arrange << milliVolt;
     };
     const FieldList zero = {0, 0, 0, 0, 0, 0};
-    row("no offset", {1162, 962, 1062, 1062, 1062, 1}, [](FakeDriver &) {});
+    row("no offset", {1162, 962, 1062, 1062, 1062, 1}, [](RawDriver &) {});
     row("base leaves the offset out", {1112, 912, 1012, 1012, 1062, 1},
-        [](FakeDriver &driver) { driver.card().p0Voltage(0).voltDelta_uV.value = 50000; });
+        [](RawDriver &driver) { driver.card().p0Voltage(0).voltDelta_uV.value = 50000; });
     row("negative offset", {1212, 1012, 1112, 1112, 1062, 1},
-        [](FakeDriver &driver) { driver.card().p0Voltage(0).voltDelta_uV.value = -50000; });
-    row("range truncates towards zero", {1063, 1061, 1062, 1062, 1062, 1}, [](FakeDriver &driver) {
+        [](RawDriver &driver) { driver.card().p0Voltage(0).voltDelta_uV.value = -50000; });
+    row("range truncates towards zero", {1063, 1061, 1062, 1062, 1062, 1}, [](RawDriver &driver) {
         driver.card().p0Voltage(0).voltDelta_uV.valueRange = {-1999, 1999};
     });
     row("not editable", {1162, 962, 1062, 1062, 1062, 0},
-        [](FakeDriver &driver) { driver.card().p0Voltage(0).bIsEditable = 2; });
+        [](RawDriver &driver) { driver.card().p0Voltage(0).bIsEditable = 2; });
     row("another domain has no current voltage", {1162, 962, 1062, 1062, 0, 1},
-        [](FakeDriver &driver) { driver.card().p0Voltage(0).domainId = 1; });
-    row("the last voltage stands", {910, 890, 900, 900, 1062, 0}, [](FakeDriver &driver) {
+        [](RawDriver &driver) { driver.card().p0Voltage(0).domainId = 1; });
+    row("the last voltage stands", {910, 890, 900, 900, 1062, 0}, [](RawDriver &driver) {
         driver.card().pstates.numBaseVoltages = 2;
         driver.card().p0Voltage(1) = {1, 0, 900000, {0, {-10000, 10000}}};
     });
-    row("no P0", zero, [](FakeDriver &driver) { driver.card().pstates.pstates[0].pstateId = 3; });
-    row("no states", zero, [](FakeDriver &driver) { driver.card().pstates.numPstates = 0; });
-    row("no voltages", zero, [](FakeDriver &driver) { driver.card().pstates.numBaseVoltages = 0; });
-    row("count far beyond the record", {810, 790, 800, 800, 800, 1}, [](FakeDriver &driver) {
+    row("no P0", zero, [](RawDriver &driver) { driver.card().pstates.pstates[0].pstateId = 3; });
+    row("no states", zero, [](RawDriver &driver) { driver.card().pstates.numPstates = 0; });
+    row("no voltages", zero, [](RawDriver &driver) { driver.card().pstates.numBaseVoltages = 0; });
+    row("count far beyond the record", {810, 790, 800, 800, 800, 1}, [](RawDriver &driver) {
         for (auto &voltage : driver.card().pstates.pstates[0].baseVoltages)
             voltage = {0, 0, 700000, {0, {0, 0}}};
         driver.card().p0Voltage(3) = {0, 1, 800000, {0, {-10000, 10000}}};
@@ -388,20 +388,20 @@ void TestDeviceClocks::voltage()
 {
     QFETCH(Arrange, arrange);
     QFETCH(FieldList, milliVolt);
-    FakeDriver driver;
+    RawDriver driver;
     arrange(driver);
     NvGpuControl gpu;
     driver.forgetCalls();
     NvVoltageInfo out{9, 9, 9, 9, 9, true};
     QCOMPARE(gpu.getVoltageInfo(out), true);
     QCOMPARE(fields(out), milliVolt);
-    QCOMPARE(driver.calls(), QStringList{kReadPstates});
+    QCOMPARE(driver.rawCalls(), QStringList{kReadPstates});
 }
 
 void TestDeviceClocks::failedVoltageReadLeavesZeros()
 {
-    FakeDriver driver;
-    driver.fails("NvAPI_GPU_GetPstates20", NVAPI_ERROR);
+    RawDriver driver;
+    driver.fails(Operation::NvAPI_GPU_GetPstates20, NVAPI_ERROR);
     NvGpuControl gpu;
     NvVoltageInfo out{9, 9, 9, 9, 9, true};
     QCOMPARE(gpu.getVoltageInfo(out), false);
@@ -417,7 +417,7 @@ void TestDeviceClocks::clockOffsets_data()
     const auto row = [](const char *name, qint32 offset, qint32 graphics, qint32 memory, const Arrange &arrange) {
         QTest::newRow(name) << arrange << offset << graphics << memory;
     };
-    const auto nothing = [](FakeDriver &) {
+    const auto nothing = [](RawDriver &) {
     };
     row("in range", 100, 100000, 100000, nothing);
     row("zero", 0, 0, 0, nothing);
@@ -427,20 +427,21 @@ void TestDeviceClocks::clockOffsets_data()
     row("one below the bottom", -503, -200000, -502000, nothing);
     row("the largest number", std::numeric_limits<qint32>::max(), 1000000, 1000000, nothing);
     row("the smallest number", std::numeric_limits<qint32>::min(), -200000, -502000, nothing);
-    row("range unreadable", 100, 0, 0, [](FakeDriver &driver) { driver.fails("NvAPI_GPU_GetPstates20", -1); });
+    row("range unreadable", 100, 0, 0,
+        [](RawDriver &driver) { driver.fails(Operation::NvAPI_GPU_GetPstates20, -1); });
     row("base frequencies unreadable", -100, 0, 0,
-        [](FakeDriver &driver) { driver.fails("NvAPI_GPU_GetAllClockFrequencies", -1); });
-    row("fixed clocks have a range of 0 to 0", 100, 0, 0, [](FakeDriver &driver) {
+        [](RawDriver &driver) { driver.fails(Operation::NvAPI_GPU_GetAllClockFrequencies, -1); });
+    row("fixed clocks have a range of 0 to 0", 100, 0, 0, [](RawDriver &driver) {
         for (int i = 0; i < 2; ++i) {
             driver.card().p0Clock(i).bIsEditable = 0;
             driver.card().p0Clock(i).freqDelta_kHz.valueRange = {0, 0};
         }
     });
-    row("bottom above the top wins", 100, 300000, 300000, [](FakeDriver &driver) {
+    row("bottom above the top wins", 100, 300000, 300000, [](RawDriver &driver) {
         for (int i = 0; i < 2; ++i)
             driver.card().p0Clock(i).freqDelta_kHz.valueRange = {300000, 50000};
     });
-    row("widest range a driver can tell", 2147483, 2147483000, 2147483000, [](FakeDriver &driver) {
+    row("widest range a driver can tell", 2147483, 2147483000, 2147483000, [](RawDriver &driver) {
         for (int i = 0; i < 2; ++i)
             driver.card().p0Clock(i).freqDelta_kHz.valueRange = {std::numeric_limits<qint32>::min(),
                                                                  std::numeric_limits<qint32>::max()};
@@ -453,25 +454,25 @@ void TestDeviceClocks::clockOffsets()
     QFETCH(qint32, offsetMHz);
     QFETCH(qint32, graphicsKHz);
     QFETCH(qint32, memoryKHz);
-    FakeDriver driver;
+    RawDriver driver;
     arrange(driver);
     NvGpuControl gpu;
     QCOMPARE(gpu.setGpuClockOffset(offsetMHz), true);
     QCOMPARE(gpu.setMemoryClockOffset(offsetMHz), true);
-    QCOMPARE(driver.calls("NvAPI_GPU_SetPstates20"),
+    QCOMPARE(driver.rawCalls(Operation::NvAPI_GPU_SetPstates20),
              (QStringList{clockWrite(0x31CF8, 0, graphicsKHz), clockWrite(0x11C94, 4, memoryKHz)}));
 }
 
 void TestDeviceClocks::clockOffsetCalls()
 {
-    FakeDriver driver;
+    RawDriver driver;
     NvGpuControl gpu;
     driver.forgetCalls();
     QVERIFY(gpu.setGpuClockOffset(100));
-    QCOMPARE(driver.calls(), (QStringList{kReadPstates, kReadBaseClocks, clockWrite(0x31CF8, 0, 100000)}));
+    QCOMPARE(driver.rawCalls(), (QStringList{kReadPstates, kReadBaseClocks, clockWrite(0x31CF8, 0, 100000)}));
     driver.forgetCalls();
     QVERIFY(gpu.setMemoryClockOffset(100));
-    QCOMPARE(driver.calls(),
+    QCOMPARE(driver.rawCalls(),
              (QStringList{kReadPstates, kReadBaseClocks, kReadRamType, clockWrite(0x11C94, 4, 100000)}));
 }
 
@@ -493,11 +494,11 @@ void TestDeviceClocks::memoryLadder()
     QFETCH(std::vector<int>, statuses);
     QFETCH(QStringList, versions);
     QFETCH(bool, result);
-    FakeDriver driver;
-    driver.answersInTurn("NvAPI_GPU_SetPstates20", statuses);
+    RawDriver driver;
+    driver.answersInTurn(Operation::NvAPI_GPU_SetPstates20, statuses);
     NvGpuControl gpu;
     QCOMPARE(gpu.setMemoryClockOffset(100), result);
-    QCOMPARE(driver.versionsTried("NvAPI_GPU_SetPstates20"), versions);
+    QCOMPARE(driver.versionsTried(Operation::NvAPI_GPU_SetPstates20), versions);
 }
 
 void TestDeviceClocks::voltageOffsets_data()
@@ -508,10 +509,10 @@ void TestDeviceClocks::voltageOffsets_data()
     const auto row = [](const char *name, qint32 microVolt, qint32 written, const Arrange &arrange) {
         QTest::newRow(name) << arrange << microVolt << written;
     };
-    const auto nothing = [](FakeDriver &) {
+    const auto nothing = [](RawDriver &) {
     };
     const auto range = [](qint32 minimum, qint32 maximum) {
-        return [=](FakeDriver &driver) {
+        return [=](RawDriver &driver) {
             driver.card().p0Voltage(0).voltDelta_uV.valueRange = {minimum, maximum};
         };
     };
@@ -525,17 +526,18 @@ void TestDeviceClocks::voltageOffsets_data()
     row("the range is kept to the microvolt", 99999, 1999, range(-1999, 1999));
     row("bottom above the top wins", 100, 30000, range(30000, 5000));
     row("range of 0 to 0", 50000, 0, range(0, 0));
-    row("states unreadable", 50000, 0, [](FakeDriver &driver) { driver.fails("NvAPI_GPU_GetPstates20", -1); });
-    row("no P0", 50000, 0, [](FakeDriver &driver) { driver.card().pstates.pstates[0].pstateId = 3; });
-    row("no voltages", 50000, 0, [](FakeDriver &driver) { driver.card().pstates.numBaseVoltages = 0; });
-    row("no core voltage", 50000, 0, [](FakeDriver &driver) { driver.card().p0Voltage(0).domainId = 1; });
-    row("core voltage behind another", 50000, 20000, [](FakeDriver &driver) {
+    row("states unreadable", 50000, 0,
+        [](RawDriver &driver) { driver.fails(Operation::NvAPI_GPU_GetPstates20, -1); });
+    row("no P0", 50000, 0, [](RawDriver &driver) { driver.card().pstates.pstates[0].pstateId = 3; });
+    row("no voltages", 50000, 0, [](RawDriver &driver) { driver.card().pstates.numBaseVoltages = 0; });
+    row("no core voltage", 50000, 0, [](RawDriver &driver) { driver.card().p0Voltage(0).domainId = 1; });
+    row("core voltage behind another", 50000, 20000, [](RawDriver &driver) {
         driver.card().pstates.numBaseVoltages = 2;
         driver.card().p0Voltage(1) = driver.card().p0Voltage(0);
         driver.card().p0Voltage(1).voltDelta_uV.valueRange = {0, 20000};
         driver.card().p0Voltage(0).domainId = 1;
     });
-    row("count far beyond the record", 50000, 0, [](FakeDriver &driver) {
+    row("count far beyond the record", 50000, 0, [](RawDriver &driver) {
         for (auto &voltage : driver.card().pstates.pstates[0].baseVoltages)
             voltage.domainId = 9;
         driver.card().pstates.numBaseVoltages = 0xFFFFFFFF;
@@ -547,22 +549,22 @@ void TestDeviceClocks::voltageOffsets()
     QFETCH(Arrange, arrange);
     QFETCH(qint32, microVolt);
     QFETCH(qint32, written);
-    FakeDriver driver;
+    RawDriver driver;
     arrange(driver);
     NvGpuControl gpu;
     driver.forgetCalls();
     QCOMPARE(gpu.setVoltageOffset(microVolt), true);
-    QCOMPARE(driver.calls("NvAPI_GPU_SetPstates20"), QStringList{voltageWrite(0x31CF8, written)});
-    QCOMPARE(driver.calls().value(0).startsWith("GPU_GetPstates20"), true); // the range is read anew each time
+    QCOMPARE(driver.rawCalls(Operation::NvAPI_GPU_SetPstates20), QStringList{voltageWrite(0x31CF8, written)});
+    QCOMPARE(driver.rawCalls().value(0).startsWith("GPU_GetPstates20"), true); // the range is read anew each time
 }
 
 void TestDeviceClocks::noVoltageOffsetNeedsNoRange_data()
 {
     QTest::addColumn<Arrange>("arrange");
-    QTest::newRow("healthy card") << Arrange([](FakeDriver &) {});
+    QTest::newRow("healthy card") << Arrange([](RawDriver &) {});
     QTest::newRow("states unreadable") << Arrange(
-        [](FakeDriver &driver) { driver.fails("NvAPI_GPU_GetPstates20", -1); });
-    QTest::newRow("range that leaves 0 out") << Arrange([](FakeDriver &driver) {
+        [](RawDriver &driver) { driver.fails(Operation::NvAPI_GPU_GetPstates20, -1); });
+    QTest::newRow("range that leaves 0 out") << Arrange([](RawDriver &driver) {
         driver.card().p0Voltage(0).voltDelta_uV.valueRange = {5000, 50000};
     });
 }
@@ -570,35 +572,35 @@ void TestDeviceClocks::noVoltageOffsetNeedsNoRange_data()
 void TestDeviceClocks::noVoltageOffsetNeedsNoRange()
 {
     QFETCH(Arrange, arrange);
-    FakeDriver driver;
+    RawDriver driver;
     arrange(driver);
     NvGpuControl gpu;
     driver.forgetCalls();
     QCOMPARE(gpu.setVoltageOffset(0), true);
-    QCOMPARE(driver.calls(), QStringList{voltageWrite(0x31CF8, 0)});
+    QCOMPARE(driver.rawCalls(), QStringList{voltageWrite(0x31CF8, 0)});
 }
 
 void TestDeviceClocks::overVoltage()
 {
-    FakeDriver driver;
+    RawDriver driver;
     NvGpuControl gpu;
     driver.forgetCalls();
     QCOMPARE(gpu.setOverVoltage(-12500), true);
-    QCOMPARE(driver.calls(), QStringList{"GPU_SetPstates20 gpu0 0x31CF8" +
-                                         words({{kNumOverVoltagesAt, 1}, {kOverVoltageDeltaAt, -12500}})});
+    QCOMPARE(driver.rawCalls(), QStringList{"GPU_SetPstates20 gpu0 0x31CF8" +
+                                            words({{kNumOverVoltagesAt, 1}, {kOverVoltageDeltaAt, -12500}})});
 }
 
 void TestDeviceClocks::overVoltageWithoutCardGoesToTheDriver()
 {
-    FakeDriver driver;
+    RawDriver driver;
     driver.cards.clear();
     NvGpuControl gpu;
     driver.forgetCalls();
     QCOMPARE(gpu.setOverVoltage(0), false);
     const QString content = words({{kNumOverVoltagesAt, 1}});
-    QCOMPARE(driver.calls(), (QStringList{"GPU_SetPstates20 null 0x31CF8" + content + " -> -10",
-                                          "GPU_SetPstates20 null 0x21CF8" + content + " -> -10",
-                                          "GPU_SetPstates20 null 0x11C94 -> -10"}));
+    QCOMPARE(driver.rawCalls(), (QStringList{"GPU_SetPstates20 null 0x31CF8" + content + " -> -10",
+                                             "GPU_SetPstates20 null 0x21CF8" + content + " -> -10",
+                                             "GPU_SetPstates20 null 0x11C94 -> -10"}));
 }
 
 QTEST_APPLESS_MAIN(TestDeviceClocks)

@@ -1,14 +1,14 @@
 #include "device/NvGpuControl.h"
 
 #include "support/DeviceFields.h"
-#include "support/FakeDriver.h"
+#include "support/RawDriver.h"
 
 #include <QtTest>
 
 #include <functional>
 #include <limits>
 
-using Arrange = std::function<void(FakeDriver &)>;
+using Arrange = std::function<void(RawDriver &)>;
 Q_DECLARE_METATYPE(Arrange)
 
 namespace
@@ -23,9 +23,9 @@ QString readCooler(const char *version, NvAPI_Status status = 0)
 }
 
 /// The calls that read the cooler settings; what a failed attempt left in the record does not matter.
-QStringList coolerReads(const FakeDriver &driver)
+QStringList coolerReads(const RawDriver &driver)
 {
-    QStringList lines = driver.calls("NvAPI_GPU_GetCoolerSettings");
+    QStringList lines = driver.rawCalls(Operation::NvAPI_GPU_GetCoolerSettings);
     return lines.replaceInStrings(QRegularExpression(" \\[\\d+\\]=-?\\d+"), "");
 }
 
@@ -58,7 +58,7 @@ void TestDeviceCooler::coolerInfo_data()
     const auto row = [](const char *name, const FieldList &info, const Arrange &arrange) {
         QTest::newRow(name) << arrange << info;
     };
-    const auto secondFan = [](FakeDriver &driver) {
+    const auto secondFan = [](RawDriver &driver) {
         NvApiCoolerSettings::Cooler &fan = driver.card().coolers.cooler[1];
         fan = driver.card().coolers.cooler[0];
         fan.defaultMin = 20;
@@ -69,23 +69,23 @@ void TestDeviceCooler::coolerInfo_data()
         fan.tachMaxRpm = 2800;
         driver.card().coolers.count = 2;
     };
-    row("one fan", {100, 27, 1200, 300, 3400, 33, 1}, [](FakeDriver &) {});
+    row("one fan", {100, 27, 1200, 300, 3400, 33, 1}, [](RawDriver &) {});
     row("the last fan stands", {90, 20, 1200, 200, 2800, 44, 0x20}, secondFan);
     row("no tachometer block", {100, 27, 1200, 0, 0, 33, 1},
-        [](FakeDriver &driver) { driver.card().coolers.cooler[0].tachPresent = 0; });
+        [](RawDriver &driver) { driver.card().coolers.cooler[0].tachPresent = 0; });
     row("any tachometer byte but 0 counts", {100, 27, 1200, 300, 3400, 33, 1},
-        [](FakeDriver &driver) { driver.card().coolers.cooler[0].tachPresent = 0x80; });
+        [](RawDriver &driver) { driver.card().coolers.cooler[0].tachPresent = 0x80; });
     row("a last fan without a block keeps the limits of the first", {90, 20, 1200, 300, 3400, 44, 0x20},
-        [secondFan](FakeDriver &driver) {
+        [secondFan](RawDriver &driver) {
             secondFan(driver);
             driver.card().coolers.cooler[1].tachPresent = 0;
         });
-    row("no fan", {0, 0, 1200, 0, 0, 0, 0x20}, [](FakeDriver &driver) { driver.card().coolers.count = 0; });
+    row("no fan", {0, 0, 1200, 0, 0, 0, 0x20}, [](RawDriver &driver) { driver.card().coolers.count = 0; });
     row("tachometer unreadable", {100, 27, 0, 300, 3400, 33, 1},
-        [](FakeDriver &driver) { driver.fails("NvAPI_GPU_GetTachReading", -1); });
+        [](RawDriver &driver) { driver.fails(Operation::NvAPI_GPU_GetTachReading, -1); });
     row("tachometer missing", {100, 27, 0, 300, 3400, 33, 1},
-        [](FakeDriver &driver) { driver.lacks("NvAPI_GPU_GetTachReading"); });
-    row("count far beyond the record", {88, 22, 1200, 111, 2222, 66, 2}, [](FakeDriver &driver) {
+        [](RawDriver &driver) { driver.lacks(Operation::NvAPI_GPU_GetTachReading); });
+    row("count far beyond the record", {88, 22, 1200, 111, 2222, 66, 2}, [](RawDriver &driver) {
         driver.card().coolers.count = 0xFFFFFFFF;
         NvApiCoolerSettings::Cooler &last = driver.card().coolers.cooler[19];
         last.defaultMin = 22;
@@ -97,34 +97,34 @@ void TestDeviceCooler::coolerInfo_data()
         last.tachMaxRpm = 2222;
     });
     row("count one beyond the record", {0, 0, 1200, 300, 3400, 0, 0},
-        [](FakeDriver &driver) { driver.card().coolers.count = 21; });
+        [](RawDriver &driver) { driver.card().coolers.count = 21; });
 
     // Older entries are shorter, and walked at the newest stride all the same.
     row("version 3, one fan", {100, 27, 1200, 300, 3400, 33, 1},
-        [](FakeDriver &driver) { driver.knows("NvAPI_GPU_GetCoolerSettings", {0x30508}); });
+        [](RawDriver &driver) { driver.knows(Operation::NvAPI_GPU_GetCoolerSettings, {0x30508}); });
     for (const quint32 version : {0x203C8u, 0x103C8u, 0x10098u}) {
         row(qPrintable(QString("version %1, one fan").arg(version, 0, 16)), {100, 27, 1200, 0, 0, 33, 1},
-            [version](FakeDriver &driver) { driver.knows("NvAPI_GPU_GetCoolerSettings", {version}); });
+            [version](RawDriver &driver) { driver.knows(Operation::NvAPI_GPU_GetCoolerSettings, {version}); });
         // 20 bytes late: the default levels are policies, the level is "active", the policy the next controller
         row(qPrintable(QString("version %1, second fan at the wrong stride").arg(version, 0, 16)),
-            {0x20, 8, 1200, 0, 0, 1, 77}, [version, secondFan](FakeDriver &driver) {
+            {0x20, 8, 1200, 0, 0, 1, 77}, [version, secondFan](RawDriver &driver) {
                 secondFan(driver);
                 driver.card().coolers.cooler[2].controller = 77;
-                driver.knows("NvAPI_GPU_GetCoolerSettings", {version});
+                driver.knows(Operation::NvAPI_GPU_GetCoolerSettings, {version});
             });
     }
     // 4 bytes late
     row("version 3, second fan at the wrong stride", {27, 90, 1200, 2800, 0, 8, 0x1234},
-        [secondFan](FakeDriver &driver) {
+        [secondFan](RawDriver &driver) {
             secondFan(driver);
             NvApiCoolerSettings::Cooler &fan = driver.card().coolers.cooler[1];
             fan.currentMin = 27;
             fan.target = 0x1234;
             fan.tachMinRpm = 0x101; // its low byte is taken for the presence byte
-            driver.knows("NvAPI_GPU_GetCoolerSettings", {0x30508});
+            driver.knows(Operation::NvAPI_GPU_GetCoolerSettings, {0x30508});
         });
-    row("smallest version, count beyond the record", {0, 0, 0, 0, 0, 0, 0}, [](FakeDriver &driver) {
-        driver.knows("NvAPI_GPU_GetCoolerSettings", {0x10098});
+    row("smallest version, count beyond the record", {0, 0, 0, 0, 0, 0, 0}, [](RawDriver &driver) {
+        driver.knows(Operation::NvAPI_GPU_GetCoolerSettings, {0x10098});
         driver.card().coolers = {};
         driver.card().coolers.count = 0xFFFFFFFF;
         driver.card().tachRpm = 0;
@@ -135,7 +135,7 @@ void TestDeviceCooler::coolerInfo()
 {
     QFETCH(Arrange, arrange);
     QFETCH(FieldList, info);
-    FakeDriver driver;
+    RawDriver driver;
     arrange(driver);
     NvGpuControl gpu;
     NvCoolerInfo out;
@@ -189,20 +189,20 @@ void TestDeviceCooler::coolerInfoStatuses()
     QFETCH(qint32, level);
     QFETCH(qint32, foldedRpm);
     QFETCH(QStringList, calls);
-    FakeDriver driver;
-    driver.answersInTurn("NvAPI_GPU_GetCoolerSettings", statuses);
+    RawDriver driver;
+    driver.answersInTurn(Operation::NvAPI_GPU_GetCoolerSettings, statuses);
     if (filled)
-        driver.fillsDespiteFailure("NvAPI_GPU_GetCoolerSettings");
+        driver.fillsDespiteFailure(Operation::NvAPI_GPU_GetCoolerSettings);
     NvGpuControl gpu;
     driver.forgetCalls();
     NvCoolerInfo out;
     QCOMPARE(gpu.getCoolerInfo(out), result);
     QCOMPARE(out.currentLevel, level);
     QCOMPARE(out.currentPolicy, level ? 1 : 0x20);
-    QCOMPARE(driver.versionsTried("NvAPI_GPU_GetCoolerSettings"), calls);
-    QCOMPARE(driver.calls().value(0), QString(kReadTach));
-    QCOMPARE(driver.calls("NvAPI_GPU_GetTachReading").size(), 1);
-    QCOMPARE(driver.calls("NvAPI_GetErrorMessage"),
+    QCOMPARE(driver.versionsTried(Operation::NvAPI_GPU_GetCoolerSettings), calls);
+    QCOMPARE(driver.rawCalls().value(0), QString(kReadTach));
+    QCOMPARE(driver.rawCalls(Operation::NvAPI_GPU_GetTachReading).size(), 1);
+    QCOMPARE(driver.rawCalls(Operation::NvAPI_GetErrorMessage),
              statuses.front() == -1 ? QStringList{"GetErrorMessage status=-1"} : QStringList{});
 
     NvExtremes extremes;
@@ -252,12 +252,12 @@ void TestDeviceCooler::setCoolerLevel()
     QFETCH(std::vector<int>, statuses);
     QFETCH(bool, result);
     QFETCH(QStringList, calls);
-    FakeDriver driver;
-    driver.answersInTurn("NvAPI_GPU_SetCoolerLevels", statuses);
+    RawDriver driver;
+    driver.answersInTurn(Operation::NvAPI_GPU_SetCoolerLevels, statuses);
     NvGpuControl gpu;
     driver.forgetCalls();
     QCOMPARE(gpu.setCoolerLevel(level, policy), result);
-    QCOMPARE(driver.calls(), QStringList{readCooler("0x40558")} + calls);
+    QCOMPARE(driver.rawCalls(), QStringList{readCooler("0x40558")} + calls);
 }
 
 void TestDeviceCooler::levelWithinTheCoolersRange_data()
@@ -269,13 +269,13 @@ void TestDeviceCooler::levelWithinTheCoolersRange_data()
         QTest::newRow(name) << arrange << level << written;
     };
     const auto range = [](quint32 minimum, quint32 maximum) {
-        return [=](FakeDriver &driver) {
+        return [=](RawDriver &driver) {
             driver.card().coolers.cooler[0].defaultMin = qint32(minimum);
             driver.card().coolers.cooler[0].defaultMax = qint32(maximum);
         };
     };
-    const auto unreadable = [](FakeDriver &driver) {
-        driver.fails("NvAPI_GPU_GetCoolerSettings", -1);
+    const auto unreadable = [](RawDriver &driver) {
+        driver.fails(Operation::NvAPI_GPU_GetCoolerSettings, -1);
     };
     row("above the cooler's highest", 95, 80, range(30, 80));
     row("below the cooler's lowest", 0, 30, range(30, 80));
@@ -285,17 +285,18 @@ void TestDeviceCooler::levelWithinTheCoolersRange_data()
     row("settings unreadable, level in range", 50, 50, unreadable);
     row("settings unreadable, level above 100", 101, 100, unreadable);
     row("settings unreadable, negative level", -2, 0, unreadable);
-    row("no cooler listed", 101, 100, [](FakeDriver &driver) { driver.card().coolers.count = 0; });
+    row("no cooler listed", 101, 100, [](RawDriver &driver) { driver.card().coolers.count = 0; });
     row("cooler without a range", 50, 50, range(0, 0)); // would stop the fan for good
     row("never above 100 percent", 500, 100, range(0, 0x7FFFFFFF));
     row("never below 0 percent", -500, 0, range(0x80000000U, 100));
     row("lowest beyond 100 percent", 50, 100, range(500, 900));
-    row("the first of two fans", 0, 27, [](FakeDriver &driver) {
+    row("the first of two fans", 0, 27, [](RawDriver &driver) {
         driver.card().coolers.count = 2;
         driver.card().coolers.cooler[1].defaultMin = 55;
         driver.card().coolers.cooler[1].defaultMax = 90;
     });
-    row("oldest record", 0, 27, [](FakeDriver &driver) { driver.knows("NvAPI_GPU_GetCoolerSettings", {0x10098}); });
+    row("oldest record", 0, 27,
+        [](RawDriver &driver) { driver.knows(Operation::NvAPI_GPU_GetCoolerSettings, {0x10098}); });
 }
 
 void TestDeviceCooler::levelWithinTheCoolersRange()
@@ -303,12 +304,12 @@ void TestDeviceCooler::levelWithinTheCoolersRange()
     QFETCH(Arrange, arrange);
     QFETCH(qint32, level);
     QFETCH(qint32, written);
-    FakeDriver driver;
+    RawDriver driver;
     arrange(driver);
     NvGpuControl gpu;
     QVERIFY(gpu.setCoolerLevel(level, 1));
     const QString levelWord = written ? QString(" [4]=%1").arg(written) : QString();
-    QCOMPARE(driver.calls("NvAPI_GPU_SetCoolerLevels"),
+    QCOMPARE(driver.rawCalls(Operation::NvAPI_GPU_SetCoolerLevels),
              QStringList{QString("GPU_SetCoolerLevels gpu0 cooler=7 0x100A4%1 [8]=1").arg(levelWord)});
 }
 
@@ -321,34 +322,34 @@ void TestDeviceCooler::setDefaultLevel_data()
     QTest::addColumn<QStringList>("writes");
     const auto row = [](
                          const char *name, qint32 policy, bool result, const QStringList &reads,
-                         const QStringList &writes, const Arrange &arrange = [](FakeDriver &) {}) {
+                         const QStringList &writes, const Arrange &arrange = [](RawDriver &) {}) {
         QTest::newRow(name) << arrange << policy << result << reads << writes;
     };
     const QStringList newest = {readCooler("0x40558")};
     const QStringList write = {"GPU_SetCoolerLevels gpu0 cooler=7 0x100A4 [4]=27 [8]=8"};
     row("lowest level and policy of the card", 1, true, newest, write);
     row("the policy given is not looked at", 77, true, newest, write);
-    row("the current level does not matter", 1, true, newest, write, [](FakeDriver &driver) {
+    row("the current level does not matter", 1, true, newest, write, [](RawDriver &driver) {
         driver.card().coolers.cooler[0].currentLevel = 99;
         driver.card().coolers.cooler[0].currentPolicy = 0x20;
     });
-    row("the first of two fans", 1, true, newest, write, [](FakeDriver &driver) {
+    row("the first of two fans", 1, true, newest, write, [](RawDriver &driver) {
         driver.card().coolers.count = 2;
         driver.card().coolers.cooler[1].defaultMin = 55;
     });
     row("any failure goes down", 1, true,
         {readCooler("0x40558", -1), readCooler("0x30508", -1), readCooler("0x203C8")}, write,
-        [](FakeDriver &driver) { driver.fails("NvAPI_GPU_GetCoolerSettings", -1, 1, 2); });
+        [](RawDriver &driver) { driver.fails(Operation::NvAPI_GPU_GetCoolerSettings, -1, 1, 2); });
     row("smallest version", 1, true,
         {readCooler("0x40558", -9), readCooler("0x30508", -9), readCooler("0x203C8", -9), readCooler("0x103C8", -9),
          readCooler("0x10098")},
-        write, [](FakeDriver &driver) { driver.knows("NvAPI_GPU_GetCoolerSettings", {0x10098}); });
+        write, [](RawDriver &driver) { driver.knows(Operation::NvAPI_GPU_GetCoolerSettings, {0x10098}); });
     row("settings unreadable", 1, false,
         {readCooler("0x40558", -10), readCooler("0x30508", -10), readCooler("0x203C8", -10),
          readCooler("0x103C8", -10), readCooler("0x10098", -10)},
-        {}, [](FakeDriver &driver) { driver.fails("NvAPI_GPU_GetCoolerSettings", -10); });
+        {}, [](RawDriver &driver) { driver.fails(Operation::NvAPI_GPU_GetCoolerSettings, -10); });
     row("no smaller form of the write", 1, false, newest, {write[0] + " -> -9"},
-        [](FakeDriver &driver) { driver.knows("NvAPI_GPU_SetCoolerLevels", {0x1001C}); });
+        [](RawDriver &driver) { driver.knows(Operation::NvAPI_GPU_SetCoolerLevels, {0x1001C}); });
 }
 
 void TestDeviceCooler::setDefaultLevel()
@@ -358,13 +359,13 @@ void TestDeviceCooler::setDefaultLevel()
     QFETCH(bool, result);
     QFETCH(QStringList, reads);
     QFETCH(QStringList, writes);
-    FakeDriver driver;
+    RawDriver driver;
     arrange(driver);
     NvGpuControl gpu;
     driver.forgetCalls();
     QCOMPARE(gpu.setCoolerLevel(-1, policy), result);
     QCOMPARE(coolerReads(driver), reads);
-    QCOMPARE(driver.calls().mid(reads.size()), writes + (result ? QStringList{kReadTach} : QStringList{}));
+    QCOMPARE(driver.rawCalls().mid(reads.size()), writes + (result ? QStringList{kReadTach} : QStringList{}));
 }
 
 void TestDeviceCooler::setCoolerAuto_data()
@@ -385,12 +386,12 @@ void TestDeviceCooler::setCoolerAuto()
     QFETCH(std::vector<int>, statuses);
     QFETCH(bool, result);
     QFETCH(QStringList, calls);
-    FakeDriver driver;
-    driver.answersInTurn("NvAPI_GPU_SetCoolerLevels", statuses);
+    RawDriver driver;
+    driver.answersInTurn(Operation::NvAPI_GPU_SetCoolerLevels, statuses);
     NvGpuControl gpu;
     driver.forgetCalls();
     QCOMPARE(gpu.setCoolerAuto(), result);
-    QCOMPARE(driver.calls(), calls);
+    QCOMPARE(driver.rawCalls(), calls);
 }
 
 QTEST_APPLESS_MAIN(TestDeviceCooler)

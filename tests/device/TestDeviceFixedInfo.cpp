@@ -1,14 +1,14 @@
 #include "device/NvGpuControl.h"
 
 #include "support/DeviceFields.h"
-#include "support/FakeDriver.h"
+#include "support/RawDriver.h"
 
 #include <QtTest>
 
 #include <cstring>
 #include <functional>
 
-using Arrange = std::function<void(FakeDriver &)>;
+using Arrange = std::function<void(RawDriver &)>;
 Q_DECLARE_METATYPE(Arrange)
 
 /// The texts of the card's fixed information.
@@ -30,7 +30,7 @@ private slots:
 
 void TestDeviceFixedInfo::healthyCard()
 {
-    FakeDriver driver;
+    RawDriver driver;
     NvGpuControl gpu;
     NvInfo info;
     info.biosVersion = "left over";
@@ -52,14 +52,14 @@ void TestDeviceFixedInfo::healthyCard()
 
 void TestDeviceFixedInfo::calls()
 {
-    FakeDriver driver;
+    RawDriver driver;
     NvGpuControl gpu;
     driver.forgetCalls();
     NvInfo info;
     gpu.getFixedInfo(info);
     const QStringList baseClocks = {"GPU_GetPstates20 gpu0 0x31CF8", "GPU_GetAllClockFrequencies gpu0 0x30108 [4]=1",
                                     "GPU_GetRamType gpu0"};
-    QCOMPARE(driver.calls(),
+    QCOMPARE(driver.rawCalls(),
              QStringList({"GPU_GetFullName gpu0", "GPU_GetMemoryInfo gpu0 0x30020", "GPU_GetRamType gpu0"}) +
                  baseClocks + baseClocks +
                  QStringList({"SYS_GetDriverAndBranchVersion", "SYS_GetChipSetInfo 0x400E8",
@@ -68,7 +68,7 @@ void TestDeviceFixedInfo::calls()
 
 void TestDeviceFixedInfo::withoutCardTheRecordIsEmpty()
 {
-    FakeDriver driver;
+    RawDriver driver;
     driver.cards.clear();
     NvGpuControl gpu;
     driver.forgetCalls();
@@ -81,16 +81,16 @@ void TestDeviceFixedInfo::withoutCardTheRecordIsEmpty()
         QCOMPARE(*text, std::string());
     QCOMPARE(info.gpuFreClockChanged, 0);
     QCOMPARE(info.memFreClockChanged, 0);
-    QCOMPARE(driver.calls(), QStringList{});
+    QCOMPARE(driver.rawCalls(), QStringList{});
 }
 
 void TestDeviceFixedInfo::everythingFails()
 {
-    FakeDriver driver;
+    RawDriver driver;
     NvGpuControl gpu;
-    for (const QString &operation : FakeDriver::operations()) {
-        if (operation != "NvAPI_Unload")
-            driver.fails(operation.toLatin1().constData(), NVAPI_ERROR);
+    for (const Operation operation : RawDriver::operations()) {
+        if (operation != Operation::NvAPI_Unload)
+            driver.fails(operation);
     }
     NvInfo info;
     gpu.getFixedInfo(info);
@@ -144,7 +144,7 @@ void TestDeviceFixedInfo::memoryTypes()
     QFETCH(quint32, type);
     QFETCH(std::string, text);
     QFETCH(std::string, bandWidth);
-    FakeDriver driver;
+    RawDriver driver;
     driver.card().ramType = 6; // leaves a factor that the next read must replace
     NvGpuControl gpu;
     NvInfo info;
@@ -163,51 +163,51 @@ void TestDeviceFixedInfo::texts_data()
     const auto row = [](const char *name, const char *field, const char *text, const Arrange &arrange) {
         QTest::newRow(name) << arrange << field << text;
     };
-    row("8,388,608 KB", "memSize", "8192MB", [](FakeDriver &) {});
+    row("8,388,608 KB", "memSize", "8192MB", [](RawDriver &) {});
     row("a broken megabyte is dropped", "memSize", "2047MB",
-        [](FakeDriver &driver) { driver.card().memory.dedicatedVideoMemory = 2048 * 1024 - 1; });
-    row("TCC card has a total too", "memSize", "8192MB", [](FakeDriver &driver) { driver.card().tcc = true; });
+        [](RawDriver &driver) { driver.card().memory.dedicatedVideoMemory = 2048 * 1024 - 1; });
+    row("TCC card has a total too", "memSize", "8192MB", [](RawDriver &driver) { driver.card().tcc = true; });
     row("failed type counts as 0", "memType", "Unknown",
-        [](FakeDriver &driver) { driver.fails("NvAPI_GPU_GetRamType", NVAPI_ERROR); });
-    row("failed type that fills its number counts as 0 too", "memType", "Unknown", [](FakeDriver &driver) {
-        driver.lacks("NvAPI_GPU_GetRamType");
+        [](RawDriver &driver) { driver.fails(Operation::NvAPI_GPU_GetRamType, NVAPI_ERROR); });
+    row("failed type that fills its number counts as 0 too", "memType", "Unknown", [](RawDriver &driver) {
+        driver.lacks(Operation::NvAPI_GPU_GetRamType);
         driver.card().ramType = 6;
     });
     row("failed type carries two transfers a clock", "memBandWidth", "256.4GB/s",
-        [](FakeDriver &driver) { driver.lacks("NvAPI_GPU_GetRamType"); });
+        [](RawDriver &driver) { driver.lacks(Operation::NvAPI_GPU_GetRamType); });
     row("unreadable width", "memBitWidth", "Unknown",
-        [](FakeDriver &driver) { driver.fails("NvAPI_GPU_GetFBWidthAndLocation", NVAPI_ERROR); });
+        [](RawDriver &driver) { driver.fails(Operation::NvAPI_GPU_GetFBWidthAndLocation, NVAPI_ERROR); });
     row("unreadable width carries nothing", "memBandWidth", "0.0GB/s",
-        [](FakeDriver &driver) { driver.fails("NvAPI_GPU_GetFBWidthAndLocation", NVAPI_ERROR); });
-    row("narrow bus", "memBitWidth", "64BIT", [](FakeDriver &driver) { driver.card().memoryWidthBits = 64; });
+        [](RawDriver &driver) { driver.fails(Operation::NvAPI_GPU_GetFBWidthAndLocation, NVAPI_ERROR); });
+    row("narrow bus", "memBitWidth", "64BIT", [](RawDriver &driver) { driver.card().memoryWidthBits = 64; });
     row("bandwidth of a narrow bus", "memBandWidth", "64.1GB/s",
-        [](FakeDriver &driver) { driver.card().memoryWidthBits = 64; });
+        [](RawDriver &driver) { driver.card().memoryWidthBits = 64; });
     row("bandwidth at the customised clock", "memBandWidth", "262.8GB/s",
-        [](FakeDriver &driver) { driver.card().p0Clock(1).freqDelta_kHz.value = 100000; });
+        [](RawDriver &driver) { driver.card().p0Clock(1).freqDelta_kHz.value = 100000; });
     // the product is kept in 32 bits and taken as unsigned: 2 * 4006 * (2^32 - 1) leaves 4294959284
     row("bandwidth of a width of all ones", "memBandWidth", "536869.9GB/s",
-        [](FakeDriver &driver) { driver.card().memoryWidthBits = 0xFFFFFFFF; });
-    row("driver version keeps its digits", "driverVersion", "38532", [](FakeDriver &) {});
-    row("one digit of a driver version", "driverVersion", "7", [](FakeDriver &driver) { driver.driverVersion = 7; });
+        [](RawDriver &driver) { driver.card().memoryWidthBits = 0xFFFFFFFF; });
+    row("driver version keeps its digits", "driverVersion", "38532", [](RawDriver &) {});
+    row("one digit of a driver version", "driverVersion", "7", [](RawDriver &driver) { driver.driverVersion = 7; });
     row("no driver version", "driverVersion", "Unknown",
-        [](FakeDriver &driver) { driver.fails("NvAPI_SYS_GetDriverAndBranchVersion", NVAPI_ERROR); });
+        [](RawDriver &driver) { driver.fails(Operation::NvAPI_SYS_GetDriverAndBranchVersion, NVAPI_ERROR); });
     row("BIOS version in upper case", "biosVersion", "1A.2B.ZZ-",
-        [](FakeDriver &driver) { driver.card().vbiosVersion = "1a.2b.zZ-"; });
+        [](RawDriver &driver) { driver.card().vbiosVersion = "1a.2b.zZ-"; });
     row("no BIOS version", "biosVersion", "Unknown",
-        [](FakeDriver &driver) { driver.fails("NvAPI_GPU_GetVbiosVersionString", NVAPI_ERROR); });
+        [](RawDriver &driver) { driver.fails(Operation::NvAPI_GPU_GetVbiosVersionString, NVAPI_ERROR); });
     row("the chipset never shows", "biosVersion", "86.04.85.00.AB",
-        [](FakeDriver &driver) { driver.fails("NvAPI_SYS_GetChipSetInfo", NVAPI_ERROR); });
+        [](RawDriver &driver) { driver.fails(Operation::NvAPI_SYS_GetChipSetInfo, NVAPI_ERROR); });
     row("no name", "gpuName", "Unknown",
-        [](FakeDriver &driver) { driver.fails("NvAPI_GPU_GetFullName", NVAPI_ERROR); });
+        [](RawDriver &driver) { driver.fails(Operation::NvAPI_GPU_GetFullName, NVAPI_ERROR); });
     row("graphics offset of +100 in the customised clock", "customGpuFreClock", "1707MHz",
-        [](FakeDriver &driver) { driver.card().p0Clock(0).freqDelta_kHz.value = 100000; });
+        [](RawDriver &driver) { driver.card().p0Clock(0).freqDelta_kHz.value = 100000; });
     row("graphics offset of +100 not in the default clock", "gpuFreClock", "1607MHz",
-        [](FakeDriver &driver) { driver.card().p0Clock(0).freqDelta_kHz.value = 100000; });
+        [](RawDriver &driver) { driver.card().p0Clock(0).freqDelta_kHz.value = 100000; });
     row("graphics offset of +100 as difference", "gpuFreClockChanged", "100",
-        [](FakeDriver &driver) { driver.card().p0Clock(0).freqDelta_kHz.value = 100000; });
+        [](RawDriver &driver) { driver.card().p0Clock(0).freqDelta_kHz.value = 100000; });
     row("graphics offset of -50 as difference", "gpuFreClockChanged", "-50",
-        [](FakeDriver &driver) { driver.card().p0Clock(0).freqDelta_kHz.value = -50000; });
-    const Arrange memoryPlus100 = [](FakeDriver &driver) {
+        [](RawDriver &driver) { driver.card().p0Clock(0).freqDelta_kHz.value = -50000; });
+    const Arrange memoryPlus100 = [](RawDriver &driver) {
         driver.card().p0Clock(1).freqDelta_kHz.value = 100000;
     };
     row("memory offset of +100 as difference", "memFreClockChanged", "100", memoryPlus100);
@@ -215,7 +215,7 @@ void TestDeviceFixedInfo::texts_data()
     row("memory offset of +100 not in the default clock", "memFreClock", "4006MHz", memoryPlus100);
     // A single-frequency memory clock whose base holds the offset already shows it twice: this is how the
     // rules for the two clocks meet on such a card.
-    const Arrange singleType = [](FakeDriver &driver) {
+    const Arrange singleType = [](RawDriver &driver) {
         driver.card().p0Clock(1).typeId = kPstateClockTypeSingle;
         driver.card().p0Clock(1).freqDelta_kHz.value = 100000;
     };
@@ -229,7 +229,7 @@ void TestDeviceFixedInfo::texts()
     QFETCH(Arrange, arrange);
     QFETCH(QString, field);
     QFETCH(QString, text);
-    FakeDriver driver;
+    RawDriver driver;
     arrange(driver);
     NvGpuControl gpu;
     NvInfo info;
@@ -255,7 +255,7 @@ void TestDeviceFixedInfo::texts()
 
 void TestDeviceFixedInfo::textWithoutAnEndStaysInItsBuffer()
 {
-    FakeDriver driver;
+    RawDriver driver;
     driver.card().fullName = std::string(200, 'n');
     driver.card().vbiosVersion = std::string(200, 'b');
     std::memset(driver.chipset.szVendorName, 'v', sizeof driver.chipset.szVendorName);

@@ -1,13 +1,14 @@
 #include "device/NvGpuControl.h"
 
+#include "support/CallText.h"
 #include "support/DeviceFields.h"
-#include "support/FakeDriver.h"
+#include "support/RawDriver.h"
 
 #include <QtTest>
 
 #include <functional>
 
-using Arrange = std::function<void(FakeDriver &)>;
+using Arrange = std::function<void(RawDriver &)>;
 Q_DECLARE_METATYPE(Arrange)
 
 namespace
@@ -33,10 +34,10 @@ QString shown(const QByteArray &bytes)
 }
 
 /// The bytes of the last write that the driver got at `address`.
-QByteArray lastFrame(const FakeDriver &driver, const char *address)
+QByteArray lastFrame(const RawDriver &driver, const char *address)
 {
     QByteArray frame;
-    for (const QString &line : driver.calls("NvAPI_I2CWrite")) {
+    for (const QString &line : driver.rawCalls(Operation::NvAPI_I2CWrite)) {
         if (line.contains(QString(" addr=%1 ").arg(address)))
             frame = QByteArray::fromHex(line.section("data=", 1, 1).section(" ->", 0, 0).toLatin1());
     }
@@ -82,7 +83,7 @@ private slots:
 
 void TestDeviceFrames::sequenceOfTheProcess()
 {
-    FakeDriver driver;
+    RawDriver driver;
     driver.cards.resize(2);
     {
         // no driver: no frame, and no number used up
@@ -150,7 +151,7 @@ void TestDeviceFrames::ledFrames()
     QFETCH(quint8, interval);
     QFETCH(bool, closing);
     QFETCH(QString, frame);
-    FakeDriver driver;
+    RawDriver driver;
     NvGpuControl gpu;
     const auto *bytes = data.isEmpty() ? nullptr : reinterpret_cast<const quint8 *>(data.constData());
     QVERIFY(gpu.i2cWriteFramed(bytes, data.size(), effect, level, interval, closing));
@@ -159,24 +160,24 @@ void TestDeviceFrames::ledFrames()
 
 void TestDeviceFrames::ledFrameRecord()
 {
-    FakeDriver driver;
+    RawDriver driver;
     NvGpuControl gpu;
     driver.forgetCalls();
     QVERIFY(gpu.i2cWriteFramed(nullptr, 0, 10, 0, 0, false));
-    QCOMPARE(driver.calls(),
+    QCOMPARE(driver.rawCalls(),
              QStringList{
                  "I2CWrite gpu0 0x3002C addr=A0 reg=00 regSize=0 size=5 speed=FFFF/6 port=1/1 data=05 0A 00 00 F0"});
 }
 
 void TestDeviceFrames::ledFrameFails()
 {
-    FakeDriver driver;
+    RawDriver driver;
     driver.card().i2cListeners.clear();
     NvGpuControl gpu;
     driver.forgetCalls();
     QCOMPARE(gpu.i2cWriteFramed(nullptr, 0, 10, 0, 0, false), false);
-    QCOMPARE(driver.calls().size(), 3); // the whole ladder of a failing device
-    for (const QString &line : driver.calls())
+    QCOMPARE(driver.rawCalls().size(), 3); // the whole ladder of a failing device
+    for (const QString &line : driver.rawCalls())
         QVERIFY2(line.contains("data=05 0A 00 00 F0"), qPrintable(line));
 }
 
@@ -206,7 +207,7 @@ void TestDeviceFrames::ledState()
     QFETCH(QByteArray, reply);
     QFETCH(FieldList, numbers);
     QFETCH(QByteArray, colours);
-    FakeDriver driver;
+    RawDriver driver;
     driver.card().i2cReplies[0xA1] = reply;
     NvGpuControl gpu;
     LedControllerState state;
@@ -219,12 +220,12 @@ void TestDeviceFrames::ledState()
 
 void TestDeviceFrames::ledStateTransfer()
 {
-    FakeDriver driver;
+    RawDriver driver;
     NvGpuControl gpu;
     driver.forgetCalls();
     LedControllerState state;
     QVERIFY(gpu.readLedState(state));
-    QCOMPARE(driver.calls(),
+    QCOMPARE(driver.rawCalls(),
              QStringList{"I2CRead gpu0 0x3002C addr=A1 reg=00 regSize=0 size=27 speed=FFFF/6 port=1/1"});
 
     driver.card().i2cReplies.remove(0xA1);
@@ -240,7 +241,7 @@ void TestDeviceFrames::ledStateTransfer()
 
 void TestDeviceFrames::lcdFrame()
 {
-    FakeDriver driver;
+    RawDriver driver;
     NvGpuControl gpu;
     driver.forgetCalls();
     QVERIFY(gpu.sendCardInfoToLcd(true, false, 10, LcdDisplayTemperature));
@@ -269,11 +270,11 @@ void TestDeviceFrames::lcdFrame()
 
 void TestDeviceFrames::lcdFrameWithoutReadings()
 {
-    FakeDriver driver;
+    RawDriver driver;
     NvGpuControl gpu;
-    for (const QString &operation : FakeDriver::operations()) {
-        if (!operation.startsWith("NvAPI_I2C") && operation != "NvAPI_Unload")
-            driver.fails(operation.toLatin1().constData(), NVAPI_ERROR);
+    for (const Operation operation : RawDriver::operations()) {
+        if (!operationText(operation).startsWith("I2C") && operation != Operation::NvAPI_Unload)
+            driver.fails(operation);
     }
     driver.forgetCalls();
     QVERIFY(gpu.sendCardInfoToLcd(true, false, 10, LcdDisplayClock));
@@ -339,7 +340,7 @@ void TestDeviceFrames::lcdCommands()
     QFETCH(int, time);
     QFETCH(int, mode);
     QFETCH(int, command);
-    FakeDriver driver;
+    RawDriver driver;
     NvGpuControl gpu;
     QVERIFY(gpu.sendCardInfoToLcd(enable, autoSwitch, time, mode));
     QCOMPARE(int(quint8(lastFrame(driver, "AC")[kCommandAt])), command);
@@ -379,7 +380,7 @@ void TestDeviceFrames::lcdModel()
 {
     QFETCH(std::string, name);
     QFETCH(QString, digits);
-    FakeDriver driver;
+    RawDriver driver;
     driver.card().fullName = name;
     NvGpuControl gpu;
     QVERIFY(gpu.sendCardInfoToLcd(true, false, 10, 0x80));
@@ -409,7 +410,7 @@ void TestDeviceFrames::lcdFanFlag()
     QFETCH(std::string, name);
     QFETCH(quint32, rpm);
     QFETCH(int, flag);
-    FakeDriver driver;
+    RawDriver driver;
     driver.card().subSystemId = subSystemId;
     driver.card().fullName = name;
     driver.card().tachRpm = rpm;
@@ -417,7 +418,7 @@ void TestDeviceFrames::lcdFanFlag()
     QVERIFY(gpu.sendCardInfoToLcd(true, false, 10, 0x80));
     QCOMPARE(int(quint8(lastFrame(driver, "AC")[kFanFlagAt])), flag);
 
-    driver.fails("NvAPI_GPU_GetPCIIdentifiers", NVAPI_ERROR);
+    driver.fails(Operation::NvAPI_GPU_GetPCIIdentifiers, NVAPI_ERROR);
     QVERIFY(gpu.sendCardInfoToLcd(true, false, 10, 0x80));
     QCOMPARE(int(quint8(lastFrame(driver, "AC")[kFanFlagAt])), 0);
 }
@@ -430,28 +431,28 @@ void TestDeviceFrames::lcdFields_data()
     const auto row = [](const char *name, int offset, const char *bytes, const Arrange &arrange) {
         QTest::newRow(name) << arrange << offset << QString(bytes);
     };
-    row("more than 2^31 KB in all", 4, "04 03 02 F1", [](FakeDriver &driver) {
+    row("more than 2^31 KB in all", 4, "04 03 02 F1", [](RawDriver &driver) {
         driver.card().memory.dedicatedVideoMemory = 0xF1020304;
         driver.card().memory.curAvailableDedicatedVideoMemory = 0xF1020304;
     });
-    row("more than 2^31 KB in use", 21, "04 03 02 F1", [](FakeDriver &driver) {
+    row("more than 2^31 KB in use", 21, "04 03 02 F1", [](RawDriver &driver) {
         driver.card().memory.dedicatedVideoMemory = 0xF1020304;
         driver.card().memory.curAvailableDedicatedVideoMemory = 0;
     });
     row("customised base clock", 8, "AB 06",
-        [](FakeDriver &driver) { driver.card().p0Clock(0).freqDelta_kHz.value = 100000; });
+        [](RawDriver &driver) { driver.card().p0Clock(0).freqDelta_kHz.value = 100000; });
     row("base clock keeps its low 16 bits", 8, "98 EB",
-        [](FakeDriver &driver) { driver.card().clocks[1].domain[0].frequencyKHz = 1108888000; });
+        [](RawDriver &driver) { driver.card().clocks[1].domain[0].frequencyKHz = 1108888000; });
     row("temperature below zero", 27, "FB FF",
-        [](FakeDriver &driver) { driver.card().thermal.sensor[0].currentTemp = -5; });
+        [](RawDriver &driver) { driver.card().thermal.sensor[0].currentTemp = -5; });
     row("thermal limit", 10, "5A 00",
-        [](FakeDriver &driver) { driver.card().thermalStatus.entries[0].temperature = 90 * 256; });
-    row("fan speed keeps its low 16 bits", 29, "34 12", [](FakeDriver &driver) { driver.card().tachRpm = 0xAB1234; });
+        [](RawDriver &driver) { driver.card().thermalStatus.entries[0].temperature = 90 * 256; });
+    row("fan speed keeps its low 16 bits", 29, "34 12", [](RawDriver &driver) { driver.card().tachRpm = 0xAB1234; });
     row("no tachometer block", 12, "00 00",
-        [](FakeDriver &driver) { driver.card().coolers.cooler[0].tachPresent = 0; });
+        [](RawDriver &driver) { driver.card().coolers.cooler[0].tachPresent = 0; });
     row("current clock", 25, "E8 03",
-        [](FakeDriver &driver) { driver.card().clocks[0].domain[0].frequencyKHz = 1000999; });
-    row("TCC card uses no memory", 21, "00 00 00 00", [](FakeDriver &driver) { driver.card().tcc = true; });
+        [](RawDriver &driver) { driver.card().clocks[0].domain[0].frequencyKHz = 1000999; });
+    row("TCC card uses no memory", 21, "00 00 00 00", [](RawDriver &driver) { driver.card().tcc = true; });
 }
 
 void TestDeviceFrames::lcdFields()
@@ -459,7 +460,7 @@ void TestDeviceFrames::lcdFields()
     QFETCH(Arrange, arrange);
     QFETCH(int, offset);
     QFETCH(QString, bytes);
-    FakeDriver driver;
+    RawDriver driver;
     arrange(driver);
     NvGpuControl gpu;
     QVERIFY(gpu.sendCardInfoToLcd(true, false, 10, 0x80));
@@ -473,7 +474,7 @@ void TestDeviceFrames::lcdFields()
 
 void TestDeviceFrames::lcdChecksumOverflowsEightBits()
 {
-    FakeDriver driver;
+    RawDriver driver;
     driver.card().memory.dedicatedVideoMemory = 0xFFFFFFFF;
     driver.card().memory.curAvailableDedicatedVideoMemory = 0;
     driver.card().tachRpm = 0xFFFF;
@@ -489,28 +490,28 @@ void TestDeviceFrames::lcdChecksumOverflowsEightBits()
 
 void TestDeviceFrames::lcdFrameFails()
 {
-    FakeDriver driver;
+    RawDriver driver;
     driver.card().i2cListeners.remove(0xAC);
     NvGpuControl gpu;
     driver.forgetCalls();
     QCOMPARE(gpu.sendCardInfoToLcd(true, false, 10, 0x80), false);
-    QCOMPARE(driver.calls("NvAPI_I2CWrite").size(), 1);
-    QCOMPARE(driver.calls("NvAPI_I2CWriteEx").size(), 2);
+    QCOMPARE(driver.rawCalls(Operation::NvAPI_I2CWrite).size(), 1);
+    QCOMPARE(driver.rawCalls(Operation::NvAPI_I2CWriteEx).size(), 2);
 }
 
 void TestDeviceFrames::lcdWithoutDriverSendsNothing()
 {
-    FakeDriver driver;
+    RawDriver driver;
     driver.libraryExists = false;
     NvGpuControl gpu;
     QCOMPARE(gpu.sendCardInfoToLcd(true, true, 10, 0x80), false);
-    QCOMPARE(driver.calls(), QStringList{});
+    QCOMPARE(driver.rawCalls(), QStringList{});
 }
 
 /// What the driver sees while two cards are found: the second has neither controller.
 void TestDeviceFrames::detectionOfTwoCards()
 {
-    FakeDriver driver;
+    RawDriver driver;
     driver.cards.resize(2);
     driver.card(1).i2cListeners.clear();
     driver.card(1).fullName = "GeForce GTX 960";
@@ -555,7 +556,7 @@ void TestDeviceFrames::detectionOfTwoCards()
                            "I2CWriteEx" + content + " words=0,0 -> -1"};
     };
     // the frames themselves are compared elsewhere
-    QStringList calls = driver.calls().replaceInStrings(QRegularExpression(" data=[0-9A-F ]*?(?= ->|$)"), "");
+    QStringList calls = driver.rawCalls().replaceInStrings(QRegularExpression(" data=[0-9A-F ]*?(?= ->|$)"), "");
     QCOMPARE(calls,
              QStringList({"Initialize", "EnumNvidiaDisplayHandle index=0", "EnumNvidiaDisplayHandle index=1 -> -7",
                           "GetAssociatedDisplayOutputId display0", "EnumPhysicalGPUs", "EnumTCCPhysicalGPUs"}) +

@@ -1,10 +1,11 @@
 #include "device/NvGpuControl.h"
 
-#include "support/FakeDriver.h"
+#include "support/RawDriver.h"
 
 #include <QtTest>
 
 using Statuses = std::vector<int>;
+using Operations = std::vector<Operation>;
 
 /// The I2C transport: the record, the ladder over plain and extended calls, and the data that moves.
 class TestDeviceI2c : public QObject
@@ -86,16 +87,16 @@ void TestDeviceI2c::ladder()
     QFETCH(Statuses, extended);
     QFETCH(QStringList, calls);
     QFETCH(bool, result);
-    FakeDriver driver;
-    driver.answersInTurn(reading ? "NvAPI_I2CRead" : "NvAPI_I2CWrite", plain);
-    driver.answersInTurn(reading ? "NvAPI_I2CReadEx" : "NvAPI_I2CWriteEx", extended);
+    RawDriver driver;
+    driver.answersInTurn(reading ? Operation::NvAPI_I2CRead : Operation::NvAPI_I2CWrite, plain);
+    driver.answersInTurn(reading ? Operation::NvAPI_I2CReadEx : Operation::NvAPI_I2CWriteEx, extended);
     NvGpuControl gpu;
     driver.forgetCalls();
     quint8 data[2] = {0xAA, 0x55};
     QCOMPARE(reading ? gpu.i2cRead(0x9E, 0, 1, data, 2) : gpu.i2cWrite(0xAC, 0, 0, data, 2), result);
 
     QStringList made;
-    for (const QString &line : driver.calls()) {
+    for (const QString &line : driver.rawCalls()) {
         const QString operation = line.section(' ', 0, 0);
         QVERIFY2(operation.startsWith(reading ? "I2CRead" : "I2CWrite"), qPrintable(line));
         const bool isExtended = operation.endsWith("Ex");
@@ -125,46 +126,48 @@ void TestDeviceI2c::knownVersions()
 {
     QFETCH(quint32, known);
     QFETCH(QStringList, calls);
-    FakeDriver driver;
-    driver.knows("NvAPI_I2CWrite", {known});
-    driver.knows("NvAPI_I2CRead", {known});
+    RawDriver driver;
+    driver.knows(Operation::NvAPI_I2CWrite, {known});
+    driver.knows(Operation::NvAPI_I2CRead, {known});
     NvGpuControl gpu;
     driver.forgetCalls();
     quint8 data[2] = {0xAA, 0x55};
     QVERIFY(gpu.i2cWrite(0xAC, 0x5A, 1, data, 2));
-    QCOMPARE(driver.calls(), calls);
+    QCOMPARE(driver.rawCalls(), calls);
     QVERIFY(gpu.i2cRead(0x9E, 0, 1, data, 2));
     QCOMPARE(data[0], quint8(0x19));
-    QCOMPARE(driver.versionsTried("NvAPI_I2CRead").size(), calls.size());
+    QCOMPARE(driver.versionsTried(Operation::NvAPI_I2CRead).size(), calls.size());
 }
 
 void TestDeviceI2c::missingEntries_data()
 {
-    QTest::addColumn<QStringList>("missing");
+    QTest::addColumn<Operations>("missing");
     QTest::addColumn<bool>("result");
     QTest::addColumn<int>("calls");
-    QTest::newRow("no extended calls, plain well") << QStringList{"NvAPI_I2CReadEx", "NvAPI_I2CWriteEx"} << true << 1;
-    QTest::newRow("no plain calls") << QStringList{"NvAPI_I2CRead", "NvAPI_I2CWrite"} << true << 1;
-    QTest::newRow("neither") << QStringList{"NvAPI_I2CRead", "NvAPI_I2CWrite", "NvAPI_I2CReadEx", "NvAPI_I2CWriteEx"}
+    QTest::newRow("no extended calls, plain well")
+        << Operations{Operation::NvAPI_I2CReadEx, Operation::NvAPI_I2CWriteEx} << true << 1;
+    QTest::newRow("no plain calls") << Operations{Operation::NvAPI_I2CRead, Operation::NvAPI_I2CWrite} << true << 1;
+    QTest::newRow("neither") << Operations{Operation::NvAPI_I2CRead, Operation::NvAPI_I2CWrite,
+                                           Operation::NvAPI_I2CReadEx, Operation::NvAPI_I2CWriteEx}
                              << false << 0;
 }
 
 void TestDeviceI2c::missingEntries()
 {
-    QFETCH(QStringList, missing);
+    QFETCH(Operations, missing);
     QFETCH(bool, result);
     QFETCH(int, calls);
-    FakeDriver driver;
-    for (const QString &operation : missing)
-        driver.lacks(operation.toLatin1().constData());
+    RawDriver driver;
+    for (const Operation operation : missing)
+        driver.lacks(operation);
     NvGpuControl gpu;
     quint8 data[2] = {0xAA, 0x55};
     driver.forgetCalls();
     QCOMPARE(gpu.i2cWrite(0xAC, 0, 0, data, 2), result);
-    QCOMPARE(driver.calls().size(), calls);
+    QCOMPARE(driver.rawCalls().size(), calls);
     driver.forgetCalls();
     QCOMPARE(gpu.i2cRead(0x9E, 0, 1, data, 2), result);
-    QCOMPARE(driver.calls().size(), calls);
+    QCOMPARE(driver.rawCalls().size(), calls);
 }
 
 void TestDeviceI2c::writeRecord_data()
@@ -189,43 +192,43 @@ void TestDeviceI2c::writeRecord()
     QFETCH(quint32, regSize);
     QFETCH(QByteArray, data);
     QFETCH(QString, call);
-    FakeDriver driver;
+    RawDriver driver;
     NvGpuControl gpu;
     driver.forgetCalls();
     QVERIFY(gpu.i2cWrite(address, reg, regSize, reinterpret_cast<quint8 *>(data.data()), quint32(data.size())));
-    QCOMPARE(driver.calls(), QStringList{"I2CWrite gpu0 0x3002C " + call});
+    QCOMPARE(driver.rawCalls(), QStringList{"I2CWrite gpu0 0x3002C " + call});
 }
 
 void TestDeviceI2c::readMovesData()
 {
-    FakeDriver driver;
+    RawDriver driver;
     driver.card().i2cReplies[0x44] = QByteArray::fromHex("DEADBEEF");
     NvGpuControl gpu;
     driver.forgetCalls();
     quint8 data[5] = {1, 1, 1, 1, 1};
     QVERIFY(gpu.i2cRead(0x44, 0x10, 1, data, 4));
     QCOMPARE(QByteArray(reinterpret_cast<char *>(data), 5), QByteArray::fromHex("DEADBEEF01"));
-    QCOMPARE(driver.calls(),
+    QCOMPARE(driver.rawCalls(),
              QStringList{"I2CRead gpu0 0x3002C addr=44 reg=10 regSize=1 size=4 speed=FFFF/6 port=1/1"});
 }
 
 void TestDeviceI2c::deviceThatIsNotThere()
 {
-    FakeDriver driver;
+    RawDriver driver;
     NvGpuControl gpu;
     driver.forgetCalls();
     quint8 data[2] = {0xAA, 0x55};
     QCOMPARE(gpu.i2cWrite(0x42, 0, 0, data, 2), false);
-    QCOMPARE(driver.calls().size(), 3); // plain, extended, extended once more
+    QCOMPARE(driver.rawCalls().size(), 3); // plain, extended, extended once more
     driver.forgetCalls();
     QCOMPARE(gpu.i2cRead(0x42, 0, 1, data, 2), false);
-    QCOMPARE(driver.calls().size(), 3);
+    QCOMPARE(driver.rawCalls().size(), 3);
     QCOMPARE(data[0], quint8(0xAA));
 }
 
 void TestDeviceI2c::addressedCard()
 {
-    FakeDriver driver;
+    RawDriver driver;
     driver.cards.resize(2);
     driver.card(1).i2cReplies[0x9E] = QByteArray::fromHex("3300");
     NvGpuControl gpu;
@@ -247,14 +250,14 @@ void TestDeviceI2c::frameWithoutCard()
 {
     QFETCH(int, dataSize);
 
-    FakeDriver driver;
+    RawDriver driver;
     driver.cards.clear();
     NvGpuControl gpu;
     QVERIFY(gpu.isReady());
     driver.forgetCalls();
     const std::vector<quint8> data(std::size_t(dataSize), 0x5A);
     QCOMPARE(gpu.i2cWriteFramed(data.empty() ? nullptr : data.data(), dataSize, 2, 0x32, 3, true), false);
-    QCOMPARE(driver.calls(), QStringList());
+    QCOMPARE(driver.rawCalls(), QStringList());
 }
 
 QTEST_APPLESS_MAIN(TestDeviceI2c)

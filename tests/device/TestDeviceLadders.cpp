@@ -1,6 +1,6 @@
 #include "device/NvGpuControl.h"
 
-#include "support/FakeDriver.h"
+#include "support/RawDriver.h"
 
 #include <QtTest>
 
@@ -297,7 +297,7 @@ void TestDeviceLadders::driverKnowsOneVersion()
     QFETCH(int, row);
     QFETCH(int, rung);
     const Ladder &ladder = ladders()[std::size_t(row)];
-    FakeDriver driver;
+    RawDriver driver;
     driver.knows(ladder.operation, {ladder.versions[std::size_t(rung)]});
     NvGpuControl gpu;
     QVERIFY(ladder.succeeds(gpu));
@@ -308,7 +308,7 @@ void TestDeviceLadders::driverKnowsNoVersion()
 {
     QFETCH(int, row);
     const Ladder &ladder = ladders()[std::size_t(row)];
-    FakeDriver driver;
+    RawDriver driver;
     driver.knows(ladder.operation, {});
     NvGpuControl gpu;
     QVERIFY(!ladder.succeeds(gpu));
@@ -338,7 +338,7 @@ void TestDeviceLadders::driverFails()
     QFETCH(NvAPI_Status, status);
     QFETCH(int, failures);
     const Ladder &ladder = ladders()[std::size_t(row)];
-    FakeDriver driver;
+    RawDriver driver;
     driver.fails(ladder.operation, status, 1, failures);
     NvGpuControl gpu;
     const bool getsThrough = failures < int(ladder.versions.size());
@@ -351,11 +351,11 @@ void TestDeviceLadders::driverLacksTheEntry()
 {
     QFETCH(int, row);
     const Ladder &ladder = ladders()[std::size_t(row)];
-    FakeDriver driver;
+    RawDriver driver;
     driver.lacks(ladder.operation);
     NvGpuControl gpu;
     QVERIFY(!ladder.succeeds(gpu));
-    QCOMPARE(driver.calls(ladder.operation), QStringList{});
+    QCOMPARE(driver.rawCalls(ladder.operation), QStringList{});
 }
 
 void TestDeviceLadders::chipset_data()
@@ -376,13 +376,13 @@ void TestDeviceLadders::chipset()
 {
     QFETCH(std::vector<int>, statuses);
     QFETCH(QStringList, calls);
-    FakeDriver driver;
-    driver.answersInTurn("NvAPI_SYS_GetChipSetInfo", statuses);
+    RawDriver driver;
+    driver.answersInTurn(Operation::NvAPI_SYS_GetChipSetInfo, statuses);
     NvGpuControl gpu;
     NvInfo info;
     gpu.getFixedInfo(info);
-    QCOMPARE(driver.versionsTried("NvAPI_SYS_GetChipSetInfo"), calls);
-    QCOMPARE(driver.calls("NvAPI_GetErrorMessage"),
+    QCOMPARE(driver.versionsTried(Operation::NvAPI_SYS_GetChipSetInfo), calls);
+    QCOMPARE(driver.rawCalls(Operation::NvAPI_GetErrorMessage),
              statuses.front() == -1 ? QStringList{"GetErrorMessage status=-1"} : QStringList{});
     QCOMPARE(info.biosVersion, std::string("86.04.85.00.AB"));
 }

@@ -1,6 +1,7 @@
 #include "device/NvGpuControl.h"
 #include "device/nvapi/NvApi.h"
 
+#include "simulated/Call.h"
 #include "simulated/ScenarioReader.h"
 #include "support/CheckedDriver.h"
 
@@ -116,8 +117,8 @@ void TestDeviceOnSimulatedCards::everyOperation_data()
     };
     using simulated::Scenario;
     row("as shipped", [](Scenario &) {});
-    row("newest records", [](Scenario &scene) { scene.driver.keepNewestRecords(); });
-    row("oldest records", [](Scenario &scene) { scene.driver.keepOldestRecords(); });
+    row("newest records", [](Scenario &scene) { scene.knowledge.keepNewestRecords(); });
+    row("oldest records", [](Scenario &scene) { scene.knowledge.keepOldestRecords(); });
     row("nothing can be changed", [](Scenario &scene) {
         for (simulated::CardParameters &card : scene.cards) {
             card.clocks.graphicsOffsetKHz.editable = card.clocks.memoryOffsetKHz.editable = false;
@@ -134,7 +135,6 @@ void TestDeviceOnSimulatedCards::everyOperation_data()
     row("hostile counts", [](Scenario &scene) { scene.driver.hostility = {255, true}; });
     row("no card", [](Scenario &scene) { scene.cards.clear(); });
     row("every other write fails", [](Scenario &scene) {
-        using simulated::Operation;
         for (const Operation operation :
              {Operation::NvAPI_GPU_SetPstates20, Operation::NvAPI_GPU_SetCoolerLevels, Operation::NvAPI_I2CWrite,
               Operation::NvAPI_I2CRead, Operation::NvAPI_GPU_ClientThermalPoliciesSetStatus}) {
@@ -154,7 +154,6 @@ void TestDeviceOnSimulatedCards::everyOperation()
     simulated::Scenario scene = simulated::builtInScenario();
     change(scene);
     CheckedDriver driver(scene);
-    setNvApiLibrarySource({[&driver] { return driver.queryInterface(); }, {}, false});
     {
         NvGpuControl keepsTheLibrary;
         for (std::size_t card = 0; card < std::max<std::size_t>(scene.cards.size(), 1); ++card) {
@@ -166,9 +165,8 @@ void TestDeviceOnSimulatedCards::everyOperation()
             readEverything(gpu);
         }
     }
-    setNvApiLibrarySource({});
     QCOMPARE(driver.takeViolations().join(", "), QString());
-    QCOMPARE(driver.calls().back().name(), std::string("NvAPI_Unload"));
+    QCOMPARE(driver.callRecords().back().name(), std::string("NvAPI_Unload"));
 }
 
 QTEST_APPLESS_MAIN(TestDeviceOnSimulatedCards)

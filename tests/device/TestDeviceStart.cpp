@@ -1,7 +1,7 @@
 #include "device/NvGpuControl.h"
 
 #include "support/DeviceFields.h"
-#include "support/FakeDriver.h"
+#include "support/RawDriver.h"
 
 #include <QtTest>
 
@@ -81,32 +81,33 @@ void TestDeviceStart::start()
     QFETCH(quint32, cards);
     QFETCH(bool, enumerated);
 
-    FakeDriver driver;
+    RawDriver driver;
     if (initializeStatus)
-        driver.fails("NvAPI_Initialize", initializeStatus);
+        driver.fails(Operation::NvAPI_Initialize, initializeStatus);
     if (enumerationStatus)
-        driver.fails("NvAPI_EnumPhysicalGPUs", enumerationStatus);
+        driver.fails(Operation::NvAPI_EnumPhysicalGPUs, enumerationStatus);
     NvGpuControl gpu;
 
     QCOMPARE(gpu.isReady(), ready);
     QCOMPARE(gpu.gpuCount(), cards);
-    QCOMPARE(!driver.calls("NvAPI_EnumPhysicalGPUs").isEmpty(), enumerated);
-    QCOMPARE(driver.calls("NvAPI_GetErrorMessage").contains("GetErrorMessage status=-1"), initializeStatus == -1);
+    QCOMPARE(!driver.rawCalls(Operation::NvAPI_EnumPhysicalGPUs).isEmpty(), enumerated);
+    QCOMPARE(driver.rawCalls(Operation::NvAPI_GetErrorMessage).contains("GetErrorMessage status=-1"),
+             initializeStatus == -1);
 }
 
 void TestDeviceStart::startCalls()
 {
-    FakeDriver driver;
+    RawDriver driver;
     {
         NvGpuControl gpu;
         QCOMPARE(
-            driver.calls(),
+            driver.rawCalls(),
             (QStringList{"Initialize", "EnumNvidiaDisplayHandle index=0", "EnumNvidiaDisplayHandle index=1 -> -7",
                          "GetAssociatedDisplayOutputId display0", "EnumPhysicalGPUs", "EnumTCCPhysicalGPUs"}));
         QCOMPARE(nvApiLoadCount(), 1);
         driver.forgetCalls();
     }
-    QCOMPARE(driver.calls(), QStringList{"Unload"});
+    QCOMPARE(driver.rawCalls(), QStringList{"Unload"});
     QCOMPARE(nvApiLoadCount(), 0);
     QCOMPARE(driver.releases(), 1);
 }
@@ -135,12 +136,12 @@ void TestDeviceStart::displays()
     QFETCH(bool, result);
     QFETCH(QStringList, after);
 
-    FakeDriver driver;
+    RawDriver driver;
     NvGpuControl gpu;
     driver.displays = displays;
     driver.displayWalkEnd = walkEnd;
     if (outputStatus)
-        driver.fails("NvAPI_GetAssociatedDisplayOutputId", outputStatus);
+        driver.fails(Operation::NvAPI_GetAssociatedDisplayOutputId, outputStatus);
     driver.forgetCalls();
 
     QCOMPARE(gpu.initNvApi(), true); // starts the walk afresh; its result does not depend on the displays
@@ -148,7 +149,7 @@ void TestDeviceStart::displays()
     for (quint32 i = 0; i < displays; ++i)
         walk << QString("EnumNvidiaDisplayHandle index=%1").arg(i);
     walk << QString("EnumNvidiaDisplayHandle index=%1 -> %2").arg(displays).arg(walkEnd);
-    QCOMPARE(driver.calls(),
+    QCOMPARE(driver.rawCalls(),
              QStringList{"Initialize"} + walk + after + QStringList({"EnumPhysicalGPUs", "EnumTCCPhysicalGPUs"}));
 
     QCOMPARE(gpu.enumDisplays(), result);
@@ -157,13 +158,13 @@ void TestDeviceStart::displays()
 
 void TestDeviceStart::displaysWithoutEnd()
 {
-    FakeDriver driver;
+    RawDriver driver;
     driver.displays = 0xFFFFFFFF;
     NvGpuControl gpu;
     QVERIFY(gpu.isReady());
     QCOMPARE(gpu.getGpuName(), std::string("GeForce GTX 1070 Ti"));
     // more than the program keeps, and the table behind them is whole
-    QVERIFY(driver.calls("NvAPI_EnumNvidiaDisplayHandle").size() >= int(kNvApiMaxDisplays));
+    QVERIFY(driver.rawCalls(Operation::NvAPI_EnumNvidiaDisplayHandle).size() >= int(kNvApiMaxDisplays));
     QCOMPARE(gpu.gpuCount(), 1u);
     QVERIFY(!gpu.isTccGpu(driver.handle(0)));
 }
@@ -204,7 +205,7 @@ void TestDeviceStart::enumeration()
     QFETCH(bool, result);
     QFETCH(quint32, count);
 
-    FakeDriver driver;
+    RawDriver driver;
     driver.cards.resize(std::size_t(ordinary + tcc));
     for (int i = ordinary; i < ordinary + tcc; ++i)
         driver.card(std::size_t(i)).tcc = true;
@@ -213,9 +214,9 @@ void TestDeviceStart::enumeration()
     if (tccTold >= 0)
         driver.tccGpuCountTold = quint32(tccTold);
     if (status)
-        driver.fails("NvAPI_EnumPhysicalGPUs", status);
+        driver.fails(Operation::NvAPI_EnumPhysicalGPUs, status);
     if (tccStatus)
-        driver.fails("NvAPI_EnumTCCPhysicalGPUs", tccStatus);
+        driver.fails(Operation::NvAPI_EnumTCCPhysicalGPUs, tccStatus);
 
     NvGpuControl gpu;
     QCOMPARE(gpu.isReady(), result);
@@ -223,15 +224,15 @@ void TestDeviceStart::enumeration()
     driver.forgetCalls();
     QCOMPARE(gpu.enumGpus(), result);
     QCOMPARE(gpu.gpuCount(), count);
-    QCOMPARE(driver.calls("NvAPI_GetErrorMessage"),
+    QCOMPARE(driver.rawCalls(Operation::NvAPI_GetErrorMessage),
              status ? QStringList{QString("GetErrorMessage status=%1").arg(status)} : QStringList{});
 }
 
 void TestDeviceStart::driverWithoutTccEnumeration()
 {
-    FakeDriver driver;
+    RawDriver driver;
     driver.cards.resize(2);
-    driver.lacks("NvAPI_EnumTCCPhysicalGPUs");
+    driver.lacks(Operation::NvAPI_EnumTCCPhysicalGPUs);
     NvGpuControl gpu;
     QVERIFY(gpu.isReady());
     QCOMPARE(gpu.gpuCount(), 2u);
@@ -259,18 +260,18 @@ void TestDeviceStart::setCurrentGpu()
     QFETCH(qint32, index);
     QFETCH(QString, addressed);
 
-    FakeDriver driver;
+    RawDriver driver;
     driver.cards.resize(std::size_t(cards));
     NvGpuControl gpu;
     gpu.setCurrentGpu(index);
     driver.forgetCalls();
     (void)gpu.getGpuName();
-    QCOMPARE(driver.calls(), QStringList{"GPU_GetFullName " + addressed});
+    QCOMPARE(driver.rawCalls(), QStringList{"GPU_GetFullName " + addressed});
 }
 
 void TestDeviceStart::anyIndexIsSafeWithoutCards()
 {
-    FakeDriver driver;
+    RawDriver driver;
     driver.cards.clear();
     NvGpuControl gpu;
     for (qint32 index : {0, 1, 63, 64, 99, 1000000, std::numeric_limits<qint32>::max(), -1}) {
@@ -290,7 +291,7 @@ void TestDeviceStart::anyIndexIsSafeWithoutCards()
 
 void TestDeviceStart::currentCardIsAddressed()
 {
-    FakeDriver driver;
+    RawDriver driver;
     driver.cards.resize(3);
     driver.card(1).tcc = true; // listed last
     driver.card(0).fullName = "first";
@@ -306,7 +307,7 @@ void TestDeviceStart::currentCardIsAddressed()
 
 void TestDeviceStart::tccCardsAreTold()
 {
-    FakeDriver driver;
+    RawDriver driver;
     driver.cards.resize(2);
     driver.card(1).tcc = true;
     NvGpuControl gpu;
@@ -331,10 +332,10 @@ void TestDeviceStart::gpuName()
     QFETCH(std::string, told);
     QFETCH(NvAPI_Status, status);
     QFETCH(std::string, name);
-    FakeDriver driver;
+    RawDriver driver;
     driver.card().fullName = told;
     if (status)
-        driver.fails("NvAPI_GPU_GetFullName", status);
+        driver.fails(Operation::NvAPI_GPU_GetFullName, status);
     NvGpuControl gpu;
     QCOMPARE(gpu.getGpuName(), name);
 
@@ -347,7 +348,7 @@ void TestDeviceStart::gpuName()
 
 void TestDeviceStart::pciIdentifiers()
 {
-    FakeDriver driver;
+    RawDriver driver;
     driver.card().deviceId = 0xFFFFFFFF;
     NvGpuControl gpu;
     NvPciIds ids;
@@ -360,9 +361,9 @@ void TestDeviceStart::pciIdentifiers()
 
 void TestDeviceStart::pciIdentifiersAreZeroedOnFailure()
 {
-    FakeDriver driver;
+    RawDriver driver;
     NvGpuControl gpu;
-    driver.fails("NvAPI_GPU_GetPCIIdentifiers", NVAPI_INVALID_HANDLE);
+    driver.fails(Operation::NvAPI_GPU_GetPCIIdentifiers, NVAPI_INVALID_HANDLE);
     NvPciIds ids{1, 2, 3, 4};
     QCOMPARE(gpu.getPciIdentifiers(ids), false);
     QCOMPARE(ids.deviceId | ids.subSystemId | ids.revisionId | ids.extDeviceId, 0u);
@@ -376,7 +377,7 @@ void TestDeviceStart::pciIdentifiersAreZeroedOnFailure()
 
 void TestDeviceStart::withoutCardNoRecordCallIsMade()
 {
-    FakeDriver driver;
+    RawDriver driver;
     driver.cards.clear();
     NvGpuControl gpu;
     QVERIFY(gpu.isReady()); // enumerating no card is no failure
@@ -428,13 +429,13 @@ void TestDeviceStart::withoutCardNoRecordCallIsMade()
     QVERIFY(!gpu.getPciIdentifiers(ids));
     QCOMPARE(degrees, 0);
     // the memory type, whose answer is dropped, is the one thing that may be asked all the same
-    for (const QString &line : driver.calls())
+    for (const QString &line : driver.rawCalls())
         QVERIFY2(line.startsWith("GPU_GetRamType null"), qPrintable(line));
 }
 
 void TestDeviceStart::instancesShareTheLibrary()
 {
-    FakeDriver driver;
+    RawDriver driver;
     NvGpuControl first;
     {
         NvGpuControl second;
@@ -448,7 +449,7 @@ void TestDeviceStart::instancesShareTheLibrary()
 
 void TestDeviceStart::failedStartDoesNotDisturbTheNext()
 {
-    FakeDriver driver;
+    RawDriver driver;
     driver.libraryExists = false;
     {
         NvGpuControl gpu;
@@ -457,10 +458,10 @@ void TestDeviceStart::failedStartDoesNotDisturbTheNext()
         QCOMPARE(gpu.getGpuName(), std::string());
     }
     QCOMPARE(nvApiLoadCount(), 0);
-    QCOMPARE(driver.calls(), QStringList{});
+    QCOMPARE(driver.rawCalls(), QStringList{});
 
     driver.libraryExists = true;
-    driver.fails("NvAPI_Initialize", NVAPI_ERROR, 1, 1);
+    driver.fails(Operation::NvAPI_Initialize, NVAPI_ERROR, 1, 1);
     {
         NvGpuControl gpu;
         QCOMPARE(gpu.isReady(), false);
@@ -486,8 +487,8 @@ void TestDeviceStart::failedStartLeavesTheOthersTheDriver()
 {
     QFETCH(NvAPI_Status, status);
     QFETCH(bool, ready);
-    FakeDriver driver;
-    driver.fails("NvAPI_Initialize", status, 3, 1);
+    RawDriver driver;
+    driver.fails(Operation::NvAPI_Initialize, status, 3, 1);
     const std::string name = "GeForce GTX 1070 Ti";
     {
         NvGpuControl first;
@@ -502,10 +503,10 @@ void TestDeviceStart::failedStartLeavesTheOthersTheDriver()
         QCOMPARE(second->getGpuName(), name);
         second.reset();
         QCOMPARE(first.getGpuName(), name);
-        QCOMPARE(driver.calls("NvAPI_Unload"), QStringList{});
+        QCOMPARE(driver.rawCalls(Operation::NvAPI_Unload), QStringList{});
         QCOMPARE(driver.releases(), 0);
     }
-    QCOMPARE(driver.calls("NvAPI_Unload"), QStringList{"Unload"});
+    QCOMPARE(driver.rawCalls(Operation::NvAPI_Unload), QStringList{"Unload"});
     QCOMPARE(driver.releases(), 1);
     QCOMPARE(nvApiLoadCount(), 0);
     QCOMPARE(driver.strayCalls(), 0);
@@ -513,10 +514,10 @@ void TestDeviceStart::failedStartLeavesTheOthersTheDriver()
 
 void TestDeviceStart::failedFirstStartLetsTheLibraryGo()
 {
-    FakeDriver driver;
-    driver.fails("NvAPI_Initialize", NVAPI_ERROR, 1, 1);
+    RawDriver driver;
+    driver.fails(Operation::NvAPI_Initialize, NVAPI_ERROR, 1, 1);
     NvGpuControl failed;
-    QCOMPARE(driver.calls(), (QStringList{"Initialize -> -1", "GetErrorMessage status=-1"}));
+    QCOMPARE(driver.rawCalls(), (QStringList{"Initialize -> -1", "GetErrorMessage status=-1"}));
     QCOMPARE(driver.releases(), 1);
     NvGpuControl working;
     QCOMPARE(driver.loads(), 2);
@@ -526,8 +527,8 @@ void TestDeviceStart::failedFirstStartLetsTheLibraryGo()
 // A driver that is usable without having been started is so for each instance, in whatever order they end.
 void TestDeviceStart::startsThatFailAndGoOnShareTheLibrary()
 {
-    FakeDriver driver;
-    driver.fails("NvAPI_Initialize", -4);
+    RawDriver driver;
+    driver.fails(Operation::NvAPI_Initialize, -4);
     {
         auto first = std::make_unique<NvGpuControl>();
         NvGpuControl second;
@@ -536,7 +537,7 @@ void TestDeviceStart::startsThatFailAndGoOnShareTheLibrary()
         QCOMPARE(driver.releases(), 0);
     }
     QCOMPARE(driver.releases(), 1);
-    QCOMPARE(driver.calls("NvAPI_Unload"), QStringList{}); // it never was started
+    QCOMPARE(driver.rawCalls(Operation::NvAPI_Unload), QStringList{}); // it never was started
 }
 
 QTEST_APPLESS_MAIN(TestDeviceStart)

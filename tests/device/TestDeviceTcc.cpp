@@ -1,7 +1,7 @@
 #include "device/NvGpuControl.h"
 
 #include "support/DeviceFields.h"
-#include "support/FakeDriver.h"
+#include "support/RawDriver.h"
 
 #include <QtTest>
 
@@ -32,9 +32,9 @@ void TestDeviceTcc::twoCardsAndNoOrdinaryOne()
     QFETCH(QString, addressed);
     QFETCH(FieldList, memoryKB);
 
-    FakeDriver driver;
+    RawDriver driver;
     driver.cards.resize(2);
-    for (FakeCard &card : driver.cards)
+    for (RawCard &card : driver.cards)
         card.tcc = true;
     driver.card(1).memory.dedicatedVideoMemory = 4194304;
     NvGpuControl gpu;
@@ -47,7 +47,7 @@ void TestDeviceTcc::twoCardsAndNoOrdinaryOne()
     driver.forgetCalls();
     NvMemoryInfo memory{9, 9, 9, 9};
     QVERIFY(gpu.getMemoryInfo(memory));
-    QCOMPARE(driver.calls(), QStringList{"GPU_GetMemoryInfo " + addressed + " 0x30020"});
+    QCOMPARE(driver.rawCalls(), QStringList{"GPU_GetMemoryInfo " + addressed + " 0x30020"});
     QCOMPARE(fields(memory), memoryKB);
 }
 

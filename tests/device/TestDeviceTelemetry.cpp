@@ -1,7 +1,7 @@
 #include "device/NvGpuControl.h"
 
 #include "support/DeviceFields.h"
-#include "support/FakeDriver.h"
+#include "support/RawDriver.h"
 
 #include <QtTest>
 
@@ -9,7 +9,7 @@
 #include <functional>
 #include <thread>
 
-using Arrange = std::function<void(FakeDriver &)>;
+using Arrange = std::function<void(RawDriver &)>;
 Q_DECLARE_METATYPE(Arrange)
 
 namespace
@@ -83,7 +83,7 @@ void TestDeviceTelemetry::clockFrequencies()
     QFETCH(quint32, type);
     QFETCH(QVector<quint32>, kHz);
     QFETCH(FieldList, MHz);
-    FakeDriver driver;
+    RawDriver driver;
     NvApiClockFrequencies &clocks = driver.card().clocks[type];
     // the presence bits are not looked at
     clocks.domain[0] = {0, kHz[0]};
@@ -95,13 +95,13 @@ void TestDeviceTelemetry::clockFrequencies()
     QVERIFY(gpu.getClockFrequencies(out, type));
     QCOMPARE(fields(out), MHz);
     const QString typeWord = type ? QString(" [4]=%1").arg(type) : QString();
-    QCOMPARE(driver.calls(), QStringList{"GPU_GetAllClockFrequencies gpu0 0x30108" + typeWord});
+    QCOMPARE(driver.rawCalls(), QStringList{"GPU_GetAllClockFrequencies gpu0 0x30108" + typeWord});
 }
 
 void TestDeviceTelemetry::failedClockReadKeepsTheRecord()
 {
-    FakeDriver driver;
-    driver.fails("NvAPI_GPU_GetAllClockFrequencies", NVAPI_ERROR);
+    RawDriver driver;
+    driver.fails(Operation::NvAPI_GPU_GetAllClockFrequencies, NVAPI_ERROR);
     NvGpuControl gpu;
     NvClockSet out{1, 2, 3};
     QCOMPARE(gpu.getClockFrequencies(out, 1), false);
@@ -110,7 +110,7 @@ void TestDeviceTelemetry::failedClockReadKeepsTheRecord()
 
 void TestDeviceTelemetry::clockReadWithoutCardZeroesTheRecord()
 {
-    FakeDriver driver;
+    RawDriver driver;
     driver.cards.clear();
     NvGpuControl gpu;
     NvClockSet out{1, 2, 3};
@@ -120,7 +120,7 @@ void TestDeviceTelemetry::clockReadWithoutCardZeroesTheRecord()
 
 void TestDeviceTelemetry::currentClocks()
 {
-    FakeDriver driver;
+    RawDriver driver;
     NvGpuControl gpu;
     driver.forgetCalls();
     NvClockSet out;
@@ -128,13 +128,13 @@ void TestDeviceTelemetry::currentClocks()
     QCOMPARE(fields(out), (FieldList{1721, 4006, 1569}));
     QCOMPARE(extreme(gpu, ExtremeGpuClock), (FieldList{1721, 1721}));
     QCOMPARE(extreme(gpu, ExtremeMemoryClock), (FieldList{4006, 4006}));
-    QCOMPARE(driver.calls(), (QStringList{"GPU_GetAllClockFrequencies gpu0 0x30108", "GPU_GetRamType gpu0"}));
+    QCOMPARE(driver.rawCalls(), (QStringList{"GPU_GetAllClockFrequencies gpu0 0x30108", "GPU_GetRamType gpu0"}));
 }
 
 void TestDeviceTelemetry::failedCurrentClocksFoldWhatTheRecordHeld()
 {
-    FakeDriver driver;
-    driver.fails("NvAPI_GPU_GetAllClockFrequencies", NVAPI_ERROR);
+    RawDriver driver;
+    driver.fails(Operation::NvAPI_GPU_GetAllClockFrequencies, NVAPI_ERROR);
     NvGpuControl gpu;
     NvClockSet out{111, 222, 333};
     gpu.getCurrentClocks(out);
@@ -165,7 +165,7 @@ void TestDeviceTelemetry::gpuUsage()
     QFETCH(bool, result);
     QFETCH(FieldList, percent);
     QFETCH(FieldList, folded);
-    FakeDriver driver;
+    RawDriver driver;
     for (int i = 0; i < present.size(); ++i)
         driver.card().utilization.utilization[i].present = present[i];
     driver.card().utilization.utilization[4] = {1, 99}; // of no interest
@@ -203,7 +203,7 @@ void TestDeviceTelemetry::thermalSensor()
     QFETCH(FieldList, targets);
     QFETCH(FieldList, degrees);
     const bool found = degrees != FieldList{0, 0, 0};
-    FakeDriver driver;
+    RawDriver driver;
     driver.card().thermal.count = count;
     for (int i = 0; i < 3; ++i)
         driver.card().thermal.sensor[i] = {0, 1 + i, 101 + i, 51 + i, targets[i]};
@@ -213,14 +213,14 @@ void TestDeviceTelemetry::thermalSensor()
     QCOMPARE(gpu.getThermalSensor(out), found);
     QCOMPARE(fields(out), degrees);
     QCOMPARE(extreme(gpu, ExtremeTemperature), (FieldList{degrees[2], degrees[2]}));
-    QCOMPARE(driver.calls(), QStringList{"GPU_GetThermalSettings gpu0 sensor=0 0x20044 [4]=3"});
+    QCOMPARE(driver.rawCalls(), QStringList{"GPU_GetThermalSettings gpu0 sensor=0 0x20044 [4]=3"});
 
-    driver.knows("NvAPI_GPU_GetThermalSettings", {0x10044});
+    driver.knows(Operation::NvAPI_GPU_GetThermalSettings, {0x10044});
     driver.forgetCalls();
     QCOMPARE(gpu.getThermalSensor(out), found);
     QCOMPARE(fields(out), degrees);
-    QCOMPARE(driver.calls(), (QStringList{"GPU_GetThermalSettings gpu0 sensor=0 0x20044 [4]=3 -> -9",
-                                          "GPU_GetThermalSettings gpu0 sensor=0 0x10044 [4]=3"}));
+    QCOMPARE(driver.rawCalls(), (QStringList{"GPU_GetThermalSettings gpu0 sensor=0 0x20044 [4]=3 -> -9",
+                                             "GPU_GetThermalSettings gpu0 sensor=0 0x10044 [4]=3"}));
 }
 
 void TestDeviceTelemetry::memoryInfo_data()
@@ -252,8 +252,8 @@ void TestDeviceTelemetry::memoryInfo()
     QFETCH(bool, tcc);
     QFETCH(QVector<quint32>, told);
     QFETCH(FieldList, figures);
-    FakeDriver driver;
-    driver.knows("NvAPI_GPU_GetMemoryInfo", {known.begin(), known.end()});
+    RawDriver driver;
+    driver.knows(Operation::NvAPI_GPU_GetMemoryInfo, {known.begin(), known.end()});
     driver.card().tcc = tcc;
     driver.card().memory.dedicatedVideoMemory = told[0];
     driver.card().memory.availableDedicatedVideoMemory = told[1];
@@ -288,7 +288,7 @@ void TestDeviceTelemetry::boardSensor()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(int, degrees);
-    FakeDriver driver;
+    RawDriver driver;
     driver.card().i2cReplies[0x96] = bytes;
     NvGpuControl gpu;
     int value = 99;
@@ -298,13 +298,13 @@ void TestDeviceTelemetry::boardSensor()
 
 void TestDeviceTelemetry::boardSensorTransfer()
 {
-    FakeDriver driver;
+    RawDriver driver;
     driver.card().i2cReplies.remove(0x90);
     NvGpuControl gpu;
     driver.forgetCalls();
     int value = 99;
     QCOMPARE(gpu.readBoardSensor(0x9E, value), true);
-    QCOMPARE(driver.calls(),
+    QCOMPARE(driver.rawCalls(),
              QStringList{"I2CRead gpu0 0x3002C addr=9E reg=00 regSize=1 size=2 speed=FFFF/6 port=1/1"});
     QCOMPARE(gpu.readBoardSensor(0x90, value), false);
     QCOMPARE(value, 0);
@@ -312,7 +312,7 @@ void TestDeviceTelemetry::boardSensorTransfer()
 
 void TestDeviceTelemetry::boardTemperatures()
 {
-    FakeDriver driver;
+    RawDriver driver;
     NvGpuControl gpu;
     NvBoardTemperatures out;
     gpu.getBoardTemperatures(out);
@@ -325,7 +325,7 @@ void TestDeviceTelemetry::boardTemperatures()
 
 void TestDeviceTelemetry::boardTemperaturesWithoutSensors()
 {
-    FakeDriver driver;
+    RawDriver driver;
     driver.card().i2cReplies.clear();
     NvGpuControl gpu;
     driver.forgetCalls();
@@ -335,14 +335,14 @@ void TestDeviceTelemetry::boardTemperaturesWithoutSensors()
     for (int pair = ExtremeSensor9E; pair <= ExtremeSensor92; ++pair)
         QCOMPARE(extreme(gpu, pair), (FieldList{0, 0}));
     QStringList addresses;
-    for (const QString &line : driver.calls("NvAPI_I2CRead"))
+    for (const QString &line : driver.rawCalls(Operation::NvAPI_I2CRead))
         addresses << line.section(' ', 3, 3);
     QCOMPARE(addresses, (QStringList{"addr=9E", "addr=90", "addr=96", "addr=92"}));
 }
 
 void TestDeviceTelemetry::newExtremes()
 {
-    FakeDriver driver;
+    RawDriver driver;
     NvGpuControl gpu;
     for (int pair = 0; pair < ExtremeCount; ++pair)
         QCOMPARE(extreme(gpu, pair), (FieldList{kLowest, kHighest}));
@@ -351,7 +351,7 @@ void TestDeviceTelemetry::newExtremes()
 
 void TestDeviceTelemetry::firstSampleSetsBoth()
 {
-    FakeDriver driver;
+    RawDriver driver;
     NvGpuControl gpu;
     NvClockSet clocks;
     NvCoolerInfo cooler;
@@ -372,7 +372,7 @@ void TestDeviceTelemetry::firstSampleSetsBoth()
 
 void TestDeviceTelemetry::laterSamplesWiden()
 {
-    FakeDriver driver;
+    RawDriver driver;
     NvGpuControl gpu;
     NvThermalInfo out;
     for (const qint32 degrees : {52, 50, 51, 70, 60}) {
@@ -385,26 +385,28 @@ void TestDeviceTelemetry::laterSamplesWiden()
 void TestDeviceTelemetry::failureFoldsZero_data()
 {
     QTest::addColumn<Arrange>("arrange");
-    QTest::addRow("failing calls") << Arrange([](FakeDriver &driver) {
-        for (const char *operation :
-             {"NvAPI_GPU_GetDynamicPstatesInfoEx", "NvAPI_GPU_GetThermalSettings", "NvAPI_GPU_GetMemoryInfo",
-              "NvAPI_GPU_GetCoolerSettings", "NvAPI_I2CRead", "NvAPI_I2CReadEx", "NvAPI_GPU_GetAllClockFrequencies"})
+    QTest::addRow("failing calls") << Arrange([](RawDriver &driver) {
+        for (const Operation operation :
+             {Operation::NvAPI_GPU_GetDynamicPstatesInfoEx, Operation::NvAPI_GPU_GetThermalSettings,
+              Operation::NvAPI_GPU_GetMemoryInfo, Operation::NvAPI_GPU_GetCoolerSettings, Operation::NvAPI_I2CRead,
+              Operation::NvAPI_I2CReadEx, Operation::NvAPI_GPU_GetAllClockFrequencies})
             driver.fails(operation, NVAPI_INVALID_HANDLE);
     });
-    QTest::addRow("missing entries") << Arrange([](FakeDriver &driver) {
-        for (const char *operation :
-             {"NvAPI_GPU_GetDynamicPstatesInfoEx", "NvAPI_GPU_GetThermalSettings", "NvAPI_GPU_GetMemoryInfo",
-              "NvAPI_GPU_GetTachReading", "NvAPI_GPU_GetCoolerSettings", "NvAPI_I2CRead", "NvAPI_I2CReadEx",
-              "NvAPI_GPU_GetAllClockFrequencies"})
+    QTest::addRow("missing entries") << Arrange([](RawDriver &driver) {
+        for (const Operation operation :
+             {Operation::NvAPI_GPU_GetDynamicPstatesInfoEx, Operation::NvAPI_GPU_GetThermalSettings,
+              Operation::NvAPI_GPU_GetMemoryInfo, Operation::NvAPI_GPU_GetTachReading,
+              Operation::NvAPI_GPU_GetCoolerSettings, Operation::NvAPI_I2CRead, Operation::NvAPI_I2CReadEx,
+              Operation::NvAPI_GPU_GetAllClockFrequencies})
             driver.lacks(operation);
     });
-    QTest::addRow("no card") << Arrange([](FakeDriver &driver) { driver.cards.clear(); });
+    QTest::addRow("no card") << Arrange([](RawDriver &driver) { driver.cards.clear(); });
 }
 
 void TestDeviceTelemetry::failureFoldsZero()
 {
     QFETCH(Arrange, arrange);
-    FakeDriver driver;
+    RawDriver driver;
     arrange(driver);
     NvGpuControl gpu;
     NvClockSet clocks;
@@ -428,12 +430,12 @@ void TestDeviceTelemetry::failureFoldsZero()
 
 void TestDeviceTelemetry::missingTachometerPullsTheMinimumToZero()
 {
-    FakeDriver driver;
+    RawDriver driver;
     NvGpuControl gpu;
     NvCoolerInfo out;
     gpu.getCoolerInfo(out);
     QCOMPARE(extreme(gpu, ExtremeTachRpm), (FieldList{1200, 1200}));
-    driver.fails("NvAPI_GPU_GetTachReading", NVAPI_ERROR);
+    driver.fails(Operation::NvAPI_GPU_GetTachReading, NVAPI_ERROR);
     QCOMPARE(gpu.getCoolerInfo(out), true);
     QCOMPARE(out.tachRpm, 0);
     QCOMPARE(extreme(gpu, ExtremeTachRpm), (FieldList{1200, 0}));
@@ -441,7 +443,7 @@ void TestDeviceTelemetry::missingTachometerPullsTheMinimumToZero()
 
 void TestDeviceTelemetry::samplingCycleCalls()
 {
-    FakeDriver driver;
+    RawDriver driver;
     NvGpuControl gpu;
     driver.forgetCalls();
 
@@ -468,42 +470,42 @@ void TestDeviceTelemetry::samplingCycleCalls()
     gpu.getExtremes(extremes);
 
     const QString i2cRead = "I2CRead gpu0 0x3002C addr=%1 reg=00 regSize=1 size=2 speed=FFFF/6 port=1/1";
-    QCOMPARE(driver.calls(), (QStringList{
-                                 "GPU_ClientThermalPoliciesGetInfo gpu0 0x20068",
-                                 "GPU_ClientThermalPoliciesGetStatus gpu0 0x20038 [4]=1 [8]=3",
-                                 "GPU_GetMemoryInfo gpu0 0x30020",
-                                 "GPU_GetThermalSettings gpu0 sensor=0 0x20044 [4]=3",
-                                 "GPU_GetAllClockFrequencies gpu0 0x30108",
-                                 "GPU_GetRamType gpu0",
-                                 "GPU_GetPstates20 gpu0 0x31CF8",
-                                 "GPU_GetAllClockFrequencies gpu0 0x30108 [4]=1",
-                                 "GPU_GetRamType gpu0",
-                                 "GPU_GetTachReading gpu0",
-                                 "GPU_GetCoolerSettings gpu0 cooler=7 0x40558",
-                                 "GPU_GetDynamicPstatesInfoEx gpu0 0x10048",
-                                 "GPU_GetFullName gpu0",
-                                 "GPU_GetMemoryInfo gpu0 0x30020",
-                                 "GPU_GetRamType gpu0",
-                                 "GPU_GetPstates20 gpu0 0x31CF8",
-                                 "GPU_GetAllClockFrequencies gpu0 0x30108 [4]=1",
-                                 "GPU_GetRamType gpu0",
-                                 "GPU_GetPstates20 gpu0 0x31CF8",
-                                 "GPU_GetAllClockFrequencies gpu0 0x30108 [4]=1",
-                                 "GPU_GetRamType gpu0",
-                                 "SYS_GetDriverAndBranchVersion",
-                                 "SYS_GetChipSetInfo 0x400E8",
-                                 "GPU_GetFBWidthAndLocation gpu0",
-                                 "GPU_GetVbiosVersionString gpu0",
-                                 i2cRead.arg("9E"),
-                                 i2cRead.arg("90"),
-                                 i2cRead.arg("96"),
-                                 i2cRead.arg("92"),
-                             }));
+    QCOMPARE(driver.rawCalls(), (QStringList{
+                                    "GPU_ClientThermalPoliciesGetInfo gpu0 0x20068",
+                                    "GPU_ClientThermalPoliciesGetStatus gpu0 0x20038 [4]=1 [8]=3",
+                                    "GPU_GetMemoryInfo gpu0 0x30020",
+                                    "GPU_GetThermalSettings gpu0 sensor=0 0x20044 [4]=3",
+                                    "GPU_GetAllClockFrequencies gpu0 0x30108",
+                                    "GPU_GetRamType gpu0",
+                                    "GPU_GetPstates20 gpu0 0x31CF8",
+                                    "GPU_GetAllClockFrequencies gpu0 0x30108 [4]=1",
+                                    "GPU_GetRamType gpu0",
+                                    "GPU_GetTachReading gpu0",
+                                    "GPU_GetCoolerSettings gpu0 cooler=7 0x40558",
+                                    "GPU_GetDynamicPstatesInfoEx gpu0 0x10048",
+                                    "GPU_GetFullName gpu0",
+                                    "GPU_GetMemoryInfo gpu0 0x30020",
+                                    "GPU_GetRamType gpu0",
+                                    "GPU_GetPstates20 gpu0 0x31CF8",
+                                    "GPU_GetAllClockFrequencies gpu0 0x30108 [4]=1",
+                                    "GPU_GetRamType gpu0",
+                                    "GPU_GetPstates20 gpu0 0x31CF8",
+                                    "GPU_GetAllClockFrequencies gpu0 0x30108 [4]=1",
+                                    "GPU_GetRamType gpu0",
+                                    "SYS_GetDriverAndBranchVersion",
+                                    "SYS_GetChipSetInfo 0x400E8",
+                                    "GPU_GetFBWidthAndLocation gpu0",
+                                    "GPU_GetVbiosVersionString gpu0",
+                                    i2cRead.arg("9E"),
+                                    i2cRead.arg("90"),
+                                    i2cRead.arg("96"),
+                                    i2cRead.arg("92"),
+                                }));
 }
 
 void TestDeviceTelemetry::manyThreadsReadOneObject()
 {
-    FakeDriver driver;
+    RawDriver driver;
     NvGpuControl gpu;
     NvClockSet first;
     gpu.getCurrentClocks(first); // every pair that is checked below holds a sample from here on

@@ -1,6 +1,7 @@
 #include "device/NvGpuControl.h"
 #include "device/nvapi/NvApi.h"
 
+#include "simulated/Call.h"
 #include "support/CheckedDriver.h"
 
 #include <QtTest>
@@ -116,12 +117,7 @@ void breakCalls(CheckedDriver &driver, Operation operation, const Broken &broken
 {
     if (broken.from == 0)
         return;
-    Fault fault;
-    fault.operation = operation;
-    fault.status = NVAPI_ERROR;
-    fault.from = quint64(broken.from);
-    fault.count = quint64(broken.count);
-    driver.addFault(fault);
+    driver.fails(operation, NVAPI_ERROR, broken.from, broken.count);
 }
 
 } // namespace
@@ -129,13 +125,6 @@ void breakCalls(CheckedDriver &driver, Operation operation, const Broken &broken
 void TestI2cLadderJournal::connectCard(const Scenario &scenario)
 {
     driver = std::make_unique<CheckedDriver>(scenario);
-    NvApiLibrarySource source;
-    source.load = [this] {
-        return driver->queryInterface();
-    };
-    source.unload = [] {
-    };
-    setNvApiLibrarySource(source);
     control = std::make_unique<NvGpuControl>();
     control->setCurrentGpu(0);
 }
@@ -143,7 +132,6 @@ void TestI2cLadderJournal::connectCard(const Scenario &scenario)
 void TestI2cLadderJournal::cleanup()
 {
     control.reset();
-    setNvApiLibrarySource({});
     driver.reset();
 }
 
@@ -169,12 +157,12 @@ void TestI2cLadderJournal::ways()
     driver->knows(extended, versionWords(row.extendedKnows));
     breakCalls(*driver, plain, row.plain);
     breakCalls(*driver, extended, row.extended);
-    driver->clearCalls();
+    driver->forgetCalls();
 
     LedControllerState state;
     const bool result =
         reading ? control->readLedState(state) : control->i2cWriteFramed(nullptr, 0, 4, 0x32, 2, false);
-    QCOMPARE(shown(driver->calls()), QString::fromLatin1(row.journal));
+    QCOMPARE(shown(driver->callRecords()), QString::fromLatin1(row.journal));
     QCOMPARE(result, row.result);
     // the device was reached exactly where the caller was told so
     if (reading)
@@ -190,10 +178,10 @@ void TestI2cLadderJournal::attemptsCarryTheSameBytes()
     driver->knows(Operation::NvAPI_I2CWriteEx, versionWords({1, 3}));
     breakCalls(*driver, Operation::NvAPI_I2CWrite, {1});
     breakCalls(*driver, Operation::NvAPI_I2CWriteEx, {1, 1});
-    driver->clearCalls();
+    driver->forgetCalls();
     const quint8 red[] = {0xFF, 0, 0};
     QVERIFY(control->i2cWriteFramed(red, 3, 0, 0x32, 2, false));
-    const std::vector<Call> calls = driver->calls();
+    const std::vector<Call> calls = driver->callRecords();
     QCOMPARE(shown(calls), QStringLiteral("3:-1 3x:-1 3x:0"));
     for (const Call &call : calls) {
         QCOMPARE(QString::fromStdString(call.arguments.at("data").get<std::string>()),

@@ -1,6 +1,6 @@
 #include "device/NvGpuControl.h"
 
-#include "support/FakeDriver.h"
+#include "support/RawDriver.h"
 
 #include <QtTest>
 
@@ -80,7 +80,7 @@ void TestLedStatus::everyValueOfEveryByte_data()
 void TestLedStatus::everyValueOfEveryByte()
 {
     QFETCH(int, offset);
-    FakeDriver driver;
+    RawDriver driver;
     NvGpuControl gpu;
     for (int value = 0; value < 256; ++value) {
         QByteArray status = goodStatus();
@@ -109,7 +109,7 @@ void TestLedStatus::answersOfAnyLength_data()
 void TestLedStatus::answersOfAnyLength()
 {
     QFETCH(int, length);
-    FakeDriver driver;
+    RawDriver driver;
     driver.card().i2cReplies[0xA1] = goodStatus().leftJustified(300, '\x11').left(length);
     NvGpuControl gpu;
     LedControllerState state;

@@ -1,7 +1,7 @@
 #include "device/NvGpuControl.h"
 #include "device/nvapi/NvApi.h"
 
-#include "support/FakeDriver.h"
+#include "support/RawDriver.h"
 
 #include <QElapsedTimer>
 #include <QtTest>
@@ -21,16 +21,16 @@ NvAPI_Status callWithZeros(NvAPI_Status (*operation)(Arguments...))
     return operation(Arguments{}...);
 }
 
-struct Operation
+struct Entry
 {
     const char *name;
     quint32 identifier;
     std::function<NvAPI_Status()> callWithZeros;
 };
 
-const std::vector<Operation> &operations()
+const std::vector<Entry> &entries()
 {
-    static const std::vector<Operation> table = {
+    static const std::vector<Entry> table = {
 #define OVRYN_TEST_ROW(identifier, name, parameters, arguments)                                                      \
     {#name, identifier, [] {                                                                                         \
          return callWithZeros(&name);                                                                                \
@@ -71,7 +71,7 @@ private:
     bool opened = false;
 };
 
-NvAPI_Status fullName(const FakeDriver &driver)
+NvAPI_Status fullName(const RawDriver &driver)
 {
     char name[kNvApiShortTextSize] = {};
     return NvAPI_GPU_GetFullName(driver.handle(0), name);
@@ -157,23 +157,23 @@ void TestNvApi::identifiers_data()
 void TestNvApi::identifiers()
 {
     QFETCH(quint32, identifier);
-    QCOMPARE(operations().size(), std::size_t(36));
-    const auto row = std::find_if(operations().begin(), operations().end(), [](const Operation &operation) {
-        return QByteArray(operation.name) == QTest::currentDataTag();
+    QCOMPARE(entries().size(), std::size_t(36));
+    const auto row = std::find_if(entries().begin(), entries().end(), [](const Entry &entry) {
+        return QByteArray(entry.name) == QTest::currentDataTag();
     });
-    QVERIFY(row != operations().end());
+    QVERIFY(row != entries().end());
     QCOMPARE(row->identifier, identifier);
 }
 
 void TestNvApi::withoutLibrary()
 {
-    FakeDriver driver;
+    RawDriver driver;
     driver.libraryExists = false;
     const auto allAreRefused = [] {
-        for (const Operation &operation : operations()) {
-            const QByteArray name = operation.name;
+        for (const Entry &entry : entries()) {
+            const QByteArray name = entry.name;
             if (name != "NvAPI_Initialize" && name != "NvAPI_Unload" &&
-                operation.callWithZeros() != NVAPI_LIBRARY_NOT_FOUND)
+                entry.callWithZeros() != NVAPI_LIBRARY_NOT_FOUND)
                 return name;
         }
         return QByteArray();
@@ -196,17 +196,17 @@ void TestNvApi::withoutLibrary()
 
 void TestNvApi::missingEntries()
 {
-    FakeDriver driver;
-    for (const Operation &operation : operations()) {
-        const QByteArray name = operation.name;
+    RawDriver driver;
+    for (const Entry &entry : entries()) {
+        const QByteArray name = entry.name;
         if (name != "NvAPI_Initialize" && name != "NvAPI_Unload")
-            driver.lacks(operation.name);
+            driver.lacks(simulated::operationNamed(entry.name));
     }
     QCOMPARE(NvAPI_Initialize(), NVAPI_OK);
-    for (const Operation &operation : operations()) {
-        const QByteArray name = operation.name;
+    for (const Entry &entry : entries()) {
+        const QByteArray name = entry.name;
         if (name != "NvAPI_Initialize" && name != "NvAPI_Unload")
-            QVERIFY2(operation.callWithZeros() == NVAPI_NO_IMPLEMENTATION, operation.name);
+            QVERIFY2(entry.callWithZeros() == NVAPI_NO_IMPLEMENTATION, entry.name);
     }
     NvAPI_Unload();
     QCOMPARE(nvApiLoadCount(), 0);
@@ -214,7 +214,7 @@ void TestNvApi::missingEntries()
 
 void TestNvApi::loadCount()
 {
-    FakeDriver driver;
+    RawDriver driver;
     QCOMPARE(nvApiLoadCount(), 0);
     for (int count = 1; count <= 3; ++count) {
         QCOMPARE(NvAPI_Initialize(), NVAPI_OK);
@@ -238,7 +238,7 @@ void TestNvApi::loadCount()
 
 void TestNvApi::tooManyUnloads()
 {
-    FakeDriver driver;
+    RawDriver driver;
     NvAPI_Unload();
     NvAPI_Initialize();
     NvAPI_Unload();
@@ -253,7 +253,7 @@ void TestNvApi::tooManyUnloads()
 
 void TestNvApi::failedLoadIsTriedAgain()
 {
-    FakeDriver driver;
+    RawDriver driver;
     driver.libraryExists = false;
     QCOMPARE(NvAPI_Initialize(), NVAPI_LIBRARY_NOT_FOUND);
     driver.libraryExists = true;
@@ -268,25 +268,25 @@ void TestNvApi::failedLoadIsTriedAgain()
 
 void TestNvApi::entriesAreAskedForOnce()
 {
-    FakeDriver driver;
+    RawDriver driver;
     NvAPI_Initialize();
     for (int i = 0; i < 5; ++i)
         fullName(driver);
-    QCOMPARE(driver.calls("NvAPI_GPU_GetFullName").size(), 5);
-    QCOMPARE(driver.queries("NvAPI_GPU_GetFullName"), 1);
+    QCOMPARE(driver.rawCalls(Operation::NvAPI_GPU_GetFullName).size(), 5);
+    QCOMPARE(driver.queries(Operation::NvAPI_GPU_GetFullName), 1);
     NvAPI_Unload();
 }
 
 void TestNvApi::entriesAreForgottenWithTheLibrary()
 {
     {
-        FakeDriver driver;
+        RawDriver driver;
         NvAPI_Initialize();
         QCOMPARE(fullName(driver), NVAPI_OK);
         NvAPI_Unload();
     }
-    FakeDriver driver;
-    driver.lacks("NvAPI_GPU_GetFullName");
+    RawDriver driver;
+    driver.lacks(Operation::NvAPI_GPU_GetFullName);
     NvAPI_Initialize();
     QCOMPARE(fullName(driver), NVAPI_NO_IMPLEMENTATION);
     NvAPI_Unload();
@@ -294,8 +294,8 @@ void TestNvApi::entriesAreForgottenWithTheLibrary()
 
 void TestNvApi::argumentsAndStatusPassThrough()
 {
-    FakeDriver driver;
-    driver.fails("NvAPI_GPU_GetTachReading", -104);
+    RawDriver driver;
+    driver.fails(Operation::NvAPI_GPU_GetTachReading, -104);
     NvAPI_Initialize();
     driver.forgetCalls();
     quint32 rpm = 7;
@@ -306,8 +306,8 @@ void TestNvApi::argumentsAndStatusPassThrough()
     quint32 location = 0;
     QCOMPARE(NvAPI_GPU_GetFBWidthAndLocation(driver.handle(0), &width, &location), NVAPI_OK);
     QCOMPARE(width, 256u);
-    QCOMPARE(driver.calls(), (QStringList{"GPU_GetTachReading gpu0 -> -104", "DriverEntry_B23B70EE gpu0 value=42",
-                                          "GPU_GetFBWidthAndLocation gpu0"}));
+    QCOMPARE(driver.rawCalls(), (QStringList{"GPU_GetTachReading gpu0 -> -104", "DriverEntry_B23B70EE gpu0 value=42",
+                                             "GPU_GetFBWidthAndLocation gpu0"}));
     NvAPI_Unload();
 }
 
@@ -321,10 +321,10 @@ void TestNvApi::callDuringUnload_data()
 void TestNvApi::callDuringUnload()
 {
     QFETCH(bool, inDriver);
-    FakeDriver driver;
+    RawDriver driver;
     Gate gate;
     if (inDriver)
-        driver.onCall("NvAPI_Unload", [&] { gate.wait(); });
+        driver.onCall(Operation::NvAPI_Unload, [&] { gate.wait(); });
     else
         driver.onRelease = [&] {
             gate.wait();
@@ -342,16 +342,16 @@ void TestNvApi::callDuringUnload()
     QCOMPARE(status, NVAPI_ERROR);
     // nine or ten pauses, by whether one stands behind the last look
     QVERIFY2(elapsed >= kPollMs * (kPolls - 1), qPrintable(QString::number(elapsed)));
-    QCOMPARE(driver.calls("NvAPI_GPU_GetFullName"), QStringList{});
+    QCOMPARE(driver.rawCalls(Operation::NvAPI_GPU_GetFullName), QStringList{});
     QCOMPARE(fullName(driver), NVAPI_LIBRARY_NOT_FOUND);
     QCOMPARE(nvApiLoadCount(), 0);
 }
 
 void TestNvApi::callOutlivesAShortUnload()
 {
-    FakeDriver driver;
+    RawDriver driver;
     Gate gate;
-    driver.onCall("NvAPI_Unload", [&] { gate.wait(); });
+    driver.onCall(Operation::NvAPI_Unload, [&] { gate.wait(); });
     QCOMPARE(NvAPI_Initialize(), NVAPI_OK);
     std::thread unloading([] { NvAPI_Unload(); });
     QTRY_VERIFY(gate.isReached());
@@ -373,7 +373,7 @@ void TestNvApi::callOutlivesAShortUnload()
 
 void TestNvApi::manyThreads()
 {
-    FakeDriver driver;
+    RawDriver driver;
     std::atomic<int> wrong{0};
     const auto useTheDriver = [&] {
         for (int round = 0; round < 50; ++round) {
@@ -417,7 +417,7 @@ void TestNvApi::manyThreads()
 
 void TestNvApi::i2cSizeForTheCardDriver()
 {
-    FakeDriver driver(FakeDriver::I2cRecordSize::OfThisProcess);
+    RawDriver driver(RawDriver::I2cRecordSize::OfThisProcess);
     NvGpuControl gpu;
     driver.forgetCalls();
     int degrees = 0;
@@ -433,27 +433,28 @@ void TestNvApi::i2cSizeForTheCardDriver()
     const QStringList words = {word(3, kI2cInfoSize3), word(2, kI2cInfoSize2), word(1, kI2cInfoSize1)};
     if (sizeof(void *) == 8)
         QCOMPARE(words, (QStringList{"0x30040", "0x20038", "0x10030"}));
-    QCOMPARE(driver.versionsTried("NvAPI_I2CRead"), words.mid(0, 1));
-    QCOMPARE(driver.versionsTried("NvAPI_I2CWrite"), words.mid(0, 1));
-    driver.answersInTurn("NvAPI_I2CRead", {-9, -9, -9});
-    driver.answersInTurn("NvAPI_I2CWrite", {-1});
-    driver.answersInTurn("NvAPI_I2CWriteEx", {-9, -1, -9, -1});
+    QCOMPARE(driver.versionsTried(Operation::NvAPI_I2CRead), words.mid(0, 1));
+    QCOMPARE(driver.versionsTried(Operation::NvAPI_I2CWrite), words.mid(0, 1));
+    driver.answersInTurn(Operation::NvAPI_I2CRead, {-9, -9, -9});
+    driver.answersInTurn(Operation::NvAPI_I2CWrite, {-1});
+    driver.answersInTurn(Operation::NvAPI_I2CWriteEx, {-9, -1, -9, -1});
     driver.forgetCalls();
     QVERIFY(!gpu.i2cRead(0x9E, 0, 1, data, 2));
-    QCOMPARE(driver.versionsTried("NvAPI_I2CRead"), words);
+    QCOMPARE(driver.versionsTried(Operation::NvAPI_I2CRead), words);
     QVERIFY(!gpu.i2cWrite(0xAC, 0, 0, data, 2));
-    QCOMPARE(driver.versionsTried("NvAPI_I2CWriteEx"), (QStringList{words[0], words[1], words[1], words[2]}));
+    QCOMPARE(driver.versionsTried(Operation::NvAPI_I2CWriteEx),
+             (QStringList{words[0], words[1], words[1], words[2]}));
 }
 
 void TestNvApi::i2cSizeForStandIns()
 {
-    FakeDriver driver;
+    RawDriver driver;
     NvGpuControl gpu;
     quint8 data[2] = {1, 2};
-    driver.answersInTurn("NvAPI_I2CRead", {-9, -9});
+    driver.answersInTurn(Operation::NvAPI_I2CRead, {-9, -9});
     driver.forgetCalls();
     QVERIFY(gpu.i2cRead(0x9E, 0, 1, data, 2));
-    QCOMPARE(driver.versionsTried("NvAPI_I2CRead"), (QStringList{"0x3002C", "0x20024", "0x10020"}));
+    QCOMPARE(driver.versionsTried(Operation::NvAPI_I2CRead), (QStringList{"0x3002C", "0x20024", "0x10020"}));
 }
 
 QTEST_APPLESS_MAIN(TestNvApi)

@@ -1,6 +1,6 @@
 #include "device/NvGpuControl.h"
 
-#include "support/FakeDriver.h"
+#include "support/RawDriver.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -121,7 +121,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
 {
     constexpr NvAPI_Status statuses[] = {-9, -1, -5, -10, -101, -104, -3, 1};
     Bytes bytes(data, size);
-    FakeDriver driver;
+    RawDriver driver;
     const quint8 failureRate = bytes.next();
     const quint8 displays = bytes.next();
     driver.displays = displays == 0xFF ? 0xFFFFFFFF : displays;

@@ -1,7 +1,7 @@
 #include "monitor/GpuFixedInfoPage.h"
 #include "monitor/WidgetPainting.h"
 #include "monitor/sampling/Ovryn_SendNvCardInfoThread.h"
-#include "support/FakeDriver.h"
+#include "support/CheckedDriver.h"
 #include "ui/Fonts.h"
 #include "ui/ProgramVersion.h"
 
@@ -20,7 +20,7 @@ class TestGpuFixedInfo : public QObject
 
 private slots:
     void initTestCase();
-    void init() { driver = std::make_unique<FakeDriver>(); }
+    void init() { driver = std::make_unique<CheckedDriver>(); }
     void cleanup() { driver.reset(); }
 
     void versionIsTheProjects();
@@ -45,7 +45,7 @@ private slots:
     void workerFeedsThePage();
 
 private:
-    std::unique_ptr<FakeDriver> driver;
+    std::unique_ptr<CheckedDriver> driver;
 };
 
 void TestGpuFixedInfo::initTestCase()
@@ -219,19 +219,19 @@ void TestGpuFixedInfo::clockDifference()
 
 void TestGpuFixedInfo::unreadFieldsAreUnknown_data()
 {
-    QTest::addColumn<QByteArray>("operation");
+    QTest::addColumn<Operation>("operation");
     QTest::addColumn<QString>("field");
-    QTest::newRow("memory type") << QByteArray("NvAPI_GPU_GetRamType") << "let_MemType";
-    QTest::newRow("memory size") << QByteArray("NvAPI_GPU_GetMemoryInfo") << "let_MemSize";
-    QTest::newRow("bus width") << QByteArray("NvAPI_GPU_GetFBWidthAndLocation") << "let_MemBitWidth";
-    QTest::newRow("BIOS version") << QByteArray("NvAPI_GPU_GetVbiosVersionString") << "lbl_BiosVersionValue";
+    QTest::newRow("memory type") << Operation::NvAPI_GPU_GetRamType << "let_MemType";
+    QTest::newRow("memory size") << Operation::NvAPI_GPU_GetMemoryInfo << "let_MemSize";
+    QTest::newRow("bus width") << Operation::NvAPI_GPU_GetFBWidthAndLocation << "let_MemBitWidth";
+    QTest::newRow("BIOS version") << Operation::NvAPI_GPU_GetVbiosVersionString << "lbl_BiosVersionValue";
 }
 
 void TestGpuFixedInfo::unreadFieldsAreUnknown()
 {
-    QFETCH(QByteArray, operation);
+    QFETCH(Operation, operation);
     QFETCH(QString, field);
-    driver->fails(operation.constData(), NVAPI_ERROR);
+    driver->fails(operation);
     NvGpuControl control;
     NvInfo info;
     control.getFixedInfo(info);
@@ -346,7 +346,7 @@ void TestGpuFixedInfo::workerFeedsThePage()
     worker.startSampling();
     QTRY_COMPARE(page.value("let_MemSize"), QStringLiteral("8192MB"));
     QCOMPARE(page.value("let_MemType"), QStringLiteral("GDDR5"));
-    QCOMPARE(page.value("lbl_BiosVersionValue"), QStringLiteral("86.04.85.00.AB"));
+    QCOMPARE(page.value("lbl_BiosVersionValue"), QStringLiteral("86.04.85.00.C1"));
     QCOMPARE(page.value("lbl_GpuFreClockChangedValue"), QStringLiteral("0"));
 }
 

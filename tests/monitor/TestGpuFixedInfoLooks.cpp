@@ -1,6 +1,6 @@
 #include "monitor/GpuFixedInfoPage.h"
 #include "monitor/WidgetPainting.h"
-#include "support/FakeDriver.h"
+#include "support/CheckedDriver.h"
 #include "ui/Fonts.h"
 
 #include <memory>
@@ -24,7 +24,7 @@ class TestGpuFixedInfoLooks : public QObject
 
 private slots:
     void initTestCase();
-    void init() { driver = std::make_unique<FakeDriver>(); }
+    void init() { driver = std::make_unique<CheckedDriver>(); }
     void cleanup() { driver.reset(); }
 
     void pageStyle();
@@ -46,7 +46,7 @@ private slots:
     void emptySizes();
 
 private:
-    std::unique_ptr<FakeDriver> driver;
+    std::unique_ptr<CheckedDriver> driver;
 };
 
 void TestGpuFixedInfoLooks::initTestCase()

@@ -6,7 +6,8 @@
 #include "monitor/graphs/Ovryn_BaseMonitorBox.h"
 #include "monitor/graphs/Ovryn_GPUInfoMonitorWidget.h"
 #include "monitor/graphs/Ovryn_GPUInfoWidget.h"
-#include "support/FakeDriver.h"
+#include "simulated/ScenarioReader.h"
+#include "support/CheckedDriver.h"
 
 #include <QCheckBox>
 #include <QtTest>
@@ -227,15 +228,16 @@ void TestNvCardInfoWidget::driverVersion()
     QFETCH(quint32, number);
     QFETCH(NvAPI_Status, status);
     QFETCH(QString, text);
-    FakeDriver driver;
-    driver.driverVersion = number;
+    simulated::Scenario scene = simulated::builtInScenario();
+    scene.driver.version = number;
+    CheckedDriver driver(scene);
     NvGpuControl control;
     if (status != NVAPI_OK)
-        driver.fails("NvAPI_SYS_GetDriverAndBranchVersion", status);
+        driver.fails(Operation::NvAPI_SYS_GetDriverAndBranchVersion, status);
     driver.forgetCalls();
     const Page page(std::make_unique<Ovryn_NvCardInfoWidget>(&control));
     QCOMPARE(page.widget->driverVersionText(), text);
-    QCOMPARE(driver.calls("NvAPI_SYS_GetDriverAndBranchVersion").size(), 1);
+    QCOMPARE(driver.calls(Operation::NvAPI_SYS_GetDriverAndBranchVersion).size(), 1);
     QCOMPARE(driver.calls().size(), 1);
     page.widget->recvNvCardInfo(NvCardBaseInfo());
     QCOMPARE(driver.calls().size(), 1); // once, at construction

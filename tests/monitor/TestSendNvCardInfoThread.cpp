@@ -1,7 +1,9 @@
 #include "monitor/sampling/Ovryn_SendNvCardInfoThread.h"
 
 #include "device/NvGpuControl.h"
-#include "support/FakeDriver.h"
+#include "simulated/ScenarioReader.h"
+#include "support/CallText.h"
+#include "support/CheckedDriver.h"
 
 #include <QElapsedTimer>
 #include <QMutex>
@@ -15,7 +17,7 @@
 
 namespace
 {
-constexpr auto kFirstReadOfCycle = "NvAPI_GPU_ClientThermalPoliciesGetInfo";
+constexpr Operation kFirstReadOfCycle = Operation::NvAPI_GPU_ClientThermalPoliciesGetInfo;
 
 /// Names of the operations in the order of the calls.
 QStringList namesOf(const QStringList &calls)
@@ -47,7 +49,7 @@ public:
     QList<NvInfo> fixedInfos;
     QList<BoardTempCompleteInfo> boardInfos;
     QList<int> driverCallsAt; ///< how many driver calls had been made when each record came
-    FakeDriver *driver = nullptr;
+    CheckedDriver *driver = nullptr;
     QSet<QThread *> receivingThreads;
     int starts = 0;
 
@@ -109,7 +111,17 @@ private slots:
     void destructionWithoutAStart();
 
 private:
-    std::unique_ptr<FakeDriver> driver;
+    void setTemperature(int degrees)
+    {
+        driver->edit(0, [degrees](simulated::Card &card) { card.state.temperatureC = degrees; });
+    }
+    /// Of the third sensor, at 0x96.
+    void setSensor(int degrees)
+    {
+        driver->edit(0, [degrees](simulated::Card &card) { card.parameters.boardSensors.at(2).pinnedC = degrees; });
+    }
+
+    std::unique_ptr<CheckedDriver> driver; ///< the built-in scene
     std::unique_ptr<NvGpuControl> control;
 };
 
@@ -120,7 +132,7 @@ void TestSendNvCardInfoThread::initTestCase()
 
 void TestSendNvCardInfoThread::init()
 {
-    driver = std::make_unique<FakeDriver>();
+    driver = std::make_unique<CheckedDriver>();
     control = std::make_unique<NvGpuControl>();
     driver->forgetCalls();
 }
@@ -154,9 +166,9 @@ void TestSendNvCardInfoThread::driverCallsOfACycle()
     QCOMPARE(namesOf(driver->calls()), expected);
 
     QStringList sensorAddresses;
-    for (const QString &call : driver->calls("NvAPI_I2CRead"))
-        sensorAddresses.append(call.section(QStringLiteral("addr="), 1, 1).left(2));
-    QCOMPARE(sensorAddresses, (QStringList{"9E", "90", "96", "92"}));
+    for (const QString &call : driver->calls(Operation::NvAPI_I2CRead))
+        sensorAddresses.append(call.section(QLatin1Char(' '), 4, 4));
+    QCOMPARE(sensorAddresses, (QStringList{"0x9E", "0x90", "0x96", "0x92"}));
 }
 
 void TestSendNvCardInfoThread::recordsFollowTheirReads()
@@ -178,7 +190,8 @@ void TestSendNvCardInfoThread::recordsFollowTheirReads()
 
 void TestSendNvCardInfoThread::firstSampleIsItsOwnExtreme()
 {
-    driver->card().i2cReplies[0x96] = QByteArray::fromHex("2800"); // 40 degrees
+    setTemperature(52);
+    setSensor(40);
     Ovryn_SendNvCardInfoThread worker(control.get());
     RecordReceiver receiver;
     receiver.listenTo(worker, Qt::DirectConnection);
@@ -200,7 +213,7 @@ void TestSendNvCardInfoThread::extremesOfLaterSamples()
     RecordReceiver receiver;
     receiver.listenTo(worker, Qt::DirectConnection);
     for (const qint32 degrees : {52, 71, 60}) {
-        driver->card().thermal.sensor[0].currentTemp = degrees;
+        setTemperature(degrees);
         worker.sampleOnce();
     }
     const NvMonitorValue temperature = receiver.cardInfos.at(2).temperature;
@@ -211,9 +224,9 @@ void TestSendNvCardInfoThread::extremesOfLaterSamples()
 
 void TestSendNvCardInfoThread::failedReadsShowZero()
 {
-    for (const QString &operation : FakeDriver::operations()) {
-        if (operation.startsWith("NvAPI_GPU_") || operation.startsWith("NvAPI_I2C"))
-            driver->fails(operation.toLatin1().constData(), NVAPI_ERROR);
+    for (const Operation operation : CheckedDriver::operations()) {
+        if (operationText(operation).startsWith("GPU_") || operationText(operation).startsWith("I2C"))
+            driver->fails(operation);
     }
     Ovryn_SendNvCardInfoThread worker(control.get());
     RecordReceiver receiver;
@@ -232,7 +245,11 @@ void TestSendNvCardInfoThread::failedReadsShowZero()
 
 void TestSendNvCardInfoThread::tccCardUsesNoMemory()
 {
-    driver->card().tcc = true;
+    simulated::Scenario scene = simulated::builtInScenario();
+    for (simulated::CardParameters &card : scene.cards)
+        card.tcc = true;
+    cleanup(); // a driver goes before the next one comes
+    driver = std::make_unique<CheckedDriver>(scene);
     control = std::make_unique<NvGpuControl>();
     RecordReceiver receiver;
     Ovryn_SendNvCardInfoThread worker(control.get());
@@ -251,7 +268,7 @@ void TestSendNvCardInfoThread::scaleStaysRaisedOverCycles()
     RecordReceiver receiver;
     receiver.listenTo(worker, Qt::DirectConnection);
     for (const quint32 kilohertz : {2000000u, 2001000u, 300000u}) {
-        driver->card().clocks[0].domain[0].frequencyKHz = kilohertz;
+        driver->edit(0, [kilohertz](simulated::Card &card) { card.state.graphicsKHz = kilohertz; });
         worker.sampleOnce();
     }
     QCOMPARE(receiver.cardInfos.at(0).gpuClock.upperLimit, 2000);
@@ -315,9 +332,11 @@ void TestSendNvCardInfoThread::queuedRecordsOutliveTheWorker()
         Ovryn_SendNvCardInfoThread worker(control.get());
         receiver.listenTo(worker, Qt::QueuedConnection);
         for (const qint32 degrees : {52, 71}) {
-            driver->card().thermal.sensor[0].currentTemp = degrees;
-            driver->card().fullName = "a name too long to lie in the text itself, at " + std::to_string(degrees);
-            driver->card().i2cReplies[0x96] = QByteArray(1, char(degrees - 20)) + '\0';
+            setTemperature(degrees);
+            setSensor(degrees - 20);
+            driver->edit(0, [degrees](simulated::Card &card) {
+                card.parameters.name = "a name too long to lie in the text itself, at " + std::to_string(degrees);
+            });
             worker.sampleOnce();
         }
     }
@@ -399,7 +418,7 @@ void TestSendNvCardInfoThread::destructionWaitsForTheCycle()
         if (slow.exchange(false))
             QThread::msleep(2300);
     });
-    driver->onCall("NvAPI_I2CRead", [&] { ++sensorsRead; });
+    driver->onCall(Operation::NvAPI_I2CRead, [&] { ++sensorsRead; });
     auto worker = std::make_unique<Ovryn_SendNvCardInfoThread>(control.get());
     worker->startSampling();
     QVERIFY(inCycle.tryAcquire(1, 5000));

@@ -3,8 +3,10 @@
 #include "device/NvGpuControl.h"
 #include "overclock/Ovryn_OverClockingWidget.h"
 #include "overclock/Ovryn_SliderWidget.h"
-#include "support/FakeDriver.h"
+#include "overclock/StockCard.h"
+#include "support/CheckedDriver.h"
 #include "support/NamedChild.h"
+#include "support/RawDriver.h"
 #include "ui/ModifySpinBox.h"
 
 #include <QCheckBox>
@@ -14,33 +16,73 @@
 
 #include <memory>
 
-/// One simulated card with its adjust page, and the hands of a user. A test edits `driver` first, and then opens
-/// the page. The page's pauses are short unless a test sets others.
+/// The card of StockCard.h, as one that behaves.
+inline void makeStock(CheckedDriver &driver)
+{
+    driver.edit(0, [](simulated::Card &card) {
+        simulated::CardParameters parameters = card.parameters;
+        parameters.clocks.baseKHz = kStockGpuMHz * 1000;
+        parameters.clocks.memoryKHz = kStockMemoryMHz * 1000;
+        parameters.clocks.graphicsOffsetKHz = {true, kGpuOffsetKHz.lowest, kGpuOffsetKHz.highest};
+        parameters.clocks.memoryOffsetKHz = {true, kMemoryOffsetKHz.lowest, kMemoryOffsetKHz.highest};
+        parameters.voltage.full_uV = kStockMillivolt * 1000 + 500;
+        parameters.voltage.offset_uV = {true, kVoltageOffsetMicrovolt.lowest, kVoltageOffsetMicrovolt.highest};
+        parameters.power.minimum = kPowerLimitPercent.lowest * 1000;
+        parameters.power.standard = kDefaultPowerPercent * 1000;
+        parameters.power.maximum = kPowerLimitPercent.highest * 1000;
+        parameters.thermal.minimumC = kTargetRangeC.lowest;
+        parameters.thermal.standardC = kDefaultTargetC;
+        parameters.thermal.maximumC = kTargetRangeC.highest;
+        parameters.thermal.pinnedC = kGpuTemperatureC;
+        parameters.fan.minimumPercent = kFanRangePercent.lowest;
+        parameters.fan.maximumPercent = kFanRangePercent.highest;
+        card = simulated::Card(parameters);
+        card.settings.powerLimit = kStockPowerPercent * 1000;
+        card.settings.temperatureLimit256 = kStockTargetC * 256;
+        card.settings.coolers = {{kCoolerPolicyManual, kStockFanPercent}};
+    });
+}
+
+/// A raw card is made like this already.
+inline void makeStock(RawDriver &) {}
+
+/// One card with its adjust page, used as a user does. A test edits `driver` first, and then opens the page. The
+/// page's pauses are short unless a test sets others.
 ///
-/// The driver's card does not change by itself when it is written to; what counts is what it was told.
-class AdjustPageWorld
+/// With a CheckedDriver the card takes what it is ordered; with a RawDriver it keeps its values whatever is written,
+/// and its records may be hostile.
+template <class Driver>
+class AdjustWorld
 {
 public:
     static constexpr QSize kPageSize{382, 394}; ///< as in the main dialog
 
     AdjustTimings timings{1, 5};
 
-    FakeDriver driver; ///< first, since the device object needs it
+    Driver driver;     ///< first, since the device object needs it
+    QStringList watch; ///< what the page said of its fan: "on" or "off", and how many orders the fan had got by then
     std::unique_ptr<NvGpuControl> control;
-    std::unique_ptr<Ovryn_OverClockingWidget> page;
+    std::unique_ptr<Ovryn_OverClockingWidget> page; ///< last, since its end is watched
 
-    FakeCard &card() { return driver.card(); }
+    AdjustWorld() { makeStock(driver); }
+    explicit AdjustWorld(const simulated::Scenario &scene) : driver(scene) {}
+
+    template <class Change>
+    void editCard(const Change &change)
+    {
+        driver.edit(0, change);
+    }
 
     /// Without saved values, shown.
     void open()
     {
         connectCard();
-        show(new Ovryn_OverClockingWidget(control.get(), nullptr, timings));
+        show(new Ovryn_OverClockingWidget(control.get(), nullptr, timings, noteWatch()));
     }
     void open(const AdjustModuleInfo &saved)
     {
         connectCard();
-        show(new Ovryn_OverClockingWidget(saved, control.get(), nullptr, timings));
+        show(new Ovryn_OverClockingWidget(saved, control.get(), nullptr, timings, noteWatch()));
     }
     /// A page that has no card, shown.
     void openWithoutCard() { show(new Ovryn_OverClockingWidget(nullptr, nullptr, timings)); }
@@ -56,10 +98,10 @@ public:
     {
         return find<Ovryn_SliderWidget>(kAdjustRows[index].objectName);
     }
-    [[nodiscard]] QSlider *slider(AdjustRowIndex index) const { return row(index)->findChild<QSlider *>(); }
+    [[nodiscard]] QSlider *slider(AdjustRowIndex index) const { return row(index)->template findChild<QSlider *>(); }
     [[nodiscard]] ModifySpinBox *numberBox(AdjustRowIndex index) const
     {
-        return row(index)->findChild<ModifySpinBox *>();
+        return row(index)->template findChild<ModifySpinBox *>();
     }
 
     void click(const char *name) const { QTest::mouseClick(button(name), Qt::LeftButton); }
@@ -109,22 +151,31 @@ public:
         return out;
     }
 
-    /// Every call that changes the card, in order.
-    [[nodiscard]] QStringList writes() const
+    /// What the card was ordered, in order; see `StandInDriver::orders`.
+    [[nodiscard]] QStringList orders() const { return driver.orders(); }
+    [[nodiscard]] QStringList fanOrders() const { return driver.orders().filter(QRegularExpression("^fan ")); }
+    [[nodiscard]] QStringList ordersBesideFan() const
     {
-        return driver.calls().filter(QRegularExpression("GPU_Set|SetStatus|DriverEntry"));
+        QStringList list;
+        for (const QString &order : driver.orders()) {
+            if (!order.startsWith("fan "))
+                list << order;
+        }
+        return list;
     }
-    /// The same without the fan's.
-    [[nodiscard]] QStringList writesBesideFan() const
+    [[nodiscard]] QStringList distinctFanOrders() const
     {
-        return driver.calls().filter(QRegularExpression("SetPstates|SetStatus|DriverEntry"));
+        QStringList list = fanOrders();
+        list.removeDuplicates();
+        return list;
     }
-    [[nodiscard]] QStringList fanWrites() const { return driver.calls("NvAPI_GPU_SetCoolerLevels"); }
-    [[nodiscard]] QStringList distinctFanWrites() const
+
+protected:
+    FanWatch noteWatch()
     {
-        QStringList calls = fanWrites();
-        calls.removeDuplicates();
-        return calls;
+        return [this](bool followsCurve) {
+            watch << QStringLiteral("%1 after %2").arg(followsCurve ? "on" : "off").arg(fanOrders().size());
+        };
     }
 
 private:
@@ -143,6 +194,9 @@ private:
         QVERIFY(QTest::qWaitForWindowActive(page.get())); // the number boxes end their edits at a change of focus
     }
 };
+
+using AdjustPageWorld = AdjustWorld<CheckedDriver>;
+using RawAdjustWorld = AdjustWorld<RawDriver>;
 
 /// What a signal with one bool told, in order.
 inline QList<bool> told(const QSignalSpy &spy)

@@ -1,11 +1,11 @@
-#include "overclock/SimulatedAdjustWorld.h"
+#include "overclock/AdjustFileWorld.h"
 
 #include <QtTest>
 
 namespace
 {
 
-QVector<int> clocksAndTargets(const SimulatedAdjustWorld &world)
+QVector<int> clocksAndTargets(const AdjustFileWorld &world)
 {
     QVector<int> values;
     for (const AdjustRowIndex index : {RowGpuClock, RowMemoryClock, RowVoltage, RowPower, RowTemperature})
@@ -28,8 +28,8 @@ private slots:
 
 void TestAdjustOnSimulatedCards::applyThenDefault()
 {
-    SimulatedAdjustWorld world;
-    world.open();
+    AdjustFileWorld world;
+    world.openFromFile();
     const QVector<int> atStart = clocksAndTargets(world);
     const QVector<int> wanted = {atStart.at(0) + 100, atStart.at(1) + 100, atStart.at(2) + 10, 110, 80};
     world.move(RowGpuClock, wanted.at(0));
@@ -46,8 +46,8 @@ void TestAdjustOnSimulatedCards::applyThenDefault()
 
 void TestAdjustOnSimulatedCards::highPerformanceOnAndOff()
 {
-    SimulatedAdjustWorld world;
-    world.open();
+    AdjustFileWorld world;
+    world.openFromFile();
     const QVector<int> atStart = clocksAndTargets(world);
     QVERIFY(world.page->setHighPerformance(true));
     QCOMPARE(clocksAndTargets(world), QVector<int>({1733, atStart.at(1), atStart.at(2), 120, 83}));
@@ -59,8 +59,8 @@ void TestAdjustOnSimulatedCards::memoryOffsetThatTheBaseContains()
 {
     simulated::Scenario scene = simulated::builtInScenario();
     scene.cards.front().clocks.memoryIsRange = false;
-    SimulatedAdjustWorld world(scene);
-    world.open();
+    AdjustFileWorld world(scene);
+    world.openFromFile();
     const int stock = world.row(RowMemoryClock)->value();
     world.move(RowMemoryClock, stock + 100);
     world.apply();
@@ -70,16 +70,16 @@ void TestAdjustOnSimulatedCards::memoryOffsetThatTheBaseContains()
     QCOMPARE(saved.MemoryFreClock, stock + 100);
 
     // The program starts again, on a card that has kept the offset.
-    world.open();
-    QVERIFY(world.orders().contains(QStringLiteral("memory 100000")));
+    world.openFromFile();
+    QVERIFY(world.orders().contains(QStringLiteral("memory offset 100000 kHz")));
     world.close();
     QCOMPARE(world.saved().MemoryFreClock, stock + 100);
 
     // The machine was switched off meanwhile: the card has no offset.
-    SimulatedAdjustWorld afterwards(scene);
+    AdjustFileWorld afterwards(scene);
     afterwards.save(saved);
-    afterwards.open();
-    QCOMPARE(afterwards.orders().filter(QStringLiteral("memory")), QStringList("memory 100000"));
+    afterwards.openFromFile();
+    QCOMPARE(afterwards.orders().filter(QStringLiteral("memory")), QStringList("memory offset 100000 kHz"));
     afterwards.close();
     QCOMPARE(afterwards.saved().MemoryFreClock, stock + 100);
 }

@@ -1,9 +1,8 @@
 #include "device/NvGpuControl.h"
-#include "overclock/AdjustCalls.h"
 #include "overclock/CardAdjustment.h"
-#include "support/FakeDriver.h"
+#include "overclock/StockCard.h"
+#include "support/RawDriver.h"
 
-#include <QRegularExpression>
 #include <QStringList>
 #include <QtTest>
 
@@ -16,7 +15,7 @@ namespace
 /// A card's adjustment, started on the card as it stands, and what it reports: "snapshot", "mode on", "mode off".
 struct AdjustmentWorld
 {
-    FakeDriver driver; ///< first, since the device object needs it
+    RawDriver driver; ///< first, since the device object needs it
     NvGpuControl control;
     CardAdjustment adjustment;
     QStringList reports;
@@ -36,10 +35,7 @@ struct AdjustmentWorld
         driver.forgetCalls();
     }
 
-    [[nodiscard]] QStringList writes() const
-    {
-        return driver.calls().filter(QRegularExpression("GPU_Set|SetStatus|DriverEntry"));
-    }
+    [[nodiscard]] QStringList orders() const { return driver.orders(); }
 
 private:
     NvGpuControl *cardOrNone(bool withCard)
@@ -107,7 +103,7 @@ void TestCardAdjustment::reports()
     AdjustmentWorld world;
     act(world);
     QCOMPARE(world.reports, reports);
-    QCOMPARE(!world.writes().isEmpty(), orders);
+    QCOMPARE(!world.orders().isEmpty(), orders);
 }
 
 void TestCardAdjustment::reportsWhatTheCardAnswersAfterTheOrders()
@@ -116,7 +112,7 @@ void TestCardAdjustment::reportsWhatTheCardAnswersAfterTheOrders()
     int ordersBefore = 0;
     OverClockingParam reported;
     world.onSnapshot = [&] {
-        ordersBefore = world.writes().size();
+        ordersBefore = world.orders().size();
         reported = world.adjustment.snapshot();
     };
     OverClockingParam wanted = edited(world.adjustment);
@@ -125,7 +121,7 @@ void TestCardAdjustment::reportsWhatTheCardAnswersAfterTheOrders()
     world.adjustment.apply(wanted);
 
     QVERIFY(ordersBefore > 0);
-    QCOMPARE(ordersBefore, world.writes().size()); // none comes later
+    QCOMPARE(ordersBefore, world.orders().size()); // none comes later
     QCOMPARE(reported.power.currentPower, before);
     QCOMPARE(reported.fanMode, qint32(FanAuto)); // the page's own, no answer of the card changes it
     QVERIFY(reported.linkOfPowerWithTemperature);

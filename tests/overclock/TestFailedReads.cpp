@@ -1,11 +1,10 @@
-#include "overclock/SimulatedAdjustWorld.h"
+#include "overclock/AdjustFileWorld.h"
 
 #include <QtTest>
 
 #include <functional>
 
-using simulated::Operation;
-using Script = std::function<void(SimulatedAdjustWorld &)>;
+using Script = std::function<void(AdjustFileWorld &)>;
 Q_DECLARE_METATYPE(Script)
 
 namespace
@@ -19,8 +18,8 @@ constexpr Operation kThermalPolicies = Operation::NvAPI_GPU_ClientThermalPolicie
 constexpr Operation kThermalStatus = Operation::NvAPI_GPU_ClientThermalPoliciesGetStatus;
 constexpr Operation kCoolers = Operation::NvAPI_GPU_GetCoolerSettings;
 
-constexpr quint64 kForGood = 0;
-constexpr quint64 kOneRead = 3; ///< a read of clocks or states is tried at three record versions
+constexpr int kForGood = StandInDriver::kForever;
+constexpr int kOneRead = 3; ///< a read of clocks or states is tried at three record versions
 
 /// The card's own figures, as a settings file keeps them.
 AdjustModuleInfo stock()
@@ -53,7 +52,7 @@ QVector<int> numbers(const AdjustModuleInfo &values)
 }
 
 /// What stands on the card: offsets in kHz and microvolts, limits in thousandths of a percent and in degrees.
-QVector<int> standing(const SimulatedAdjustWorld &world)
+QVector<int> standing(const AdjustFileWorld &world)
 {
     const simulated::CardSettings settings = world.driver.card(0).settings;
     return {settings.graphicsOffsetKHz, settings.memoryOffsetKHz, settings.voltageOffset_uV, int(settings.powerLimit),
@@ -63,20 +62,23 @@ QVector<int> standing(const SimulatedAdjustWorld &world)
 const QVector<int> kStockStands = {0, 0, 0, 100000, 83};
 
 /// The orders of a card that is to stay as it is.
-const QString kFan = "fan 20 policy 32";
-const QStringList kClocks = {"graphics 0", "memory 0"};
-const QString kTemperature = "temperature 21248";
-const QString kPower = "power 100000";
-const QString kVoltage = "voltage 0";
+const QString kFan = "fan 20 % automatic";
+const QStringList kClocks = {"graphics offset 0 kHz", "memory offset 0 kHz"};
+const QString kTemperature = "temperature limit 83 C first";
+const QString kPower = "power limit 100 %";
+const QString kVoltage = "voltage offset 0 uV";
 const QStringList kAllOrders = QStringList{kFan} + kClocks + QStringList{kTemperature, kPower, kVoltage};
+/// What besides does a card no harm: the other steps of Default, and the driver's own control of a fan.
+const QStringList kHarmlessOrders = {"restore entry 1", "over-voltage 0 uV", "temperature limit 83 C",
+                                     "fan 0 % automatic"};
 
-void startWith(SimulatedAdjustWorld &world, const AdjustModuleInfo &saved)
+void startWith(AdjustFileWorld &world, const AdjustModuleInfo &saved)
 {
     world.save(saved);
-    world.open();
+    world.openFromFile();
 }
 
-void autoAndApply(SimulatedAdjustWorld &world)
+void autoAndApply(AdjustFileWorld &world)
 {
     world.click("btnFanAuto");
     world.apply();
@@ -119,16 +121,16 @@ void TestFailedReads::ordersAndFile_data()
         QTest::newRow(name) << script << orders << saved;
     };
     const QVector<int> stockFile = numbers(stock());
-    const auto startWithout = [](Operation operation, quint64 count, quint64 from = 1) {
-        return [=](SimulatedAdjustWorld &world) {
-            world.fails(operation, count, from);
+    const auto startWithout = [](Operation operation, int count, int from = 1) {
+        return [=](AdjustFileWorld &world) {
+            world.driver.fails(operation, NVAPI_ERROR, from, count);
             startWith(world, stock());
         };
     };
-    const auto applyWithout = [](Operation operation, quint64 count, quint64 from = 1) {
-        return [=](SimulatedAdjustWorld &world) {
-            world.fails(operation, count, from);
-            world.open();
+    const auto applyWithout = [](Operation operation, int count, int from = 1) {
+        return [=](AdjustFileWorld &world) {
+            world.driver.fails(operation, NVAPI_ERROR, from, count);
+            world.openFromFile();
             autoAndApply(world);
         };
     };
@@ -147,7 +149,7 @@ void TestFailedReads::ordersAndFile_data()
         startWithout(kPowerPolicies, kForGood));
     row("start, no power target", QStringList{kFan} + kClocks + QStringList{kTemperature, kVoltage}, stockFile,
         startWithout(kPowerStatus, kForGood));
-    row("start, no coolers", QStringList{"fan 0 policy 32"} + kAllOrders.mid(1), stockFile,
+    row("start, no coolers", QStringList{"fan 0 % automatic"} + kAllOrders.mid(1), stockFile,
         startWithout(kCoolers, kForGood));
 
     row("Apply, the clocks were read and their bases not", kAllOrders, stockFile,
@@ -162,30 +164,29 @@ void TestFailedReads::ordersAndFile_data()
     row("Apply, no P-states at all", kAllOrders.mid(0, 5), {-1, 20, -1, -1, 100, 83},
         applyWithout(kPstates, kForGood));
     row("Apply, no policies at all", QStringList{kFan} + kClocks + QStringList{kVoltage},
-        {1607, 20, 1050, 4004, -1, -1}, [](SimulatedAdjustWorld &world) {
-            world.fails(kPowerPolicies, kForGood);
-            world.fails(kThermalPolicies, kForGood);
-            world.open();
+        {1607, 20, 1050, 4004, -1, -1}, [](AdjustFileWorld &world) {
+            world.driver.fails(kPowerPolicies);
+            world.driver.fails(kThermalPolicies);
+            world.openFromFile();
             autoAndApply(world);
         });
-    row("Apply, no coolers", QStringList{"fan 0 policy 32"} + kAllOrders.mid(1), {1607, -1, 1050, 4004, 100, 83},
+    row("Apply, no coolers", QStringList{"fan 0 % automatic"} + kAllOrders.mid(1), {1607, -1, 1050, 4004, 100, 83},
         applyWithout(kCoolers, kForGood));
     row("no base frequencies at a start that applies nothing", {}, {-1, 20, 1050, -1, 100, 83},
-        [](SimulatedAdjustWorld &world) {
-            world.fails(kBaseFrequencies, kForGood);
-            world.open();
+        [](AdjustFileWorld &world) {
+            world.driver.fails(kBaseFrequencies);
+            world.openFromFile();
         });
-    row("no P-states at a start that applies nothing", {}, {-1, 20, -1, -1, 100, 83},
-        [](SimulatedAdjustWorld &world) {
-            world.fails(kPstates, kForGood);
-            world.open();
-        });
+    row("no P-states at a start that applies nothing", {}, {-1, 20, -1, -1, 100, 83}, [](AdjustFileWorld &world) {
+        world.driver.fails(kPstates);
+        world.openFromFile();
+    });
 }
 
 void TestFailedReads::ordersAndFile()
 {
     QFETCH(Script, script);
-    SimulatedAdjustWorld world;
+    AdjustFileWorld world;
     script(world);
     QTEST(world.orders(), "orders");
     QCOMPARE(standing(world), kStockStands);
@@ -193,7 +194,7 @@ void TestFailedReads::ordersAndFile()
     QTEST(numbers(world.saved()), "saved");
 
     world.driver.clearFaults();
-    world.open();
+    world.openFromFile();
     QCOMPARE(standing(world), kStockStands);
 }
 
@@ -208,35 +209,35 @@ void TestFailedReads::failedReadBackThenHighPerformance_data()
 void TestFailedReads::failedReadBackThenHighPerformance()
 {
     QFETCH(int, operation);
-    SimulatedAdjustWorld world;
-    world.open();
-    world.driver.clearCalls();
+    AdjustFileWorld world;
+    world.openFromFile();
+    world.driver.forgetCalls();
     world.click("btnFanAuto");
-    world.fails(static_cast<Operation>(operation), kForGood);
+    world.driver.fails(static_cast<Operation>(operation));
     world.apply();
     world.driver.clearFaults();
     // The driver answers again, and what the page knows of the card is still the failed read.
     QVERIFY(world.page->setHighPerformance(true));
     QCOMPARE(world.orders().filter(QRegularExpression("graphics|memory")), kClocks + kClocks);
 
-    world.driver.clearCalls();
+    world.driver.forgetCalls();
     QVERIFY(world.page->setHighPerformance(false));
     QCOMPARE(world.orders().filter(QRegularExpression("graphics|memory")), kClocks);
     QCOMPARE(standing(world), kStockStands);
     world.close();
     QCOMPARE(numbers(world.saved()), numbers(stock()));
-    world.open();
+    world.openFromFile();
     QCOMPARE(standing(world), kStockStands);
 }
 
 void TestFailedReads::highPerformanceOffWithAFailedReadBack()
 {
-    SimulatedAdjustWorld world;
-    world.open();
+    AdjustFileWorld world;
+    world.openFromFile();
     QVERIFY(world.page->setHighPerformance(true));
     QCOMPARE(standing(world), QVector<int>({126000, 0, 0, 120000, 83}));
     for (const Operation operation : {kBaseFrequencies, kPstates, kPowerStatus})
-        world.fails(operation, kForGood);
+        world.driver.fails(operation);
     QVERIFY(world.page->setHighPerformance(false));
     QCOMPARE(standing(world), kStockStands);
     world.close();
@@ -246,27 +247,27 @@ void TestFailedReads::highPerformanceOffWithAFailedReadBack()
 
 void TestFailedReads::highPerformanceEndedByAFailedRead()
 {
-    SimulatedAdjustWorld world;
-    world.open();
+    AdjustFileWorld world;
+    world.openFromFile();
     QVERIFY(world.page->setHighPerformance(true));
-    world.fails(Operation::NvAPI_GPU_GetFullName, 1);
+    world.driver.fails(Operation::NvAPI_GPU_GetFullName, NVAPI_ERROR, 1, 1);
     QVERIFY(!world.page->setHighPerformance(false));
     world.close();
     QCOMPARE(numbers(world.saved()), numbers(stock())); // the next start brings no preset of a mode that is off
-    world.open();
+    world.openFromFile();
     QCOMPARE(standing(world), kStockStands);
 }
 
 void TestFailedReads::cancelBehindAFailedReadBack()
 {
-    SimulatedAdjustWorld world;
-    world.open();
-    world.fails(kBaseFrequencies, kForGood);
+    AdjustFileWorld world;
+    world.openFromFile();
+    world.driver.fails(kBaseFrequencies);
     autoAndApply(world);
     world.driver.clearFaults();
     world.move(RowPower, 90);
     world.click("btnCancel");
-    world.driver.clearCalls();
+    world.driver.forgetCalls();
     autoAndApply(world);
     QCOMPARE(world.orders(), kAllOrders);
     world.close();
@@ -275,30 +276,30 @@ void TestFailedReads::cancelBehindAFailedReadBack()
 
 void TestFailedReads::defaultBehindRaisedValues()
 {
-    SimulatedAdjustWorld world;
+    AdjustFileWorld world;
     startWith(world, raised());
     QCOMPARE(standing(world), QVector<int>({100000, 100000, 20000, 110000, 88}));
-    world.fails(kBaseFrequencies, kForGood);
-    world.fails(kPstates, kForGood);
+    world.driver.fails(kBaseFrequencies);
+    world.driver.fails(kPstates);
     world.click("btnDefault");
     QCOMPARE(standing(world), kStockStands);
     world.close();
     // What was raised before is not kept although the new figures could not be read.
     QCOMPARE(numbers(world.saved()), QVector<int>({-1, 20, -1, -1, 100, 83}));
     world.driver.clearFaults();
-    world.open();
+    world.openFromFile();
     QCOMPARE(standing(world), kStockStands);
 }
 
 void TestFailedReads::loweredClockWithAFailedReadBack()
 {
-    SimulatedAdjustWorld world;
+    AdjustFileWorld world;
     startWith(world, raised());
     world.move(RowGpuClock, 1607);
-    world.driver.clearCalls();
-    world.fails(kBaseFrequencies, kForGood, 3); // the two orders read their ranges still
+    world.driver.forgetCalls();
+    world.driver.fails(kBaseFrequencies, NVAPI_ERROR, 3); // the two orders read their ranges still
     world.apply();
-    QCOMPARE(world.orders().value(1), QString("graphics 0"));
+    QCOMPARE(world.orders().value(1), QString("graphics offset 0 kHz"));
     world.close();
     QCOMPARE(world.saved().GpuFreClock, 1607); // not the 1707 that were read last
     QCOMPARE(world.saved().MemoryFreClock, 4104);
@@ -306,25 +307,25 @@ void TestFailedReads::loweredClockWithAFailedReadBack()
 
 void TestFailedReads::appliedClockWithAFailedReadBack()
 {
-    SimulatedAdjustWorld world;
-    world.open();
+    AdjustFileWorld world;
+    world.openFromFile();
     world.move(RowGpuClock, 1707);
-    world.driver.clearCalls();
-    world.fails(kBaseFrequencies, kForGood, 3);
+    world.driver.forgetCalls();
+    world.driver.fails(kBaseFrequencies, NVAPI_ERROR, 3);
     world.apply();
-    QCOMPARE(world.orders().value(1), QString("graphics 100000"));
+    QCOMPARE(world.orders().value(1), QString("graphics offset 100000 kHz"));
     // The next Apply has no base, so the offset goes; what the user asked for stays in the file.
-    world.driver.clearCalls();
+    world.driver.forgetCalls();
     autoAndApply(world);
-    QCOMPARE(world.orders().value(1), QString("graphics 0"));
+    QCOMPARE(world.orders().value(1), QString("graphics offset 0 kHz"));
     world.close();
     QCOMPARE(world.saved().GpuFreClock, 1707);
 }
 
 void TestFailedReads::unreadRowsShowNothingRaised()
 {
-    SimulatedAdjustWorld world;
-    world.fails(kBaseFrequencies, kForGood);
+    AdjustFileWorld world;
+    world.driver.fails(kBaseFrequencies);
     startWith(world, raised());
     for (const AdjustRowIndex index : {RowGpuClock, RowMemoryClock}) {
         QCOMPARE(world.row(index)->value(), 0);
@@ -340,34 +341,34 @@ void TestFailedReads::manualFanOfAnUnreadCooler()
     AdjustModuleInfo values = stock();
     values.FanMode = 1;
     values.FanSpeedLevel = 60;
-    SimulatedAdjustWorld world;
-    world.fails(kCoolers, kForGood);
+    AdjustFileWorld world;
+    world.driver.fails(kCoolers);
     startWith(world, values);
-    QCOMPARE(world.orders().value(0), QString("fan 0 policy 32")); // the driver drives it
+    QCOMPARE(world.orders().value(0), QString("fan 0 % automatic")); // the driver drives it
     world.close();
     QCOMPARE(world.saved().FanSpeedLevel, 60);
     QCOMPARE(world.saved().FanMode, 1);
 
     world.driver.clearFaults();
-    world.driver.clearCalls();
-    world.open();
-    QCOMPARE(world.orders().value(0), QString("fan 60 policy 1"));
+    world.driver.forgetCalls();
+    world.openFromFile();
+    QCOMPARE(world.orders().value(0), QString("fan 60 % manual"));
 }
 
 void TestFailedReads::lostModeWithFailingReads()
 {
     AdjustModuleInfo values = raised();
     values.EnableHighPerformance = true;
-    SimulatedAdjustWorld world;
-    world.fails(Operation::NvAPI_GPU_GetFullName, kForGood);
-    world.fails(kBaseFrequencies, kForGood);
+    AdjustFileWorld world;
+    world.driver.fails(Operation::NvAPI_GPU_GetFullName);
+    world.driver.fails(kBaseFrequencies);
     startWith(world, values);
     QCOMPARE(world.orders(), QStringList());
     world.close();
     // The mode's numbers are no longer the user's wish once the mode is gone.
     QCOMPARE(numbers(world.saved()), QVector<int>({-1, 20, 1050, -1, 100, 83}));
     world.driver.clearFaults();
-    world.open();
+    world.openFromFile();
     QCOMPARE(standing(world), kStockStands);
 }
 
@@ -378,13 +379,13 @@ void TestFailedReads::anyReadMayFail_data()
 
     const QList<QPair<const char *, Script>> scripts = {
         {"start with stock values, Default",
-         [](SimulatedAdjustWorld &world) {
+         [](AdjustFileWorld &world) {
              startWith(world, stock());
              world.click("btnDefault");
          }},
         {"start, Apply",
-         [](SimulatedAdjustWorld &world) {
-             world.open();
+         [](AdjustFileWorld &world) {
+             world.openFromFile();
              autoAndApply(world);
          }},
     };
@@ -402,16 +403,17 @@ void TestFailedReads::anyReadMayFail()
     QFETCH(Script, script);
     const auto failing = static_cast<Operation>(operation);
     // Every read in turn, alone and with those behind it, until the script has no such call left.
-    for (const quint64 count : {kOneRead, kForGood}) {
+    for (const int count : {kOneRead, kForGood}) {
         bool struck = true;
-        for (quint64 from = 1; struck; ++from) {
+        for (int from = 1; struck; ++from) {
             const QByteArray which = QString("call %1, %2").arg(from).arg(count).toLatin1();
-            SimulatedAdjustWorld world;
-            world.fails(failing, count, from);
+            AdjustFileWorld world;
+            world.driver.fails(failing, NVAPI_ERROR, from, count);
             script(world);
             struck = world.driver.calls(failing).size() >= from;
             for (const QString &order : world.orders()) {
-                QVERIFY2(kAllOrders.contains(order) || order == "fan 0 policy 32", which + ": " + order.toLatin1());
+                QVERIFY2(kAllOrders.contains(order) || kHarmlessOrders.contains(order),
+                         which + ": " + order.toLatin1());
             }
             QVERIFY2(standing(world) == kStockStands, which);
             world.close();
@@ -420,7 +422,7 @@ void TestFailedReads::anyReadMayFail()
             for (int index = 0; index < kept.size(); ++index)
                 QVERIFY2(kept.at(index) == own.at(index) || kept.at(index) == -1, which);
             world.driver.clearFaults();
-            world.open();
+            world.openFromFile();
             QVERIFY2(standing(world) == kStockStands, which);
         }
     }

@@ -1,6 +1,4 @@
-#include "overclock/AdjustCalls.h"
-#include "overclock/SimulatedAdjustWorld.h"
-#include "support/FakeDriver.h"
+#include "overclock/AdjustFileWorld.h"
 
 #include <QtTest>
 
@@ -21,15 +19,15 @@ private slots:
     void levelOfTheUserIsNobodysToWatch();
 
 private:
-    static void applyMode(SimulatedAdjustWorld &world, const char *button)
+    static void applyMode(AdjustFileWorld &world, const char *button)
     {
         world.click(button);
         world.apply();
     }
     /// Opens the page and puts the fan on the curve; waits for its first order.
-    static void followCurve(SimulatedAdjustWorld &world)
+    static void followCurve(AdjustFileWorld &world)
     {
-        world.open();
+        world.openFromFile();
         applyMode(world, "btnFanUserDefined");
         QTRY_VERIFY(!world.fanOrders().isEmpty());
         QCOMPARE(world.watch, QStringList("on after 0"));
@@ -40,15 +38,13 @@ private:
 namespace
 {
 
-const QString kToDriver = QStringLiteral("fan 0 policy 32");
-
 constexpr int kRecordVersions = 2; // in which a level is ordered before it counts as refused
 
 } // namespace
 
 void TestFanWatch::beginsBeforeTheFirstOrder()
 {
-    SimulatedAdjustWorld world;
+    AdjustFileWorld world;
     followCurve(world);
     applyMode(world, "btnFanUserDefined");
     QCOMPARE(world.watch, QStringList()); // it follows the curve already
@@ -56,11 +52,11 @@ void TestFanWatch::beginsBeforeTheFirstOrder()
 
 void TestFanWatch::beginsWithASavedCurve()
 {
-    SimulatedAdjustWorld world;
+    AdjustFileWorld world;
     AdjustModuleInfo saved;
     saved.FanMode = 7; // every mode but the first two is the curve
     world.save(saved);
-    world.open();
+    world.openFromFile();
     QCOMPARE(world.watch, QStringList("on after 0"));
 }
 
@@ -74,7 +70,7 @@ void TestFanWatch::endsWithAnotherMode_data()
 void TestFanWatch::endsWithAnotherMode()
 {
     QFETCH(QByteArray, button);
-    SimulatedAdjustWorld world;
+    AdjustFileWorld world;
     followCurve(world);
     applyMode(world, button);
     const int orders = world.fanOrders().size(); // the curve's thread has ended
@@ -83,63 +79,50 @@ void TestFanWatch::endsWithAnotherMode()
 
 void TestFanWatch::endsWithDefault()
 {
-    SimulatedAdjustWorld world;
+    AdjustFileWorld world;
     followCurve(world);
     world.click("btnDefault");
     QCOMPARE(world.watch.size(), 1);
     QVERIFY(world.watch.first().startsWith(QLatin1String("off")));
-    QCOMPARE(world.fanOrders().last(), kToDriver);
+    QCOMPARE(world.fanOrders().last(), kFanHandedBack);
 }
 
 void TestFanWatch::endsWithThePage()
 {
-    SimulatedAdjustWorld world;
+    AdjustFileWorld world;
     followCurve(world);
     world.page.reset();
     QCOMPARE(world.watch.size(), 1);
     QVERIFY(world.watch.first().startsWith(QLatin1String("off")));
-    QCOMPARE(world.fanOrders().last(), kToDriver);
+    QCOMPARE(world.fanOrders().last(), kFanHandedBack);
 }
 
 void TestFanWatch::refusedModeGivesTheFanToTheDriver()
 {
-    FakeDriver driver;
-    NvGpuControl control;
-    QList<bool> watch;
-    Ovryn_OverClockingWidget page(&control, nullptr, AdjustTimings{1, 5},
-                                  [&watch](bool followsCurve) { watch << followsCurve; });
-    page.resize(382, 394);
-    page.show();
-    const auto apply = [&page](const char *button) {
-        ModalAnswer answers({"msgBoxYesBtn"});
-        for (const char *name : {button, "btnApply"})
-            QTest::mouseClick(namedChild<QPushButton>(page, name), Qt::LeftButton);
-        QCOMPARE(answers.problems(), QStringList());
-    };
-    apply("btnFanUserDefined");
-    QTRY_VERIFY(!driver.calls("NvAPI_GPU_SetCoolerLevels").isEmpty());
-
+    AdjustFileWorld world;
+    followCurve(world);
     // From the first order of the GUI thread on, which comes after the end of the curve's thread: the level by hand
     // is refused, and the order after it taken. Before each level the cooler's range is read.
     QThread *const guiThread = QThread::currentThread();
     bool refused = false;
-    driver.onCall("NvAPI_GPU_GetCoolerSettings", [&] {
+    world.driver.onCall(Operation::NvAPI_GPU_GetCoolerSettings, [&] {
         if (QThread::currentThread() != guiThread || refused)
             return;
         refused = true;
-        driver.fails("NvAPI_GPU_SetCoolerLevels", NVAPI_ERROR, 1, kRecordVersions);
+        world.driver.fails(Operation::NvAPI_GPU_SetCoolerLevels, NVAPI_ERROR, 1, kRecordVersions);
     });
-    apply("btnFanManual");
+    applyMode(world, "btnFanManual");
     QVERIFY(refused);
-    QCOMPARE(watch, QList<bool>({true, false}));
-    QCOMPARE(driver.calls("NvAPI_GPU_SetCoolerLevels").last(), kFanHandedBack);
+    QCOMPARE(world.watch.size(), 1);
+    QVERIFY(world.watch.first().startsWith(QLatin1String("off")));
+    QCOMPARE(world.fanOrders().last(), kFanHandedBack);
 }
 
 void TestFanWatch::goesOnWhileTheDriverRefuses()
 {
-    SimulatedAdjustWorld world;
+    AdjustFileWorld world;
     followCurve(world);
-    world.fails(simulated::Operation::NvAPI_GPU_SetCoolerLevels, 0);
+    world.driver.fails(Operation::NvAPI_GPU_SetCoolerLevels);
     applyMode(world, "btnFanAuto");
     QCOMPARE(world.watch, QStringList());
     world.page.reset();
@@ -148,8 +131,8 @@ void TestFanWatch::goesOnWhileTheDriverRefuses()
 
 void TestFanWatch::levelOfTheUserIsNobodysToWatch()
 {
-    SimulatedAdjustWorld world;
-    world.open();
+    AdjustFileWorld world;
+    world.openFromFile();
     applyMode(world, "btnFanManual");
     world.page.reset();
     QCOMPARE(world.watch, QStringList());

@@ -1,6 +1,6 @@
 #include "device/NvGpuControl.h"
 #include "overclock/Ovryn_SetUserDefineFanSpeedThread.h"
-#include "support/FakeDriver.h"
+#include "support/CheckedDriver.h"
 
 #include <QSemaphore>
 #include <QtTest>
@@ -30,22 +30,22 @@ struct DeafThread : QThread
 
 bool isHandBack(const QString &order)
 {
-    return order.endsWith(QLatin1String("[8]=32"));
+    return order.endsWith(QLatin1String("automatic"));
 }
 
 } // namespace
 
 void TestFanWorkerLeftBehind::handBackStands_data()
 {
-    QTest::addColumn<QByteArray>("hangingCall");
-    QTest::newRow("hangs while it reads the temperature") << QByteArray("NvAPI_GPU_GetThermalSettings");
-    QTest::newRow("hangs in its order") << QByteArray("NvAPI_GPU_SetCoolerLevels");
+    QTest::addColumn<Operation>("hangingCall");
+    QTest::newRow("hangs while it reads the temperature") << Operation::NvAPI_GPU_GetThermalSettings;
+    QTest::newRow("hangs in its order") << Operation::NvAPI_GPU_SetCoolerLevels;
 }
 
 void TestFanWorkerLeftBehind::handBackStands()
 {
-    QFETCH(QByteArray, hangingCall);
-    FakeDriver driver;
+    QFETCH(Operation, hangingCall);
+    CheckedDriver driver;
     auto control = std::make_shared<NvGpuControl>();
     QThread *const testThread = QThread::currentThread();
     std::atomic<bool> mayHang{true};
@@ -71,7 +71,7 @@ void TestFanWorkerLeftBehind::handBackStands()
     answer.release();
     QVERIFY(worker->wait(20000));
     delete worker;
-    const QStringList orders = driver.calls("NvAPI_GPU_SetCoolerLevels");
+    const QStringList orders = driver.orders();
     QVERIFY2(isHandBack(orders.last()), qPrintable(orders.join(QLatin1Char('\n'))));
 }
 

@@ -1,4 +1,3 @@
-#include "overclock/AdjustCalls.h"
 #include "overclock/AdjustPageWorld.h"
 #include "support/ModalAnswer.h"
 
@@ -15,13 +14,19 @@ namespace
 /// The healthy card's orders of the preset: 1733 less 1607 MHz, 83 degrees, 120 percent.
 QStringList presetOrders(int gpuKHz = 126000)
 {
-    return fanThen(kFanAutoCall, settingCalls(gpuKHz, 0, 83 * 256, 120000, 0));
+    return fanThen(kFanAutoOrder, settingOrders(gpuKHz, 0, kDefaultTargetC, kPowerLimitPercent.highest, 0));
 }
+
+/// The rows with the preset, and after Default: the driver controls the fan.
+const QVector<int> kPresetRows{
+    1733, kDriversLevel, kStockMillivolt, kStockMemoryMHz, kPowerLimitPercent.highest, kDefaultTargetC};
+const QVector<int> kDefaultRows{kStockGpuMHz,    kDriversLevel,        kStockMillivolt,
+                                kStockMemoryMHz, kDefaultPowerPercent, kDefaultTargetC};
 
 /// Back to the healthy card as it stands, with its manual fan.
 QStringList orderBack()
 {
-    return fanThen(kFanManualCall, unchangedSettings());
+    return fanThen(kFanManualOrder, unchangedSettings());
 }
 
 AdjustModuleInfo savedMode()
@@ -78,7 +83,7 @@ void TestHighPerformanceMode::eligibility_data()
     };
     const auto board = [](quint32 id) {
         return [id](AdjustPageWorld &w) {
-            w.card().subSystemId = id;
+            w.editCard([id](simulated::Card &card) { card.parameters.pci.subSystemId = id; });
         };
     };
     row("0x111E", presetOrders(152000), board(0x111E7377));
@@ -87,12 +92,16 @@ void TestHighPerformanceMode::eligibility_data()
     row("0x112B", presetOrders(76000), board(0x112B7377));
     row("0x1118 shows the switch and is not in the table", {}, board(0x11187377));
     row("board of the table, other maker", {}, board(0x111D7378));
-    row("other model", {}, [](AdjustPageWorld &w) { w.card().fullName = "GeForce GTX 1070"; });
-    row("name can't be read", {}, [](AdjustPageWorld &w) { w.driver.fails("NvAPI_GPU_GetFullName", NVAPI_ERROR); });
+    row("other model", {}, [](AdjustPageWorld &w) {
+        w.editCard([](simulated::Card &card) { card.parameters.name = "GeForce GTX 1070"; });
+    });
+    row("name can't be read", {},
+        [](AdjustPageWorld &w) { w.driver.fails(Operation::NvAPI_GPU_GetFullName, NVAPI_ERROR); });
     row("identifiers can't be read", {},
-        [](AdjustPageWorld &w) { w.driver.fails("NvAPI_GPU_GetPCIIdentifiers", NVAPI_ERROR); });
-    row("offset beyond the card's range is cut", presetOrders(100000),
-        [](AdjustPageWorld &w) { w.card().p0Clock(0).freqDelta_kHz.valueRange.max = 100000; });
+        [](AdjustPageWorld &w) { w.driver.fails(Operation::NvAPI_GPU_GetPCIIdentifiers, NVAPI_ERROR); });
+    row("offset beyond the card's range is cut", presetOrders(100000), [](AdjustPageWorld &w) {
+        w.editCard([](simulated::Card &card) { card.parameters.clocks.graphicsOffsetKHz.maximum = 100000; });
+    });
 }
 
 void TestHighPerformanceMode::eligibility()
@@ -108,7 +117,7 @@ void TestHighPerformanceMode::eligibility()
     QCOMPARE(world.page->setHighPerformance(true), granted);
     QCOMPARE(world.page->isHighPerformance(), granted);
     QCOMPARE(told(modeSpy), QList<bool>{granted});
-    QCOMPARE(world.writes(), writes);
+    QCOMPARE(world.orders(), writes);
     QCOMPARE(world.parameters().EnableHighPerformance, granted);
 }
 
@@ -123,7 +132,7 @@ void TestHighPerformanceMode::onAndOff()
 
     world.driver.forgetCalls();
     QVERIFY(world.page->setHighPerformance(false));
-    QCOMPARE(world.writes(), orderBack());
+    QCOMPARE(world.orders(), orderBack());
     QVERIFY(!world.page->isHighPerformance());
     QCOMPARE(told(modeSpy), (QList<bool>{true, false}));
     QCOMPARE(world.visibleButtons(), QStringList{"btnDefault"});
@@ -137,7 +146,7 @@ void TestHighPerformanceMode::onTwice()
     QVERIFY(world.page->setHighPerformance(true));
     world.driver.forgetCalls();
     QVERIFY(world.page->setHighPerformance(true));
-    QCOMPARE(world.writes(), QStringList());
+    QCOMPARE(world.orders(), QStringList());
     QCOMPARE(told(modeSpy), QList<bool>{true});
 }
 
@@ -148,7 +157,7 @@ void TestHighPerformanceMode::offWhenNotOn()
     QSignalSpy modeSpy(world.page.get(), SIGNAL(highPerformanceModeChanged(bool)));
     world.driver.forgetCalls();
     QVERIFY(world.page->setHighPerformance(false));
-    QCOMPARE(world.writes(), QStringList());
+    QCOMPARE(world.orders(), QStringList());
     QCOMPARE(told(modeSpy), QList<bool>{false});
 }
 
@@ -158,12 +167,12 @@ void TestHighPerformanceMode::endsByTheCardsLoss()
     world.open();
     QVERIFY(world.page->setHighPerformance(true));
     QSignalSpy modeSpy(world.page.get(), SIGNAL(highPerformanceModeChanged(bool)));
-    world.driver.fails("NvAPI_GPU_GetFullName", NVAPI_ERROR);
+    world.driver.fails(Operation::NvAPI_GPU_GetFullName, NVAPI_ERROR);
     world.driver.forgetCalls();
     QVERIFY(!world.page->setHighPerformance(false));
     QVERIFY(!world.page->isHighPerformance());
     QCOMPARE(told(modeSpy), QList<bool>{false});
-    QCOMPARE(world.writes(), QStringList());
+    QCOMPARE(world.orders(), QStringList());
 }
 
 void TestHighPerformanceMode::endsByApply()
@@ -176,13 +185,14 @@ void TestHighPerformanceMode::endsByApply()
     ModalAnswer answers({"msgBoxYesBtn"});
     world.driver.forgetCalls();
     world.click("btnApply");
-    QCOMPARE(world.writes(), fanThen(kFanManualCall, settingCalls(93000, 0, 80 * 256, 110000, 0)));
+    QCOMPARE(world.orders(), fanThen(fanOrder(kDriversLevel),
+                                     settingOrders(93000, 0, kDefaultTargetC, kPowerLimitPercent.highest, 0)));
     QVERIFY(!world.page->isHighPerformance());
     QCOMPARE(told(modeSpy), QList<bool>{false});
 
     world.driver.forgetCalls();
     QVERIFY(world.page->setHighPerformance(false)); // nothing is left to go back to
-    QCOMPARE(world.writes(), QStringList());
+    QCOMPARE(world.orders(), QStringList());
 }
 
 void TestHighPerformanceMode::endsByDefault()
@@ -228,13 +238,13 @@ void TestHighPerformanceMode::fromTheUsersCurve()
     saved.LinkOfPowerWithTemperature = true;
     AdjustPageWorld world;
     world.open(saved);
-    QTRY_VERIFY(world.fanWrites().contains(fanLevelCall(kSteepCurveLevel)));
+    QTRY_VERIFY(world.fanOrders().contains(fanOrder(kSteepCurveLevel)));
 
     world.driver.forgetCalls();
     QVERIFY(world.page->setHighPerformance(true));
     // The worker is over before the driver gets the fan, and stays so.
-    QCOMPARE(world.fanWrites().last(), kFanAutoCall);
-    QCOMPARE(world.writesBesideFan(), settingCalls(126000, 0, 83 * 256, 120000, 0));
+    QCOMPARE(world.fanOrders().last(), kFanAutoOrder);
+    QCOMPARE(world.ordersBesideFan(), presetOrders().mid(1));
     // The page's own mode and link stay, and are saved so.
     QCOMPARE(world.fanMode(), QString("UDF"));
     QVERIFY(world.linkBox()->isChecked());
@@ -244,13 +254,13 @@ void TestHighPerformanceMode::fromTheUsersCurve()
 
     world.driver.forgetCalls();
     QVERIFY(world.page->setHighPerformance(false));
-    QTRY_VERIFY(world.fanWrites().contains(fanLevelCall(kSteepCurveLevel)));
-    QCOMPARE(world.distinctFanWrites(), QStringList{fanLevelCall(kSteepCurveLevel)});
+    QTRY_VERIFY(world.fanOrders().contains(fanOrder(kSteepCurveLevel)));
+    QCOMPARE(world.distinctFanOrders(), QStringList{fanOrder(kSteepCurveLevel)});
 
     QVERIFY(world.page->setHighPerformance(true));
     world.driver.forgetCalls();
     world.page.reset(); // its mode is still the curve
-    QCOMPARE(world.writes(), QStringList{kFanHandedBack});
+    QCOMPARE(world.orders(), QStringList{kFanHandedBack});
 }
 
 void TestHighPerformanceMode::dropsEditsThatWereNotApplied()
@@ -260,8 +270,8 @@ void TestHighPerformanceMode::dropsEditsThatWereNotApplied()
     world.type(RowMemoryClock, 4300);
     world.driver.forgetCalls();
     QVERIFY(world.page->setHighPerformance(true));
-    QCOMPARE(world.writes(), presetOrders());
-    QCOMPARE(world.rowValues(), QVector<int>({1607, 33, 1062, 4006, 110, 80})); // this card keeps its values
+    QCOMPARE(world.orders(), presetOrders());
+    QCOMPARE(world.rowValues(), kPresetRows);
     QCOMPARE(world.visibleButtons(), QStringList{"btnDefault"});
 }
 
@@ -282,9 +292,9 @@ void TestHighPerformanceMode::start()
         world.page->hide();
         world.page->show();
     }
-    QCOMPARE(world.writes(), presetOrders()); // no other saved number counts
+    QCOMPARE(world.orders(), presetOrders()); // no other saved number counts
     QVERIFY(world.page->isHighPerformance());
-    QCOMPARE(world.rowValues(), QVector<int>({1607, 33, 1062, 4006, 110, 80}));
+    QCOMPARE(world.rowValues(), kPresetRows);
     QCOMPARE(world.fanMode(), QString("AUT"));
     QVERIFY(!world.linkBox()->isChecked());
     QCOMPARE(world.visibleButtons(), QStringList{"btnDefault"});
@@ -300,15 +310,15 @@ void TestHighPerformanceMode::startThenOff()
     world.driver.forgetCalls();
     QVERIFY(world.page->setHighPerformance(false));
     // To the card's defaults: what stood before the mode isn't known any more.
-    QCOMPARE(world.writes(), fanThen(kFanAutoCall, settingCalls(0, 0, 83 * 256, 100000, 0)));
+    QCOMPARE(world.orders(), fanThen(kFanAutoOrder, settingOrders(0, 0, kDefaultTargetC, kDefaultPowerPercent, 0)));
 }
 
 void TestHighPerformanceMode::startOnALostCard()
 {
     AdjustPageWorld world;
-    world.card().subSystemId = 0x11187377;
+    world.editCard([](simulated::Card &card) { card.parameters.pci.subSystemId = 0x11187377; });
     world.open(savedMode());
-    QCOMPARE(world.writes(), QStringList());
+    QCOMPARE(world.orders(), QStringList());
     QVERIFY(!world.page->isHighPerformance());
     // Nothing was applied, and the showing goes back to just that.
     QCOMPARE(world.rowValues(), QVector<int>(6, 0));
@@ -316,10 +326,10 @@ void TestHighPerformanceMode::startOnALostCard()
     QCOMPARE(world.parameters().GpuFreClock, 1607); // the zeros are no figures to apply at the next start
 
     world.click("btnDefault");
-    QCOMPARE(world.rowValues(), QVector<int>({1607, 33, 1062, 4006, 110, 80}));
+    QCOMPARE(world.rowValues(), kDefaultRows);
     world.page->hide();
     world.page->show();
-    QCOMPARE(world.rowValues(), QVector<int>({1607, 33, 1062, 4006, 110, 80}));
+    QCOMPARE(world.rowValues(), kDefaultRows);
 }
 
 void TestHighPerformanceMode::withoutCard()

@@ -1,4 +1,3 @@
-#include "overclock/AdjustCalls.h"
 #include "overclock/AdjustPageWorld.h"
 #include "support/ModalAnswer.h"
 
@@ -12,6 +11,8 @@
 
 using Arrange = std::function<void(AdjustPageWorld &)>;
 Q_DECLARE_METATYPE(Arrange)
+using RawArrange = std::function<void(RawAdjustWorld &)>;
+Q_DECLARE_METATYPE(RawArrange)
 
 namespace
 {
@@ -52,10 +53,12 @@ void TestOverClockingApply::apply_data()
 {
     QTest::addColumn<Arrange>("edit");
     QTest::addColumn<QString>("answer");
-    QTest::addColumn<QStringList>("writes");
+    QTest::addColumn<QStringList>("orders");
+    QTest::addColumn<QVector<int>>("rows"); // what they show then; as edited where nothing was ordered
 
-    const auto row = [](const char *name, const char *answer, const QStringList &writes, const Arrange &edit) {
-        QTest::newRow(name) << edit << QString(answer) << writes;
+    const auto row = [](const char *name, const char *answer, const QStringList &orders, const QVector<int> &rows,
+                        const Arrange &edit) {
+        QTest::newRow(name) << edit << QString(answer) << orders << rows;
     };
     const Arrange everything = [](AdjustPageWorld &world) {
         world.type(RowGpuClock, 1707);
@@ -65,22 +68,21 @@ void TestOverClockingApply::apply_data()
         world.type(RowPower, 115);
         world.type(RowTemperature, 85);
     };
-    row("every row", "msgBoxYesBtn", fanThen(fanLevelCall(60), savedSettings()), everything);
-    row("a no gives no order", "msgBoxNoBtn", {}, everything);
-    row("a closed box gives no order", "no such button", {}, everything);
-    row("driver's fan", "msgBoxYesBtn", fanThen(kFanAutoCall, unchangedSettings()),
-        [](AdjustPageWorld &world) { world.click("btnFanAuto"); });
-    row("manual fan, chosen again", "msgBoxYesBtn", fanThen(kFanManualCall, unchangedSettings()),
+    row("every row", "msgBoxYesBtn", fanThen(fanOrder(60), savedSettings()), kSavedRows, everything);
+    row("a no gives no order", "msgBoxNoBtn", {}, kSavedRows, everything);
+    row("a closed box gives no order", "no such button", {}, kSavedRows, everything);
+    row("driver's fan", "msgBoxYesBtn", fanThen(kFanAutoOrder, unchangedSettings()),
+        {1607, kDriversLevel, 1062, 4006, 110, 80}, [](AdjustPageWorld &world) { world.click("btnFanAuto"); });
+    row("manual fan, chosen again", "msgBoxYesBtn", fanThen(kFanManualOrder, unchangedSettings()), kStockRows,
         [](AdjustPageWorld &world) {
             world.click("btnFanAuto");
             world.click("btnFanManual");
         });
     row("typed beyond the maximum", "msgBoxYesBtn",
-        fanThen(kFanManualCall, settingCalls(1000000, 0, 80 * 256, 110000, 0)),
-        [](AdjustPageWorld &world) { world.type(RowGpuClock, 99999); });
-    row("lowest end of every slider", "msgBoxYesBtn",
-        fanThen(fanLevelCall(27), settingCalls(-200000, -502000, 60 * 256, 50000, -100000)),
-        [](AdjustPageWorld &world) {
+        fanThen(kFanManualOrder, settingOrders(kGpuOffsetKHz.highest, 0, kStockTargetC, kStockPowerPercent, 0)),
+        {2607, 33, 1062, 4006, 110, 80}, [](AdjustPageWorld &world) { world.type(RowGpuClock, 99999); });
+    row("lowest end of every slider", "msgBoxYesBtn", fanThen(fanOrder(kFanRangePercent.lowest), lowestSettings()),
+        kLowestRows, [](AdjustPageWorld &world) {
             for (int index = 0; index < AdjustRowCount; ++index) {
                 QSlider *slider = world.slider(static_cast<AdjustRowIndex>(index));
                 QTest::keyClick(slider, Qt::Key_Home);
@@ -92,25 +94,23 @@ void TestOverClockingApply::apply()
 {
     QFETCH(Arrange, edit);
     QFETCH(QString, answer);
-    QFETCH(QStringList, writes);
+    QFETCH(QStringList, orders);
     AdjustPageWorld world;
     world.open();
     QSignalSpy modeSpy(world.page.get(), SIGNAL(highPerformanceModeChanged(bool)));
     edit(world);
     QCOMPARE(world.visibleButtons(), QStringList({"btnApply", "btnCancel", "btnDefault"}));
-    const QVector<int> edited = world.rowValues();
 
     ModalAnswer answers({answer});
     world.driver.forgetCalls();
     world.click("btnApply");
     QCOMPARE(answers.texts(), QStringList{"Apply these settings ?"});
-    QCOMPARE(world.writes(), writes);
-    if (writes.isEmpty()) {
-        QCOMPARE(world.rowValues(), edited);
+    QCOMPARE(world.orders(), orders);
+    QTEST(world.rowValues(), "rows");
+    if (orders.isEmpty()) {
         QCOMPARE(world.visibleButtons(), QStringList({"btnApply", "btnCancel", "btnDefault"}));
         QCOMPARE(modeSpy.count(), 0);
     } else {
-        QCOMPARE(world.rowValues(), QVector<int>({1607, 33, 1062, 4006, 110, 80}));
         QCOMPARE(world.visibleButtons(), QStringList{"btnDefault"});
         QCOMPARE(told(modeSpy), QList<bool>{false});
     }
@@ -118,13 +118,13 @@ void TestOverClockingApply::apply()
 
 void TestOverClockingApply::applyShowsWhatTheDriverKept()
 {
-    AdjustPageWorld world;
+    RawAdjustWorld world;
     world.open();
     world.type(RowGpuClock, 1707);
     world.type(RowTemperature, 85);
-    world.driver.onCall("NvAPI_GPU_ClientThermalPoliciesSetStatus", [&world] {
-        world.card().thermalStatus.entries[0].temperature = 82 * 256; // three degrees less than ordered
-        world.card().p0Clock(0).freqDelta_kHz.value = 100000;
+    world.driver.onCall(Operation::NvAPI_GPU_ClientThermalPoliciesSetStatus, [&world] {
+        world.driver.card().thermalStatus.entries[0].temperature = 82 * 256; // three degrees less than ordered
+        world.driver.card().p0Clock(0).freqDelta_kHz.value = 100000;
     });
     ModalAnswer answers({"msgBoxYesBtn"});
     world.click("btnApply");
@@ -141,27 +141,24 @@ void TestOverClockingApply::applyShowsWhatTheDriverKept()
 void TestOverClockingApply::applyOnARefusingDriver()
 {
     AdjustPageWorld world;
-    for (const char *operation :
-         {"NvAPI_GPU_SetCoolerLevels", "NvAPI_GPU_SetPstates20", "NvAPI_GPU_ClientThermalPoliciesSetStatus",
-          "NvAPI_GPU_ClientPowerPoliciesSetStatus"})
+    for (const Operation operation :
+         {Operation::NvAPI_GPU_SetCoolerLevels, Operation::NvAPI_GPU_SetPstates20,
+          Operation::NvAPI_GPU_ClientThermalPoliciesSetStatus, Operation::NvAPI_GPU_ClientPowerPoliciesSetStatus})
         world.driver.fails(operation, NVAPI_ERROR);
     world.open(savedValues());
-    QStringList operations;
-    for (const QString &call : world.writes())
-        operations << call.section(' ', 0, 0) + call.section(' ', -2);
-    // Every order is given, each on its own ladder; nothing stops at a refusal.
-    QCOMPARE(operations, QStringList({"GPU_SetCoolerLevels-> -1", "GPU_SetCoolerLevels-> -1", // fan
-                                      "GPU_SetPstates20-> -1", "GPU_SetPstates20-> -1",       // graphics clock
-                                      "GPU_SetPstates20-> -1",                                //
-                                      "GPU_SetPstates20-> -1", "GPU_SetPstates20-> -1",       // memory clock
-                                      "GPU_SetPstates20-> -1",                                //
-                                      "GPU_ClientThermalPoliciesSetStatus-> -1",              //
-                                      "GPU_ClientThermalPoliciesSetStatus-> -1",              //
-                                      "GPU_ClientPowerPoliciesSetStatus-> -1",                //
-                                      "GPU_SetPstates20-> -1", "GPU_SetPstates20-> -1",       // voltage
-                                      "GPU_SetPstates20-> -1"}));
-    QCOMPARE(world.rowValues(), QVector<int>({1607, 33, 1062, 4006, 110, 80}));
-    QCOMPARE(world.parameters().GpuFreClock, 1607);
+    // Every order is given, each at all its record versions; nothing stops at a refusal.
+    const auto tries = [](int count, const char *order) {
+        QStringList list;
+        for (int i = 0; i < count; ++i)
+            list << QString(order) + " -> -1";
+        return list;
+    };
+    QCOMPARE(world.orders(), tries(2, "fan 60 % manual") + tries(3, "graphics offset 100000 kHz") +
+                                 tries(3, "memory offset 100000 kHz") + tries(1, "temperature limit 85 C first") +
+                                 tries(1, "temperature limit 85 C") // the older record has no priority
+                                 + tries(1, "power limit 115 %") + tries(3, "voltage offset 10000 uV"));
+    QCOMPARE(world.rowValues(), kStockRows);
+    QCOMPARE(world.parameters().GpuFreClock, kStockGpuMHz);
 }
 
 void TestOverClockingApply::applyWithoutCard()
@@ -192,24 +189,25 @@ void TestOverClockingApply::changeOfFanModes()
     QVERIFY(!world.row(RowFan)->isEnabled());
     QCOMPARE(world.driver.calls(), QStringList()); // the choice acts at Apply
     world.click("btnApply");
-    QTRY_VERIFY(world.fanWrites().size() > 2); // in every cycle anew
-    QCOMPARE(world.distinctFanWrites(), QStringList{fanLevelCall(kSteepCurveLevel)});
-    QCOMPARE(world.writesBesideFan(), unchangedSettings());
+    QTRY_VERIFY(world.fanOrders().size() > 2); // in every cycle anew
+    QCOMPARE(world.distinctFanOrders(), QStringList{fanOrder(kSteepCurveLevel)});
+    QCOMPARE(world.ordersBesideFan(), savedSettings());
 
     world.click("btnFanManual");
     QVERIFY(world.row(RowFan)->isEnabled());
+    world.slider(RowFan)->setValue(45);
     world.driver.forgetCalls();
     world.click("btnApply");
     // The worker is over before the first order, so its level can't come behind the manual one.
-    QCOMPARE(world.fanWrites().last(), kFanManualCall);
-    QCOMPARE(world.fanWrites().count(kFanManualCall), 1);
+    QCOMPARE(world.fanOrders().last(), fanOrder(45));
+    QCOMPARE(world.fanOrders().count(fanOrder(45)), 1);
     QCOMPARE(world.parameters().FanMode, 1);
 
     world.click("btnFanAuto");
     QVERIFY(!world.row(RowFan)->isEnabled());
     world.driver.forgetCalls();
     world.click("btnApply");
-    QCOMPARE(world.writes(), fanThen(kFanAutoCall, unchangedSettings()));
+    QCOMPARE(world.orders(), fanThen("fan 45 % automatic", savedSettings()));
     QCOMPARE(world.parameters().FanMode, 0);
     QCOMPARE(answers.problems(), QStringList());
 }
@@ -221,7 +219,7 @@ void TestOverClockingApply::curveAppliedWhileItDrivesTheFan()
     saved.Nodes = kSteepCurve;
     AdjustPageWorld world;
     world.open(saved);
-    QTRY_VERIFY(world.fanWrites().contains(fanLevelCall(kSteepCurveLevel)));
+    QTRY_VERIFY(world.fanOrders().contains(fanOrder(kSteepCurveLevel)));
 
     world.click("btnUserDefineConfig");
     world.click("btnDefault"); // the editor alone, so far
@@ -229,8 +227,8 @@ void TestOverClockingApply::curveAppliedWhileItDrivesTheFan()
     world.driver.forgetCalls();
     ModalAnswer answers({"msgBoxYesBtn"});
     world.click("btnApply");
-    QTRY_VERIFY(world.fanWrites().contains(fanLevelCall(kDefaultCurveLevel)));
-    QCOMPARE(world.writesBesideFan(), QStringList());
+    QTRY_VERIFY(world.fanOrders().contains(fanOrder(kDefaultCurveLevel)));
+    QCOMPARE(world.ordersBesideFan(), QStringList());
     QCOMPARE(world.parameters().Nodes, (QList<QPoint>{{0, 0}, {30, 20}, {50, 50}, {80, 90}, {100, 100}}));
 }
 
@@ -271,27 +269,22 @@ void TestOverClockingApply::restoreDefaults()
     saved.Nodes = kSteepCurve;
     saved.LinkOfPowerWithTemperature = true;
     AdjustPageWorld world;
-    world.card().coolers.cooler[0].currentPolicy = 0x20; // as a card answers after Default's order to its fan
     world.open(saved);
     world.type(RowGpuClock, 1800);
     if (fanMode == 2)
-        QTRY_VERIFY(!world.fanWrites().isEmpty());
+        QTRY_VERIFY(!world.fanOrders().isEmpty());
     QSignalSpy modeSpy(world.page.get(), SIGNAL(highPerformanceModeChanged(bool)));
 
     world.driver.forgetCalls();
     world.click("btnDefault"); // asks nothing
-    QStringList writes = world.writes();
-    while (fanMode == 2 && writes.value(0) == fanLevelCall(kSteepCurveLevel))
-        writes.removeFirst();                                          // the worker's last
-    QCOMPARE(writes, QStringList({"DriverEntry_B23B70EE gpu0 value=1", //
-                                  "GPU_SetPstates20 gpu0 0x31CF8 [8]=1 [12]=1",
-                                  "GPU_SetPstates20 gpu0 0x31CF8 [8]=1 [12]=1 [28]=4",
-                                  "GPU_ClientPowerPoliciesSetStatus gpu0 0x10048 [4]=1 [8]=2 [16]=100000",
-                                  kFanHandedBack, "GPU_SetPstates20 gpu0 0x31CF8 [8]=1 [16]=1",
-                                  "GPU_ClientThermalPoliciesSetStatus gpu0 0x20038 [4]=1 [8]=3 [12]=21248 [16]=1",
-                                  "GPU_SetPstates20 gpu0 0x31CF8 [7316]=1",
-                                  "GPU_ClientThermalPoliciesSetStatus gpu0 0x20038 [4]=1 [8]=3 [12]=20480"}));
-    QCOMPARE(world.rowValues(), QVector<int>({1607, 33, 1062, 4006, 110, 80}));
+    QStringList orders = world.orders();
+    while (fanMode == 2 && orders.value(0) == fanOrder(kSteepCurveLevel))
+        orders.removeFirst(); // the worker's last
+    QCOMPARE(orders, QStringList({"restore entry 1", "graphics offset 0 kHz", "memory offset 0 kHz",
+                                  "power limit 100 %", kFanHandedBack, "voltage offset 0 uV",
+                                  "temperature limit 83 C first", "over-voltage 0 uV", "temperature limit 83 C"}));
+    QCOMPARE(world.rowValues(), QVector<int>({kStockGpuMHz, kDriversLevel, kStockMillivolt, kStockMemoryMHz,
+                                              kDefaultPowerPercent, kDefaultTargetC}));
     QCOMPARE(world.fanMode(), QString("AUT"));
     QVERIFY(!world.linkBox()->isChecked());
     QCOMPARE(world.visibleButtons(), QStringList{"btnDefault"});
@@ -315,15 +308,16 @@ void TestOverClockingApply::defaultEndsTheFanWorkerFirst()
     std::atomic<QThread *> worker{nullptr};
     bool ended = false;
     AdjustPageWorld world;
-    world.driver.onCall("NvAPI_GPU_GetThermalSettings", [&worker] { worker = QThread::currentThread(); });
-    world.driver.onCall("NvAPI_DriverEntry_B23B70EE", [&] { ended = worker.load() && worker.load()->isFinished(); });
+    world.driver.onCall(Operation::NvAPI_GPU_GetThermalSettings, [&worker] { worker = QThread::currentThread(); });
+    world.driver.onCall(Operation::NvAPI_DriverEntry_B23B70EE,
+                        [&] { ended = worker.load() && worker.load()->isFinished(); });
     AdjustModuleInfo saved = savedValues();
     saved.FanMode = FanUserDefined;
     world.open(saved);
     QTRY_VERIFY(worker.load());
     world.click("btnDefault");
     QVERIFY(ended); // at the head of the restoring, so its level can't come behind the hand-back
-    QCOMPARE(world.fanWrites().last(), kFanHandedBack);
+    QCOMPARE(world.fanOrders().last(), kFanHandedBack);
 }
 
 void TestOverClockingApply::applyKeepsTheLink()
@@ -364,11 +358,11 @@ void TestOverClockingApply::pauseBeforeReadingBack()
     qint64 pauseNs = -1;
     AdjustPageWorld world;
     world.timings.settleMs = settleMs;
-    world.driver.onCall("NvAPI_GPU_SetPstates20", [&] {
+    world.driver.onCall(Operation::NvAPI_GPU_SetPstates20, [&] {
         sinceOrder.start();
         pauseNs = -1;
     });
-    world.driver.onCall("NvAPI_GPU_GetCoolerSettings", [&] {
+    world.driver.onCall(Operation::NvAPI_GPU_GetCoolerSettings, [&] {
         if (sinceOrder.isValid() && pauseNs < 0)
             pauseNs = sinceOrder.nsecsElapsed();
     });
@@ -384,7 +378,7 @@ void TestOverClockingApply::pauseOfTheFanCurve()
     std::atomic<qint64> pauseNs{-1};
     AdjustPageWorld world;
     world.timings.fanIntervalMs = intervalMs;
-    world.driver.onCall("NvAPI_GPU_GetThermalSettings", [&] {
+    world.driver.onCall(Operation::NvAPI_GPU_GetThermalSettings, [&] {
         if (!sinceFirst.isValid())
             sinceFirst.start();
         else if (pauseNs < 0)
@@ -406,13 +400,13 @@ void TestOverClockingApply::defaultPauses()
 
 void TestOverClockingApply::hostileRanges_data()
 {
-    QTest::addColumn<Arrange>("arrange");
+    QTest::addColumn<RawArrange>("arrange");
 
-    const auto row = [](const char *name, const Arrange &arrange) {
+    const auto row = [](const char *name, const RawArrange &arrange) {
         QTest::newRow(name) << arrange;
     };
-    row("all ranges 0 to 0", [](AdjustPageWorld &world) {
-        FakeCard &card = world.card();
+    row("all ranges 0 to 0", [](RawAdjustWorld &world) {
+        RawCard &card = world.driver.card();
         card.p0Clock(0).freqDelta_kHz = {};
         card.p0Clock(1).freqDelta_kHz = {};
         card.p0Voltage(0) = {};
@@ -421,16 +415,16 @@ void TestOverClockingApply::hostileRanges_data()
         card.powerPolicies.entries[0] = {};
         card.thermalPolicies.entries[0] = {};
     });
-    row("minimum equals maximum", [](AdjustPageWorld &world) {
-        FakeCard &card = world.card();
+    row("minimum equals maximum", [](RawAdjustWorld &world) {
+        RawCard &card = world.driver.card();
         card.p0Clock(0).freqDelta_kHz.valueRange = {5000, 5000};
         card.p0Clock(1).freqDelta_kHz.valueRange = {5000, 5000};
         card.p0Voltage(0).voltDelta_uV.valueRange = {5000, 5000};
         card.powerPolicies.entries[0].minPower = card.powerPolicies.entries[0].maxPower = 100000;
         card.thermalPolicies.entries[0].minTemp = card.thermalPolicies.entries[0].maxTemp = 83 * 256;
     });
-    row("minimum above maximum", [](AdjustPageWorld &world) {
-        FakeCard &card = world.card();
+    row("minimum above maximum", [](RawAdjustWorld &world) {
+        RawCard &card = world.driver.card();
         card.p0Clock(0).freqDelta_kHz.valueRange = {1000000, -1000000};
         card.p0Voltage(0).voltDelta_uV.valueRange = {1000000, -1000000};
         card.coolers.cooler[0].defaultMin = 100;
@@ -440,8 +434,8 @@ void TestOverClockingApply::hostileRanges_data()
         card.thermalPolicies.entries[0].minTemp = 90 * 256;
         card.thermalPolicies.entries[0].maxTemp = 60 * 256;
     });
-    row("numbers of any size", [](AdjustPageWorld &world) {
-        FakeCard &card = world.card();
+    row("numbers of any size", [](RawAdjustWorld &world) {
+        RawCard &card = world.driver.card();
         card.clocks[1].domain[0].frequencyKHz = 0xFFFFFFFFU;
         card.clocks[1].domain[4].frequencyKHz = 0xFFFFFFFFU;
         card.p0Clock(0).freqDelta_kHz = {kHighest, {kLowest, kHighest}};
@@ -462,8 +456,8 @@ void TestOverClockingApply::hostileRanges_data()
 
 void TestOverClockingApply::hostileRanges()
 {
-    QFETCH(Arrange, arrange);
-    AdjustPageWorld world;
+    QFETCH(RawArrange, arrange);
+    RawAdjustWorld world;
     arrange(world);
     world.open();
     QImage image(world.page->size(), QImage::Format_ARGB32);
@@ -481,7 +475,7 @@ void TestOverClockingApply::hostileRanges()
     ModalAnswer answers({"msgBoxYesBtn"});
     world.page->onBtnApplyClick();
     QCOMPARE(answers.texts().size(), 1);
-    QCOMPARE(world.writes().filter("GPU_SetPstates20").isEmpty(), false);
+    QCOMPARE(world.orders().filter("offset").isEmpty(), false);
     world.page->render(&image);
     QCOMPARE(world.visibleButtons(), QStringList{"btnDefault"});
 }

@@ -111,12 +111,23 @@ void TestOverClockingPage::whatIsEditable_data()
         QTest::newRow(name) << arrange << disabled;
     };
     row("everything", {}, [](AdjustPageWorld &) {});
-    row("no graphics offset", {RowGpuClock}, [](AdjustPageWorld &w) { w.card().p0Clock(0).bIsEditable = 0; });
-    row("no memory offset", {RowMemoryClock}, [](AdjustPageWorld &w) { w.card().p0Clock(1).bIsEditable = 0; });
-    row("no voltage", {RowVoltage}, [](AdjustPageWorld &w) { w.card().p0Voltage(0).bIsEditable = 0; });
-    row("no power policy", {RowPower}, [](AdjustPageWorld &w) { w.card().powerPolicies.valid = 0; });
-    row("no thermal policy", {RowTemperature}, [](AdjustPageWorld &w) { w.card().thermalPolicies.flags = 0; });
-    row("fan by the driver", {RowFan}, [](AdjustPageWorld &w) { w.card().coolers.cooler[0].currentPolicy = 0x20; });
+    row("no graphics offset", {RowGpuClock}, [](AdjustPageWorld &w) {
+        w.editCard([](simulated::Card &card) { card.parameters.clocks.graphicsOffsetKHz.editable = false; });
+    });
+    row("no memory offset", {RowMemoryClock}, [](AdjustPageWorld &w) {
+        w.editCard([](simulated::Card &card) { card.parameters.clocks.memoryOffsetKHz.editable = false; });
+    });
+    row("no voltage", {RowVoltage}, [](AdjustPageWorld &w) {
+        w.editCard([](simulated::Card &card) { card.parameters.voltage.offset_uV.editable = false; });
+    });
+    row("no power policy", {RowPower},
+        [](AdjustPageWorld &w) { w.editCard([](simulated::Card &card) { card.parameters.power.present = false; }); });
+    row("no thermal policy", {RowTemperature}, [](AdjustPageWorld &w) {
+        w.editCard([](simulated::Card &card) { card.parameters.thermal.policyPresent = false; });
+    });
+    row("fan by the driver", {RowFan}, [](AdjustPageWorld &w) {
+        w.editCard([](simulated::Card &card) { card.settings.coolers[0].policy = kCoolerPolicyDefault; });
+    });
 }
 
 void TestOverClockingPage::whatIsEditable()
@@ -145,7 +156,8 @@ void TestOverClockingPage::fanThatCantBeControlled()
     AdjustModuleInfo saved;
     saved.FanMode = fanMode;
     AdjustPageWorld world;
-    world.card().coolers.cooler[0].defaultMin = world.card().coolers.cooler[0].defaultMax = 40;
+    world.editCard(
+        [](simulated::Card &card) { card.parameters.fan.minimumPercent = card.parameters.fan.maximumPercent = 40; });
     world.open(saved);
     QCOMPARE(world.fanMode(), QString("AUT"));
     QVERIFY(!world.row(RowFan)->isEnabled());
@@ -186,15 +198,16 @@ void TestOverClockingPage::link_data()
     row("unlinked temperature", false, 110, 88, [](AdjustPageWorld &w) { w.type(RowTemperature, 88); });
     row("power outside the policy's range", true, 55, 83, [](AdjustPageWorld &w) {
         w.type(RowPower, 100);
-        w.card().powerPolicies.entries[0].minPower = 60000; // the row still goes down to 50
+        w.editCard(
+            [](simulated::Card &card) { card.parameters.power.minimum = 60000; }); // the row still goes down to 50
         w.type(RowPower, 55);
     });
     row("thermal policy gone", true, 120, 86, [](AdjustPageWorld &w) {
-        w.driver.fails("NvAPI_GPU_ClientThermalPoliciesGetInfo", NVAPI_ERROR);
+        w.driver.fails(Operation::NvAPI_GPU_ClientThermalPoliciesGetInfo, NVAPI_ERROR);
         w.type(RowPower, 120);
     });
     row("power policy gone", true, 110, 88, [](AdjustPageWorld &w) {
-        w.driver.fails("NvAPI_GPU_ClientPowerPoliciesGetInfo", NVAPI_ERROR);
+        w.driver.fails(Operation::NvAPI_GPU_ClientPowerPoliciesGetInfo, NVAPI_ERROR);
         w.type(RowTemperature, 88);
     });
 }
@@ -212,7 +225,7 @@ void TestOverClockingPage::link()
     QTEST(world.row(RowPower)->value(), "power");
     QTEST(world.row(RowTemperature)->value(), "temperature");
     QCOMPARE(world.visibleButtons(), kAllButtons);
-    QCOMPARE(world.writes(), QStringList());
+    QCOMPARE(world.orders(), QStringList());
 }
 
 void TestOverClockingPage::linkToggle()
@@ -232,7 +245,7 @@ void TestOverClockingPage::linkToggle()
     QCOMPARE(world.visibleButtons(), QStringList{"btnDefault"});
     world.clickLink();
     QVERIFY(!world.linkBox()->isChecked());
-    QCOMPARE(world.rowValues(), QVector<int>({1607, 33, 1062, 4006, 110, 80}));
+    QCOMPARE(world.rowValues(), kStockRows);
     QCOMPARE(world.visibleButtons(), kAllButtons);
 }
 
@@ -244,7 +257,7 @@ void TestOverClockingPage::drag()
     QSignalSpy closed(world.page.get(), SIGNAL(closeDisplayAdjustInfo()));
     const QVector<QPair<int, int>> drags = {{RowGpuClock, 1700},    {RowFan, 30},    {RowVoltage, 1000},
                                             {RowMemoryClock, 4200}, {RowPower, 120}, {RowTemperature, 60}};
-    const QVector<int> baselines = {1607, 33, 1062, 4006, 110, 80};
+    const QVector<int> baselines = kStockRows;
     for (const auto &step : drags) {
         QSlider *slider = world.slider(static_cast<AdjustRowIndex>(step.first));
         changed.clear();
@@ -281,7 +294,7 @@ void TestOverClockingPage::cancel()
     world.click("btnFanUserDefined");
     world.driver.forgetCalls();
     world.click("btnCancel");
-    QCOMPARE(world.rowValues(), QVector<int>({1607, 33, 1062, 4006, 110, 80}));
+    QCOMPARE(world.rowValues(), kStockRows);
     QVERIFY(!world.linkBox()->isChecked());
     QCOMPARE(world.fanMode(), QString("MAN"));
     QVERIFY(world.row(RowFan)->isEnabled());
@@ -368,7 +381,7 @@ void TestOverClockingPage::hidingThePage()
     world.click("btnFanAuto");
     world.page->hide();
     world.page->show();
-    QCOMPARE(world.rowValues(), QVector<int>({1607, 33, 1062, 4006, 110, 80}));
+    QCOMPARE(world.rowValues(), kStockRows);
     QVERIFY(!world.linkBox()->isChecked());
     QCOMPARE(world.fanMode(), QString("MAN"));
     QCOMPARE(world.visibleButtons(), QStringList{"btnDefault"});
@@ -422,7 +435,7 @@ void TestOverClockingPage::returnKeyPressesNoButton()
     box->setFocus();
     QTest::keyClick(box, Qt::Key_Return);
     QCOMPARE(answers.texts(), QStringList());
-    QCOMPARE(world.writes(), QStringList());
+    QCOMPARE(world.orders(), QStringList());
     QCOMPARE(world.visibleButtons(), kAllButtons);
     world.page->setParent(nullptr);
 }
@@ -436,12 +449,9 @@ void TestOverClockingPage::unappliedChoicesAreNotSaved()
     for (int index = 0; index < AdjustRowCount; ++index)
         world.type(static_cast<AdjustRowIndex>(index), 1);
     const AdjustModuleInfo out = world.parameters();
-    QCOMPARE(out.GpuFreClock, 1607);
-    QCOMPARE(out.FanSpeedLevel, 33);
-    QCOMPARE(out.Voltage, 1062);
-    QCOMPARE(out.MemoryFreClock, 4006);
-    QCOMPARE(out.Power, 110);
-    QCOMPARE(out.Temperature, 80);
+    QCOMPARE(QVector<int>(
+                 {out.GpuFreClock, out.FanSpeedLevel, out.Voltage, out.MemoryFreClock, out.Power, out.Temperature}),
+             kStockRows);
     QCOMPARE(out.FanMode, 1);
     QCOMPARE(out.Nodes, QList<QPoint>());
     QVERIFY(!out.LinkOfPowerWithTemperature);

@@ -1,4 +1,3 @@
-#include "overclock/AdjustCalls.h"
 #include "overclock/AdjustPageWorld.h"
 
 #include <QtTest>
@@ -49,8 +48,8 @@ void TestOverClockingStart::readingTheCard()
                                       "GPU_ClientPowerTopologyGetInfo", "GPU_ClientPowerTopologyGetStatus",
                                       "GPU_ClientPowerPoliciesGetInfo", "GPU_ClientPowerPoliciesGetStatus",
                                       "GPU_GetPstates20", "GPU_GetAllClockFrequencies", "GPU_GetRamType"}));
-    QCOMPARE(world.writes(), QStringList());
-    QCOMPARE(world.rowValues(), QVector<int>({1607, 33, 1062, 4006, 110, 80}));
+    QCOMPARE(world.orders(), QStringList());
+    QCOMPARE(world.rowValues(), kStockRows);
 }
 
 void TestOverClockingStart::startWithoutSavedValues_data()
@@ -68,9 +67,9 @@ void TestOverClockingStart::startWithoutSavedValues()
 {
     QFETCH(quint32, policy);
     AdjustPageWorld world;
-    world.card().coolers.cooler[0].currentPolicy = policy;
+    world.editCard([policy](simulated::Card &card) { card.settings.coolers[0].policy = qint32(policy); });
     world.open();
-    QCOMPARE(world.writes(), QStringList());
+    QCOMPARE(world.orders(), QStringList());
     QTEST(world.parameters().FanMode, "fanMode");
     QTEST(world.fanMode(), "caption");
     QCOMPARE(world.row(RowFan)->isEnabled(), policy == 1);
@@ -80,30 +79,30 @@ void TestOverClockingStart::startWithoutSavedValues()
 void TestOverClockingStart::startWithSavedValues_data()
 {
     QTest::addColumn<Change>("change");
-    QTest::addColumn<QStringList>("writes");
+    QTest::addColumn<QStringList>("orders");
+    QTest::addColumn<QVector<int>>("rows");
 
-    const auto row = [](const char *name, const QStringList &writes, const Change &change) {
-        QTest::newRow(name) << change << writes;
+    const auto row = [](const char *name, const QStringList &orders, const QVector<int> &rows, const Change &change) {
+        QTest::newRow(name) << change << orders << rows;
     };
-    row("every number", fanThen(fanLevelCall(60), savedSettings()), [](AdjustModuleInfo &) {});
-    row("fan by the driver", fanThen("GPU_SetCoolerLevels gpu0 cooler=7 0x100A4 [4]=60 [8]=32", savedSettings()),
-        [](AdjustModuleInfo &saved) { saved.FanMode = FanAuto; });
-    row("never adjusted", fanThen(kFanAutoCall, unchangedSettings()), [](AdjustModuleInfo &saved) { saved = {}; });
-    row("graphics clock of -1 leaves the card's own",
-        fanThen(fanLevelCall(60), settingCalls(0, 100000, 85 * 256, 115000, 10000)),
-        [](AdjustModuleInfo &saved) { saved.GpuFreClock = -1; });
-    row("every negative number leaves the card's own", fanThen(kFanManualCall, unchangedSettings()),
+    row("every number", fanThen(fanOrder(60), savedSettings()), kSavedRows, [](AdjustModuleInfo &) {});
+    row("fan by the driver", fanThen("fan 60 % automatic", savedSettings()),
+        {1707, kDriversLevel, 1072, 4106, 115, 85}, [](AdjustModuleInfo &saved) { saved.FanMode = FanAuto; });
+    row("never adjusted", fanThen(kFanAutoOrder, unchangedSettings()), {1607, kDriversLevel, 1062, 4006, 110, 80},
+        [](AdjustModuleInfo &saved) { saved = {}; });
+    row("graphics clock of -1 leaves the card's own", fanThen(fanOrder(60), settingOrders(0, 100000, 85, 115, 10000)),
+        {1607, 60, 1072, 4106, 115, 85}, [](AdjustModuleInfo &saved) { saved.GpuFreClock = -1; });
+    row("every negative number leaves the card's own", fanThen(kFanManualOrder, unchangedSettings()), kStockRows,
         [](AdjustModuleInfo &saved) {
             saved.GpuFreClock = saved.FanSpeedLevel = saved.Voltage = -1;
             saved.MemoryFreClock = saved.Power = saved.Temperature = kLowest;
         });
-    row("zeros are values, below every range",
-        fanThen(fanLevelCall(27), settingCalls(-200000, -502000, 60 * 256, 50000, -100000)),
-        [](AdjustModuleInfo &saved) {
+    row("zeros are values, below every range", fanThen(fanOrder(kFanRangePercent.lowest), lowestSettings()),
+        kLowestRows, [](AdjustModuleInfo &saved) {
             saved.GpuFreClock = saved.FanSpeedLevel = saved.Voltage = 0;
             saved.MemoryFreClock = saved.Power = saved.Temperature = 0;
         });
-    row("far above every range", fanThen(fanLevelCall(100), settingCalls(1000000, 1000000, 90 * 256, 120000, 100000)),
+    row("far above every range", fanThen(fanOrder(kFanRangePercent.highest), highestSettings()), kHighestRows,
         [](AdjustModuleInfo &saved) {
             saved.GpuFreClock = saved.FanSpeedLevel = saved.Voltage = kHighest;
             saved.MemoryFreClock = saved.Power = saved.Temperature = kHighest;
@@ -117,9 +116,8 @@ void TestOverClockingStart::startWithSavedValues()
     change(saved);
     AdjustPageWorld world;
     world.open(saved);
-    QTEST(world.writes(), "writes");
-    // The card of this driver keeps its own values, and these are shown.
-    QCOMPARE(world.rowValues(), QVector<int>({1607, 33, 1062, 4006, 110, 80}));
+    QTEST(world.orders(), "orders");
+    QTEST(world.rowValues(), "rows");
     QCOMPARE(world.parameters().FanMode, saved.FanMode);
     QCOMPARE(world.visibleButtons(), QStringList{"btnDefault"});
 }
@@ -148,9 +146,9 @@ void TestOverClockingStart::savedCurve()
     saved.LinkOfPowerWithTemperature = true;
     AdjustPageWorld world;
     world.open(saved);
-    QTRY_VERIFY(world.fanWrites().contains(fanLevelCall(level)));
-    QCOMPARE(world.distinctFanWrites(), QStringList{fanLevelCall(level)});
-    QCOMPARE(world.writesBesideFan(), savedSettings());
+    QTRY_VERIFY(world.fanOrders().contains(fanOrder(level)));
+    QCOMPARE(world.distinctFanOrders(), QStringList{fanOrder(level)});
+    QCOMPARE(world.ordersBesideFan(), savedSettings());
     QCOMPARE(world.fanMode(), QString("UDF"));
     QVERIFY(world.linkBox()->isChecked());
 
@@ -178,7 +176,7 @@ void TestOverClockingStart::brokenSavedCurve()
     saved.Nodes = nodes;
     AdjustPageWorld world;
     world.open(saved);
-    QTRY_COMPARE(world.distinctFanWrites(), QStringList{fanLevelCall(kDefaultCurveLevel)});
+    QTRY_COMPARE(world.distinctFanOrders(), QStringList{fanOrder(kDefaultCurveLevel)});
     world.click("btnUserDefineConfig"); // shows its default curve
     QCOMPARE(world.parameters().Nodes, nodes);
 }
@@ -186,7 +184,7 @@ void TestOverClockingStart::brokenSavedCurve()
 void TestOverClockingStart::destruction_data()
 {
     QTest::addColumn<int>("fanMode");
-    QTest::addColumn<QStringList>("lastWrites");
+    QTest::addColumn<QStringList>("lastOrders");
 
     QTest::newRow("driver's fan stays") << 0 << QStringList();
     QTest::newRow("manual level stays") << 1 << QStringList();
@@ -205,14 +203,14 @@ void TestOverClockingStart::destruction()
     world.open(saved);
     const bool curve = fanMode != FanAuto && fanMode != FanManual;
     if (curve)
-        QTRY_VERIFY(world.fanWrites().contains(fanLevelCall(kSteepCurveLevel)));
+        QTRY_VERIFY(world.fanOrders().contains(fanOrder(kSteepCurveLevel)));
     world.driver.forgetCalls();
     world.page.reset();
-    QStringList writes = world.writes();
-    writes.removeAll(fanLevelCall(kSteepCurveLevel));
-    QTEST(writes, "lastWrites");
+    QStringList orders = world.orders();
+    orders.removeAll(fanOrder(kSteepCurveLevel));
+    QTEST(orders, "lastOrders");
     if (curve)
-        QCOMPARE(world.fanWrites().last(), kFanHandedBack); // the worker is over before
+        QCOMPARE(world.fanOrders().last(), kFanHandedBack); // the worker is over before
 }
 
 QTEST_MAIN(TestOverClockingStart)

@@ -1,7 +1,7 @@
 #include "overclock/Ovryn_SetUserDefineFanSpeedThread.h"
 
 #include "device/NvGpuControl.h"
-#include "support/FakeDriver.h"
+#include "support/CheckedDriver.h"
 
 #include <QElapsedTimer>
 #include <QTest>
@@ -42,10 +42,21 @@ private slots:
     void startedAndStoppedAThousandTimes();
 
 private:
-    void setTemperature(int degrees) { driver->card().thermal.sensor[0].currentTemp = degrees; }
-    [[nodiscard]] QStringList levels() const { return driver->calls("NvAPI_GPU_SetCoolerLevels"); }
+    void setTemperature(int degrees)
+    {
+        driver->edit(0, [degrees](simulated::Card &card) { card.state.temperatureC = degrees; });
+    }
+    void setLowestLevel(int percent)
+    {
+        driver->edit(0, [percent](simulated::Card &card) { card.parameters.fan.minimumPercent = percent; });
+    }
+    void setSensorTarget(int target)
+    {
+        driver->edit(0, [target](simulated::Card &card) { card.parameters.thermal.sensorTargets = {target}; });
+    }
+    [[nodiscard]] QStringList levels() const { return driver->orders(); }
 
-    std::unique_ptr<FakeDriver> driver;
+    std::unique_ptr<CheckedDriver> driver;
     std::unique_ptr<NvGpuControl> control;
 };
 
@@ -54,19 +65,17 @@ namespace
 
 constexpr unsigned int kTestIntervalMs = 1;
 
-/// The journal's line of a level ordered by hand; words that are 0 are left out of it.
 QString levelLine(int level)
 {
-    const QString levelWord = level == 0 ? QString() : QStringLiteral(" [4]=%1").arg(level);
-    return QStringLiteral("GPU_SetCoolerLevels gpu0 cooler=7 0x100A4%1 [8]=1").arg(levelWord);
+    return QStringLiteral("fan %1 % manual").arg(level);
 }
 
 } // namespace
 
 void TestSetUserDefineFanSpeedThread::init()
 {
-    driver = std::make_unique<FakeDriver>();
-    driver->card().coolers.cooler[0].defaultMin = 0; // so that every level of a curve goes out as it is
+    driver = std::make_unique<CheckedDriver>();
+    setLowestLevel(0); // so that every level of a curve goes out as it is
     control = std::make_unique<NvGpuControl>();
     driver->forgetCalls();
 }
@@ -131,7 +140,7 @@ void TestSetUserDefineFanSpeedThread::cycleOrdersAnUnchangedLevelAgain()
 
 void TestSetUserDefineFanSpeedThread::levelBelowTheCoolersLowest()
 {
-    driver->card().coolers.cooler[0].defaultMin = 30;
+    setLowestLevel(30);
     Ovryn_SetUserDefineFanSpeedThread worker(control.get());
     setTemperature(0);
     worker.followCurveOnce();
@@ -155,16 +164,16 @@ void TestSetUserDefineFanSpeedThread::unreadTemperature()
 {
     QFETCH(int, sensorTarget);
     QFETCH(int, failingCalls);
-    const QString handedBack = "GPU_SetCoolerLevels gpu0 cooler=7 0x100A4 [8]=32";
+    const QString handedBack = "fan 0 % automatic";
     Ovryn_SetUserDefineFanSpeedThread worker(control.get());
     setTemperature(70);
     worker.followCurveOnce();
-    driver->card().thermal.sensor[0].target = sensorTarget;
+    setSensorTarget(sensorTarget);
     if (failingCalls)
-        driver->fails("NvAPI_GPU_GetThermalSettings", NVAPI_ERROR, 1, failingCalls);
+        driver->fails(Operation::NvAPI_GPU_GetThermalSettings, NVAPI_ERROR, 1, failingCalls);
     worker.followCurveOnce();
     worker.followCurveOnce();
-    driver->card().thermal.sensor[0].target = kThermalTargetGpu;
+    setSensorTarget(kThermalTargetGpu);
     worker.followCurveOnce();
     // 76 percent at 70 degrees; the driver has the fan while nobody knows how hot the card is
     QCOMPARE(levels(), QStringList({levelLine(76), handedBack, handedBack, levelLine(76)}));
@@ -174,7 +183,7 @@ void TestSetUserDefineFanSpeedThread::refusedLevelIsIgnored()
 {
     Ovryn_SetUserDefineFanSpeedThread worker(control.get());
     setTemperature(40);
-    driver->fails("NvAPI_GPU_SetCoolerLevels", NVAPI_INVALID_ARGUMENT, 1, 2); // at both record versions
+    driver->fails(Operation::NvAPI_GPU_SetCoolerLevels, NVAPI_INVALID_ARGUMENT, 1, 2); // at both record versions
     worker.followCurveOnce();
     driver->forgetCalls();
     worker.followCurveOnce();
@@ -352,7 +361,7 @@ void TestSetUserDefineFanSpeedThread::destroyedWhileRunning()
     }
     QVERIFY(timer.elapsed() < 30000);
     // The level stays in force: whoever destroys the worker decides what follows.
-    QVERIFY(levels().last().startsWith("GPU_SetCoolerLevels gpu0 cooler=7 0x100A4"));
+    QVERIFY(levels().last().endsWith("manual"));
     const int ordered = levels().size();
     QTest::qWait(20); // a loop that survived would order again
     QCOMPARE(levels().size(), ordered);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DriverCalls.h"
+#include "simulated/Call.h"
 #include "support/CheckedDriver.h"
 
 /// The operations of a driver that has been started. The start is not in its list of calls.
@@ -8,7 +9,7 @@ inline DriverCalls started(CheckedDriver &driver)
 {
     const DriverCalls calls(driver.queryInterface());
     calls.NvAPI_Initialize();
-    driver.clearCalls();
+    driver.forgetCalls();
     return calls;
 }
 

@@ -124,7 +124,7 @@ void TestBoardDevices::sensorAccess()
     QCOMPARE(calls.NvAPI_I2CRead(driver.handle(0), &transfer.record), status);
     if (status != NVAPI_OK) {
         QVERIFY(std::all_of(transfer.data.begin(), transfer.data.end(), [](quint8 byte) { return byte == 0xEE; }));
-        QVERIFY(!driver.calls().back().note.empty());
+        QVERIFY(!driver.callRecords().back().note.empty());
     }
 }
 
@@ -185,8 +185,8 @@ void TestBoardDevices::ledFrames()
     QCOMPARE(int(card.led->shown.interval), interval);
     QCOMPARE(card.led->shown.closing, closing);
     QCOMPARE(card.led->shown.colours, bytesOf(colours));
-    QCOMPARE(driver.calls().back().note.empty(), taken);
-    QCOMPARE(QByteArray::fromStdString(driver.calls().back().arguments.at("data").get<std::string>()),
+    QCOMPARE(driver.callRecords().back().note.empty(), taken);
+    QCOMPARE(QByteArray::fromStdString(driver.callRecords().back().arguments.at("data").get<std::string>()),
              bytesOf(frame).empty() ? QByteArray() : frame.simplified());
 }
 
@@ -336,8 +336,8 @@ void TestBoardDevices::ports()
     transfer.record.bIsDDCPort = static_cast<quint8>(ddc);
     QCOMPARE(calls.NvAPI_I2CWrite(driver.handle(0), &transfer.record), reached ? NVAPI_OK : NVAPI_ERROR);
     QCOMPARE(driver.card(0).led->acceptedFrames, reached ? 1 : 0);
-    QCOMPARE(driver.calls().back().arguments.contains("port"), version == kI2cInfoVersion3);
-    QCOMPARE(driver.calls().back().arguments.contains("speedKhz"), version != kI2cInfoVersion1);
+    QCOMPARE(driver.callRecords().back().arguments.contains("port"), version == kI2cInfoVersion3);
+    QCOMPARE(driver.callRecords().back().arguments.contains("speedKhz"), version != kI2cInfoVersion1);
 }
 
 void TestBoardDevices::absentDevices_data()
@@ -362,7 +362,7 @@ void TestBoardDevices::absentDevices()
     Transfer transfer(static_cast<quint8>(address), address == 0x90 ? 1 : 0, bytesOf(data));
     const auto call = read ? calls.NvAPI_I2CRead : calls.NvAPI_I2CWrite;
     QCOMPARE(call(driver.handle(0), &transfer.record), NVAPI_ERROR);
-    QCOMPARE(driver.calls().back().note, std::string("no device answers"));
+    QCOMPARE(driver.callRecords().back().note, std::string("no device answers"));
 }
 
 void TestBoardDevices::extendedCallsReachTheSameDevices()
@@ -372,7 +372,7 @@ void TestBoardDevices::extendedCallsReachTheSameDevices()
     quint32 words[2] = {0, 0};
     Transfer write(0xA0, 0, bytesOf("08 00 32 02 FF 00 00 C4"));
     QCOMPARE(calls.NvAPI_I2CWriteEx(driver.handle(0), &write.record, words), NVAPI_OK);
-    QCOMPARE(driver.calls().back().arguments.at("words").dump(), std::string("[0,0]"));
+    QCOMPARE(driver.callRecords().back().arguments.at("words").dump(), std::string("[0,0]"));
     Transfer read(0xA1, 0, std::vector<quint8>(27));
     QCOMPARE(calls.NvAPI_I2CReadEx(driver.handle(0), &read.record, words), NVAPI_OK);
     QCOMPARE(int(read.data[5]), 0xFF);

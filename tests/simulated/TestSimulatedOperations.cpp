@@ -90,7 +90,7 @@ void TestOperations::unknownHandles()
     NvApiMemoryInfo record{};
     record.version = 0x70007; // the handle is looked at first
     QCOMPARE(calls.NvAPI_GPU_GetMemoryInfo(gpu, &record), status);
-    QVERIFY(!driver.calls().back().card);
+    QVERIFY(!driver.callRecords().back().card);
 }
 
 void TestOperations::lostCard()
@@ -101,7 +101,7 @@ void TestOperations::lostCard()
     QCOMPARE(calls.NvAPI_GPU_GetRamType(driver.handle(0), &type), NVAPI_OK);
     driver.edit(0, [](Card &card) { card.lost = true; });
     QCOMPARE(calls.NvAPI_GPU_GetRamType(driver.handle(0), &type), NVAPI_EXPECTED_PHYSICAL_GPU_HANDLE);
-    QCOMPARE(driver.calls().back().card.value(), 0u); // the journal still tells which it was
+    QCOMPARE(driver.callRecords().back().card.value(), 0u); // the journal still tells which it was
 }
 
 void TestOperations::nullPointers()
@@ -223,7 +223,7 @@ void TestOperations::errorTexts()
     QCOMPARE(text, "NVAPI_INCOMPATIBLE_STRUCT_VERSION");
     QCOMPARE(calls.NvAPI_GetErrorMessage(-12345, text), NVAPI_OK);
     QCOMPARE(text, "NVAPI_UNKNOWN_STATUS");
-    QCOMPARE(driver.calls().back().arguments.at("status").get<int>(), -12345);
+    QCOMPARE(driver.callRecords().back().arguments.at("status").get<int>(), -12345);
 }
 
 void TestOperations::memoryByVersion_data()
@@ -361,7 +361,7 @@ void TestOperations::thermalSensors()
 
 void TestOperations::withoutADriver()
 {
-    CheckedDriver::QueryInterface query = nullptr;
+    NvApiQueryInterface query = nullptr;
     {
         const CheckedDriver driver(oneBoardCard());
         query = driver.queryInterface();
@@ -394,7 +394,7 @@ void TestOperations::manyThreads()
         thread.join();
     QCOMPARE(failures.load(), 0);
     std::array<int, kThreads + 2> callsOfThread{};
-    for (const Call &call : driver.calls()) {
+    for (const Call &call : driver.callRecords()) {
         QVERIFY(call.thread >= 2 && call.thread <= kThreads + 1);
         ++callsOfThread[static_cast<std::size_t>(call.thread)];
     }

@@ -1,5 +1,6 @@
 #include "TestScenes.h"
 #include "Transfer.h"
+#include "simulated/StateFile.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -53,7 +54,7 @@ private slots:
     void stateIsRewrittenSparingly();
 
 private:
-    [[nodiscard]] DriverCore::Settings settings() const;
+    [[nodiscard]] DriverSettings settings() const;
 
     std::unique_ptr<QTemporaryDir> folder;
     QString journal;
@@ -68,11 +69,10 @@ void TestOutputFiles::init()
     state = folder->filePath("state.json");
 }
 
-DriverCore::Settings TestOutputFiles::settings() const
+DriverSettings TestOutputFiles::settings() const
 {
-    DriverCore::Settings settings;
+    DriverSettings settings;
     settings.clock = SimulatedClock::Manual;
-    settings.keepCalls = true;
     settings.journalPath = journal.toStdString();
     settings.statePath = state.toStdString();
     return settings;
@@ -117,11 +117,12 @@ void TestOutputFiles::journalLines_data()
         << QByteArray(R"({"t":250,"thread":1,"op":"NvAPI_GPU_ClientThermalPoliciesSetStatus",)"
                       R"("gpu":0,"version":"0x10028","args":{"count":1,"entries":)"
                       R"([{"policyId":1,"temperature":20480}]},"status":0})");
-    QTest::newRow("LED frame") << 8
-                               << QByteArray(R"({"t":250,"thread":1,"op":"NvAPI_I2CWrite","gpu":0,)"
-                                             R"("version":"0x3002C","args":{"address":"0xA0","regSize":0,"size":5,)"
-                                             R"("data":"05 0A 00 00 F0","displayMask":0,"ddc":0,"speed":"0xFFFF",)"
-                                             R"("speedKhz":6,"port":1,"portSet":1},"status":0})");
+    QTest::newRow("LED frame")
+        << 8
+        << QByteArray(R"({"t":250,"thread":1,"op":"NvAPI_I2CWrite","gpu":0,)"
+                      R"("version":"0x3002C","args":{"address":"0xA0","regSize":0,"reg":"00","size":5,)"
+                      R"("data":"05 0A 00 00 F0","displayMask":0,"ddc":0,"speed":"0xFFFF",)"
+                      R"("speedKhz":6,"port":1,"portSet":1},"status":0})");
     QTest::newRow("sensor read")
         << 9
         << QByteArray(R"({"t":250,"thread":1,"op":"NvAPI_I2CRead","gpu":0,)"
@@ -223,7 +224,7 @@ void TestOutputFiles::journalLines()
     if (line.contains("violation"))
         driver.expectsWrongCalls();
     QCOMPARE(linesOf(journal).mid(1), QByteArrayList{line}); // the first is the start
-    QCOMPARE(QByteArray::fromStdString(journalLine(driver.calls().back())), line);
+    QCOMPARE(QByteArray::fromStdString(journalLine(driver.callRecords().back())), line);
 }
 
 void TestOutputFiles::journalIsOnTheDiskAtOnce()
@@ -305,7 +306,7 @@ void TestOutputFiles::threadNumbers()
     calls.NvAPI_Initialize();
     std::thread([&] { calls.NvAPI_Initialize(); }).join();
     calls.NvAPI_Initialize();
-    const std::vector<Call> told = driver.calls();
+    const std::vector<Call> told = driver.callRecords();
     QCOMPARE(told[0].thread, 1);
     QCOMPARE(told[1].thread, 2);
     QCOMPARE(told[2].thread, 1);

@@ -211,8 +211,8 @@ void TestRecordVersions::everyVersion()
     const std::unique_ptr<char[]> exact(new char[size]);
     prepare(what, version, exact.get(), size, bus);
     QCOMPARE(callWith(calls, what, driver.handle(0), exact.get(), bus), NVAPI_OK);
-    QCOMPARE(driver.calls(what).size(), std::size_t(2));
-    QCOMPARE(driver.calls(what).back().version.value(), version);
+    QCOMPARE(driver.callRecords(what).size(), std::size_t(2));
+    QCOMPARE(driver.callRecords(what).back().version.value(), version);
 }
 
 void TestRecordVersions::otherVersionsAreRefused()

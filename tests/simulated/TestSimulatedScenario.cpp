@@ -125,9 +125,10 @@ void TestScenario::values()
     const DriverParameters &driver = result.scenario.driver;
     QCOMPARE(driver.version, 40000u);
     QCOMPARE(driver.timeScale, 2.5);
-    QVERIFY(driver.of(Operation::NvAPI_I2CRead).missing);
-    QVERIFY(driver.of(Operation::NvAPI_GPU_GetMemoryInfo).versions == std::vector<quint32>{0x10014});
-    QVERIFY(driver.of(Operation::NvAPI_GPU_GetPstates20).versions.empty());
+    QVERIFY(result.scenario.knowledge.of(Operation::NvAPI_I2CRead).missing);
+    QVERIFY(result.scenario.knowledge.of(Operation::NvAPI_GPU_GetMemoryInfo).versions ==
+            std::vector<quint32>{0x10014});
+    QVERIFY(result.scenario.knowledge.of(Operation::NvAPI_GPU_GetPstates20).versions.empty());
     QCOMPARE(driver.chipset.vendorId, 0x10u);
     QCOMPARE(driver.hostility.count, 99u);
     QVERIFY(driver.hostility.unterminatedTexts);
@@ -182,7 +183,7 @@ void TestScenario::recordChoices()
     const QByteArray text = R"({"cards": [], "driver": {"records": ")" + choice + R"("}})";
     const ScenarioResult result = readScenarioText(text.toStdString(), "s.json");
     QCOMPARE(QString::fromStdString(result.error), QString());
-    const std::vector<quint32> &known = result.scenario.driver.of(Operation::NvAPI_GPU_GetCoolerSettings).versions;
+    const std::vector<quint32> &known = result.scenario.knowledge.of(Operation::NvAPI_GPU_GetCoolerSettings).versions;
     QCOMPARE(int(known.size()), count);
     QCOMPARE(known.front(), first);
 }

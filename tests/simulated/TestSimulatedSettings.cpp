@@ -266,7 +266,7 @@ void TestSettings::pstateWrites()
                         : domain == kClockDomainMemory ? settings.memoryOffsetKHz
                                                        : settings.graphicsOffsetKHz;
     QCOMPARE(kept, status == NVAPI_OK ? delta : 0);
-    QCOMPARE(driver.calls().back().note.empty(), status == NVAPI_OK);
+    QCOMPARE(driver.callRecords().back().note.empty(), status == NVAPI_OK);
 }
 
 void TestSettings::refusedPstateWriteChangesNothing()
@@ -494,7 +494,7 @@ void TestSettings::restoreEntry()
     driver.expectsWrongCalls();
     const DriverCalls calls = started(driver);
     QCOMPARE(calls.NvAPI_DriverEntry_B23B70EE(driver.handle(0), 1), NVAPI_OK);
-    QCOMPARE(driver.calls().back().arguments.at("value").get<int>(), 1);
+    QCOMPARE(driver.callRecords().back().arguments.at("value").get<int>(), 1);
     QCOMPARE(calls.NvAPI_DriverEntry_B23B70EE(driver.handle(0), 2), NVAPI_INVALID_ARGUMENT);
     QCOMPARE(calls.NvAPI_DriverEntry_B23B70EE(nullptr, 1), NVAPI_INVALID_HANDLE);
 }

@@ -383,7 +383,7 @@ void TestSimulatedViolations::marks()
     QFETCH(QStringList, marks);
     CheckedDriver driver(knownCard());
     act(started(driver), driver.handle(0));
-    QCOMPARE(int(driver.calls().size()), 1);
+    QCOMPARE(int(driver.callRecords().size()), 1);
     QCOMPARE(driver.takeViolations(), marks);
 }
 
@@ -494,7 +494,7 @@ void TestSimulatedViolations::faultHidesNoMark()
     driver.fails(Operation::NvAPI_GPU_SetCoolerLevels, NVAPI_ERROR);
     cooling(120, 1)(started(driver), driver.handle(0));
     QCOMPARE(driver.takeViolations(), QStringList{"GPU_SetCoolerLevels: cooler level out of range: 120"});
-    QCOMPARE(driver.calls().back().status, NVAPI_ERROR);
+    QCOMPARE(driver.callRecords().back().status, NVAPI_ERROR);
 }
 
 void TestSimulatedViolations::hostileCountsLeadAstray()
@@ -516,7 +516,7 @@ void TestSimulatedViolations::clearedCallsKeepTheirMarks()
 {
     CheckedDriver driver(knownCard());
     cooling(50, 0)(started(driver), driver.handle(0));
-    driver.clearCalls();
+    driver.forgetCalls();
     QCOMPARE(driver.takeViolations(), QStringList{"GPU_SetCoolerLevels: cooler policy 0"});
 }
 

@@ -1,39 +1,40 @@
 #pragma once
 
-#include "simulated/SimulatedDriver.h"
+#include "simulated/Card.h"
+#include "support/StandInDriver.h"
 
-#include <QStringList>
-#include <QtTest>
+namespace simulated
+{
+class Operations;
+}
 
-/// The simulated driver for tests: a call that no card would be asked fails the test when the driver goes. A test
-/// that makes such a call on purpose takes the marks out, or says that it makes wrong calls.
-class CheckedDriver : public simulated::SimulatedDriver
+/// A driver whose cards behave: a write changes what is read next, load makes heat, the LED controller shows a frame.
+///
+/// A call that no card would be asked fails the test when the driver goes. A test that makes such a call on purpose
+/// takes the marks out, or says that it makes wrong calls.
+class CheckedDriver : public StandInDriver
 {
 public:
-    using SimulatedDriver::SimulatedDriver;
-    ~CheckedDriver()
-    {
-        const QStringList left = takeViolations();
-        if (!wrongCallsAreMeant && !left.isEmpty() && !QTest::currentTestFailed())
-            QTest::qFail(qPrintable("no card would be asked this: " + left.join(", ")), __FILE__, __LINE__);
-    }
-    CheckedDriver(const CheckedDriver &) = delete;
-    CheckedDriver &operator=(const CheckedDriver &) = delete;
+    CheckedDriver(); ///< the built-in scene
+    explicit CheckedDriver(const simulated::Scenario &scenario,
+                           simulated::SimulatedClock::Kind clock = simulated::SimulatedClock::Manual);
+    /// With a journal and a state file of its own.
+    CheckedDriver(const simulated::Scenario &scenario, const simulated::DriverSettings &settings);
+    ~CheckedDriver();
+
+    [[nodiscard]] simulated::Card card(std::size_t index = 0) const; ///< a copy as of now
+    void edit(std::size_t index, const std::function<void(simulated::Card &)> &change);
+    void setHostility(const simulated::Hostility &hostility);
 
     /// For a test of what the driver itself makes of wrong calls.
     void expectsWrongCalls() { wrongCallsAreMeant = true; }
-
     /// The marks so far as "operation: what is wrong", each text once in the order of the calls. They count no more.
-    QStringList takeViolations()
-    {
-        QStringList texts;
-        for (const std::string &violation : violations())
-            texts << QString::fromStdString(violation).remove(QLatin1String("NvAPI_"));
-        clearViolations();
-        texts.removeDuplicates();
-        return texts;
-    }
+    QStringList takeViolations();
 
 private:
+    CheckedDriver(const std::shared_ptr<simulated::Operations> &cardMachine, const simulated::Scenario &scenario,
+                  const simulated::DriverSettings &settings);
+
+    std::shared_ptr<simulated::Operations> machine;
     bool wrongCallsAreMeant = false;
 };

@@ -206,6 +206,7 @@ private slots:
     void destructionWhileItRuns();
     void stopDoesNotWakeThePause();
     void requestToEndWakesThePause();
+    void sleepOfAGivenFunction();
     void startAfterARequestToEnd();
     void endInTime();
     void patienceCountsFromTheRequest();
@@ -305,6 +306,32 @@ void TestWorkerThread::requestToEndWakesThePause()
     QVERIFY(left);
     QCOMPARE(cycles.load(), 1); // without another cycle
     QVERIFY(worker.isStopped());
+}
+
+void TestWorkerThread::sleepOfAGivenFunction()
+{
+    std::atomic<int> cycles{0};
+    std::atomic<bool> left{false};
+    QSemaphore mayWake;
+    SleepyWorker worker(cycles, left, kPauseWithoutEndMs);
+    std::atomic<unsigned int> asked{0};
+    std::atomic<bool> mutexIsFree{false};
+    worker.setSleep([&](unsigned int ms) {
+        mutexIsFree = !worker.isStopped(); // takes the mutex
+        asked = ms;
+        mayWake.acquire();
+    });
+    worker.startThread();
+    QTRY_COMPARE(asked.load(), kPauseWithoutEndMs);
+    QVERIFY(mutexIsFree);
+    QCOMPARE(cycles.load(), 1);
+    mayWake.release();
+    QTRY_COMPARE(cycles.load(), 2); // the sleep was over when the function came back
+    worker.stopThread();
+    mayWake.release();
+    QTRY_VERIFY(worker.isFinished());
+    QCOMPARE(cycles.load(), 3);
+    QVERIFY(left);
 }
 
 void TestWorkerThread::startAfterARequestToEnd()

@@ -17,9 +17,9 @@
 ///
 /// The defaults are a healthy card with one fan, one policy of each kind, the LED and LCD controllers
 /// and the four board sensors.
-struct FakeCard
+struct RawCard
 {
-    FakeCard();
+    RawCard();
 
     bool tcc = false; ///< listed by the TCC enumeration instead of the ordinary one
 

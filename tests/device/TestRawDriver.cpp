@@ -1,11 +1,11 @@
-#include "support/FakeDriver.h"
+#include "support/RawDriver.h"
 
 #include <QtTest>
 
 #include <cstring>
 
 /// What the stand-in itself promises: no byte beyond the version's size, older entry sizes, no hidden success.
-class TestFakeDriver : public QObject
+class TestRawDriver : public QObject
 {
     Q_OBJECT
 
@@ -16,6 +16,11 @@ private slots:
     void olderEntrySizes();
     void textWithoutAnEnd();
     void failuresByCallNumber();
+    void statusesInTurn();
+    void failureThatFillsTheRecord();
+    void ownDecisionComesFirst();
+    void hookSeesEachCall();
+    void loadsAndReleases();
     void unknownHandle();
     void callsWhileNotLoadedAreCounted();
 };
@@ -51,7 +56,7 @@ using Call = std::function<NvAPI_Status(NvPhysicalGpuHandle, Guarded &)>;
 
 Q_DECLARE_METATYPE(Call)
 
-void TestFakeDriver::writesWithinTheVersion_data()
+void TestRawDriver::writesWithinTheVersion_data()
 {
     QTest::addColumn<Call>("call");
     QTest::addColumn<quint32>("version");
@@ -82,11 +87,11 @@ void TestFakeDriver::writesWithinTheVersion_data()
     });
 }
 
-void TestFakeDriver::writesWithinTheVersion()
+void TestRawDriver::writesWithinTheVersion()
 {
     QFETCH(Call, call);
     QFETCH(quint32, version);
-    FakeDriver driver;
+    RawDriver driver;
     QCOMPARE(NvAPI_Initialize(), NVAPI_OK);
     Guarded record(version);
     QCOMPARE(call(driver.handle(0), record), NVAPI_OK);
@@ -98,10 +103,10 @@ void TestFakeDriver::writesWithinTheVersion()
     NvAPI_Unload();
 }
 
-void TestFakeDriver::unknownVersionWritesNothing()
+void TestRawDriver::unknownVersionWritesNothing()
 {
-    FakeDriver driver;
-    driver.knows("NvAPI_GPU_GetMemoryInfo", {0x10014});
+    RawDriver driver;
+    driver.knows(Operation::NvAPI_GPU_GetMemoryInfo, {0x10014});
     NvAPI_Initialize();
     for (const quint32 version : {0x30020u, 0x20018u, 0u, 0x3FFFFu}) {
         Guarded record(version);
@@ -112,9 +117,9 @@ void TestFakeDriver::unknownVersionWritesNothing()
     NvAPI_Unload();
 }
 
-void TestFakeDriver::olderEntrySizes()
+void TestRawDriver::olderEntrySizes()
 {
-    FakeDriver driver;
+    RawDriver driver;
     driver.card().coolers.cooler[1].defaultMin = 0x1111;
     driver.card().thermalPolicies.entries[1].policyId = 0x2222;
     driver.card().thermalStatus.entries[1].policyId = 0x3333;
@@ -141,9 +146,9 @@ void TestFakeDriver::olderEntrySizes()
     NvAPI_Unload();
 }
 
-void TestFakeDriver::textWithoutAnEnd()
+void TestRawDriver::textWithoutAnEnd()
 {
-    FakeDriver driver;
+    RawDriver driver;
     driver.card().fullName = std::string(200, 'x');
     NvAPI_Initialize();
     Guarded text(0);
@@ -153,11 +158,11 @@ void TestFakeDriver::textWithoutAnEnd()
     NvAPI_Unload();
 }
 
-void TestFakeDriver::failuresByCallNumber()
+void TestRawDriver::failuresByCallNumber()
 {
-    FakeDriver driver;
+    RawDriver driver;
     NvAPI_Initialize();
-    driver.fails("NvAPI_GPU_GetTachReading", -7, 2, 2);
+    driver.fails(Operation::NvAPI_GPU_GetTachReading, -7, 2, 2);
     QVector<NvAPI_Status> statuses;
     for (int i = 0; i < 5; ++i) {
         quint32 rpm = 0;
@@ -167,25 +172,123 @@ void TestFakeDriver::failuresByCallNumber()
     NvAPI_Unload();
 }
 
-void TestFakeDriver::unknownHandle()
+void TestRawDriver::statusesInTurn()
 {
-    FakeDriver driver;
+    RawDriver driver;
+    NvAPI_Initialize();
+    driver.fails(Operation::NvAPI_GPU_GetTachReading, -5);
+    driver.clearFaults();
+    driver.answersInTurn(Operation::NvAPI_GPU_GetTachReading, {-9, 0, -1});
+    QVector<NvAPI_Status> statuses;
+    for (int i = 0; i < 4; ++i) {
+        quint32 rpm = 0;
+        statuses << NvAPI_GPU_GetTachReading(driver.handle(0), &rpm);
+    }
+    QCOMPARE(statuses, (QVector<NvAPI_Status>{-9, 0, -1, 0}));
+    NvAPI_Unload();
+}
+
+void TestRawDriver::failureThatFillsTheRecord()
+{
+    RawDriver driver;
+    NvAPI_Initialize();
+    const auto fan = [&driver](quint32 version) {
+        NvApiCoolerSettings record{};
+        record.version = version;
+        const NvAPI_Status status = NvAPI_GPU_GetCoolerSettings(driver.handle(0), 7, &record);
+        return QPair<NvAPI_Status, qint32>(status, record.cooler[0].currentLevel);
+    };
+    using Answer = QPair<NvAPI_Status, qint32>;
+    driver.fails(Operation::NvAPI_GPU_GetCoolerSettings, -7);
+    QCOMPARE(fan(0x40558), Answer(-7, 0));
+    driver.fillsDespiteFailure(Operation::NvAPI_GPU_GetCoolerSettings);
+    QCOMPARE(fan(0x40558), Answer(-7, 33));
+    driver.clearFaults();
+    driver.knows(Operation::NvAPI_GPU_GetCoolerSettings, {0x30508});
+    QCOMPARE(fan(0x40558), Answer(-9, 33)); // the version does exist
+    QCOMPARE(fan(0x40000), Answer(-9, 0));
+    NvAPI_Unload();
+}
+
+void TestRawDriver::ownDecisionComesFirst()
+{
+    RawDriver driver;
+    NvAPI_Initialize();
+    driver.fails(Operation::NvAPI_GPU_GetTachReading, -7);
+    bool decides = true;
+    driver.decides = [&decides]() -> std::optional<NvAPI_Status> {
+        if (decides)
+            return -104;
+        return std::nullopt;
+    };
+    quint32 rpm = 5;
+    QCOMPARE(NvAPI_GPU_GetTachReading(nullptr, &rpm), -104);
+    decides = false;
+    QCOMPARE(NvAPI_GPU_GetTachReading(driver.handle(0), &rpm), -7);
+    QCOMPARE(rpm, 5u);
+    NvAPI_Unload();
+}
+
+void TestRawDriver::hookSeesEachCall()
+{
+    RawDriver driver;
+    NvAPI_Initialize();
+    int calls = 0;
+    driver.onCall(Operation::NvAPI_GPU_GetTachReading, [&] {
+        driver.card().tachRpm = 100 + quint32(++calls); // the answer comes after it
+        if (calls == 2)
+            driver.fails(Operation::NvAPI_GPU_GetTachReading, -1);
+    });
+    quint32 rpm = 0;
+    QCOMPARE(NvAPI_GPU_GetTachReading(driver.handle(0), &rpm), NVAPI_OK);
+    QCOMPARE(rpm, 101u);
+    QCOMPARE(NvAPI_GPU_GetTachReading(driver.handle(0), &rpm), -1);
+    quint32 type = 0;
+    QCOMPARE(NvAPI_GPU_GetRamType(driver.handle(0), &type), NVAPI_OK);
+    QCOMPARE(calls, 2);
+    NvAPI_Unload();
+}
+
+void TestRawDriver::loadsAndReleases()
+{
+    RawDriver driver;
+    bool releasing = false;
+    driver.onRelease = [&] {
+        releasing = driver.releases() == 0;
+    };
+    driver.libraryExists = false;
+    QCOMPARE(NvAPI_Initialize(), NVAPI_LIBRARY_NOT_FOUND);
+    QCOMPARE(driver.loads(), 0);
+    driver.libraryExists = true;
+    QCOMPARE(NvAPI_Initialize(), NVAPI_OK);
+    QCOMPARE(driver.loads(), 1);
+    NvAPI_Unload();
+    QCOMPARE(driver.releases(), 0);
+    NvAPI_Unload();
+    QCOMPARE(driver.releases(), 1);
+    QVERIFY(releasing);
+}
+
+void TestRawDriver::unknownHandle()
+{
+    RawDriver driver;
     NvAPI_Initialize();
     driver.forgetCalls();
     quint32 rpm = 5;
     QCOMPARE(NvAPI_GPU_GetTachReading(nullptr, &rpm), NVAPI_INVALID_HANDLE);
-    QCOMPARE(NvAPI_GPU_GetTachReading(driver.handle(1), &rpm), NVAPI_INVALID_HANDLE);
+    QCOMPARE(NvAPI_GPU_GetTachReading(driver.handle(1), &rpm), NVAPI_EXPECTED_PHYSICAL_GPU_HANDLE);
     QCOMPARE(rpm, 5u);
-    QCOMPARE(driver.calls(), (QStringList{"GPU_GetTachReading null -> -10", "GPU_GetTachReading unknown -> -10"}));
+    QCOMPARE(driver.rawCalls(),
+             (QStringList{"GPU_GetTachReading null -> -10", "GPU_GetTachReading unknown -> -101"}));
     NvAPI_Unload();
 }
 
-void TestFakeDriver::callsWhileNotLoadedAreCounted()
+void TestRawDriver::callsWhileNotLoadedAreCounted()
 {
-    FakeDriver driver;
+    RawDriver driver;
     constexpr quint32 tachReading = 0x5F608315;
     using TachReading = NvAPI_Status(OVRYN_NVAPI_CALL *)(NvPhysicalGpuHandle, quint32 *);
-    const auto entry = reinterpret_cast<TachReading>(driver.entryPoint(tachReading));
+    const auto entry = reinterpret_cast<TachReading>(driver.queryInterface()(tachReading));
     quint32 rpm = 0;
     entry(driver.handle(0), &rpm);
     QCOMPARE(driver.strayCalls(), 1);
@@ -197,5 +300,5 @@ void TestFakeDriver::callsWhileNotLoadedAreCounted()
     QCOMPARE(driver.strayCalls(), 2);
 }
 
-QTEST_APPLESS_MAIN(TestFakeDriver)
-#include "TestFakeDriver.moc"
+QTEST_APPLESS_MAIN(TestRawDriver)
+#include "TestRawDriver.moc"

@@ -1,4 +1,4 @@
-#include "support/FakeCard.h"
+#include "support/RawCard.h"
 
 namespace
 {
@@ -34,7 +34,7 @@ NV_GPU_PERF_PSTATES20_INFO::Clock rangeClock(quint32 domainId, quint32 minKHz, q
 
 } // namespace
 
-FakeCard::FakeCard()
+RawCard::RawCard()
 {
     memory.dedicatedVideoMemory = 8388608;
     memory.availableDedicatedVideoMemory = 8126464;
