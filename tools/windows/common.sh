@@ -9,7 +9,7 @@ toolkit=$cache/toolkit # the prefix of Qt, QuaZIP and nlohmann JSON for Windows
 
 cross_packages=(
     g++-mingw-w64-i686-posix binutils-mingw-w64-i686 libz-mingw-w64-dev
-    cmake ninja-build make pkg-config ccache nlohmann-json3-dev dpkg-dev ca-certificates
+    autoconf automake libtool cmake ninja-build make pkg-config ccache nlohmann-json3-dev dpkg-dev ca-certificates
 )
 
 # debian_mirror: the address of the mirror that this machine gets its Debian packages from.

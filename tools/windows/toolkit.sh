@@ -76,7 +76,8 @@ build_quazip() {
 
 # Static: it is used by the updater alone.
 build_sodium() {
-    [ -e "$work/sodium-source/configure" ] || fetch_source libsodium "$work/sodium-source"
+    [ -e "$work/sodium-source/configure.ac" ] || fetch_source libsodium "$work/sodium-source"
+    [ -e "$work/sodium-source/configure" ] || (cd "$work/sodium-source" && autoreconf --install)
     rm -rf "$work/sodium"
     mkdir -p "$work/sodium"
     cd "$work/sodium"
