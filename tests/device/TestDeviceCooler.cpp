@@ -1,15 +1,8 @@
-#include "device/NvGpuControl.h"
-
-#include "support/DeviceFields.h"
-#include "support/RawDriver.h"
+#include "device/DeviceTest.h"
 
 #include <QtTest>
 
-#include <functional>
 #include <limits>
-
-using Arrange = std::function<void(RawDriver &)>;
-Q_DECLARE_METATYPE(Arrange)
 
 namespace
 {

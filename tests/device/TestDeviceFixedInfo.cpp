@@ -1,15 +1,8 @@
-#include "device/NvGpuControl.h"
-
-#include "support/DeviceFields.h"
-#include "support/RawDriver.h"
+#include "device/DeviceTest.h"
 
 #include <QtTest>
 
 #include <cstring>
-#include <functional>
-
-using Arrange = std::function<void(RawDriver &)>;
-Q_DECLARE_METATYPE(Arrange)
 
 /// The texts of the card's fixed information.
 class TestDeviceFixedInfo : public QObject

@@ -15,7 +15,7 @@ namespace
 /// One operation of the driver, the versions that the device tries, and the device operation that makes it do so.
 struct Ladder
 {
-    const char *operation;
+    Operation operation;
     Versions versions; ///< in the order tried
     bool anyFailureGoesDown;
     Action succeeds; ///< true when the device operation got through
@@ -24,28 +24,28 @@ struct Ladder
 const std::vector<Ladder> &ladders()
 {
     static const std::vector<Ladder> table = {
-        {"NvAPI_GPU_GetMemoryInfo",
+        {Operation::NvAPI_GPU_GetMemoryInfo,
          {0x30020, 0x20018, 0x10014},
          true,
          [](NvGpuControl &gpu) {
              NvMemoryInfo out;
              return gpu.getMemoryInfo(out) && out.totalKB == 8388608;
          }},
-        {"NvAPI_GPU_GetAllClockFrequencies",
+        {Operation::NvAPI_GPU_GetAllClockFrequencies,
          {0x30108, 0x20108, 0x10108},
          true,
          [](NvGpuControl &gpu) {
              NvClockSet out;
              return gpu.getClockFrequencies(out, 1) && out.gpuClock == 1607;
          }},
-        {"NvAPI_GPU_GetDynamicPstatesInfoEx",
+        {Operation::NvAPI_GPU_GetDynamicPstatesInfoEx,
          {0x10048},
          true,
          [](NvGpuControl &gpu) {
              NvUsageInfo out;
              return gpu.getGpuUsage(out) && out.gpu == 41;
          }},
-        {"NvAPI_GPU_GetThermalSettings",
+        {Operation::NvAPI_GPU_GetThermalSettings,
          {0x20044, 0x10044},
          true,
          [](NvGpuControl &gpu) {
@@ -53,7 +53,7 @@ const std::vector<Ladder> &ladders()
              return gpu.getThermalSensor(out) && out.currentTemp == 52;
          }},
         // reading the fan for the telemetry goes down on "unknown version" alone
-        {"NvAPI_GPU_GetCoolerSettings",
+        {Operation::NvAPI_GPU_GetCoolerSettings,
          {0x40558, 0x30508, 0x203C8, 0x103C8, 0x10098},
          false,
          [](NvGpuControl &gpu) {
@@ -61,53 +61,53 @@ const std::vector<Ladder> &ladders()
              return gpu.getCoolerInfo(out) && out.defaultMinLevel == 27;
          }},
         // reading it for the card's own default goes down on any failure
-        {"NvAPI_GPU_GetCoolerSettings",
+        {Operation::NvAPI_GPU_GetCoolerSettings,
          {0x40558, 0x30508, 0x203C8, 0x103C8, 0x10098},
          true,
          [](NvGpuControl &gpu) {
              return gpu.setCoolerLevel(-1, 1);
          }},
-        {"NvAPI_GPU_SetCoolerLevels",
+        {Operation::NvAPI_GPU_SetCoolerLevels,
          {0x100A4, 0x1001C},
          true,
          [](NvGpuControl &gpu) {
              return gpu.setCoolerLevel(50, 1);
          }},
-        {"NvAPI_GPU_SetCoolerLevels",
+        {Operation::NvAPI_GPU_SetCoolerLevels,
          {0x100A4, 0x1001C},
          true,
          [](NvGpuControl &gpu) {
              return gpu.setCoolerAuto();
          }},
         // no smaller form when the card's own default is restored
-        {"NvAPI_GPU_SetCoolerLevels",
+        {Operation::NvAPI_GPU_SetCoolerLevels,
          {0x100A4},
          true,
          [](NvGpuControl &gpu) {
              return gpu.setCoolerLevel(-1, 1);
          }},
-        {"NvAPI_GPU_GetPstates20",
+        {Operation::NvAPI_GPU_GetPstates20,
          {0x31CF8, 0x21CF8, 0x11C94},
          true,
          [](NvGpuControl &gpu) {
              NvVoltageInfo out;
              return gpu.getVoltageInfo(out) && out.currentVoltage == 1062;
          }},
-        {"NvAPI_GPU_GetPstates20",
+        {Operation::NvAPI_GPU_GetPstates20,
          {0x31CF8, 0x21CF8, 0x11C94},
          true,
          [](NvGpuControl &gpu) {
              NvClockSet out;
              return gpu.getBaseClocks(out, true);
          }},
-        {"NvAPI_GPU_GetPstates20",
+        {Operation::NvAPI_GPU_GetPstates20,
          {0x31CF8, 0x21CF8, 0x11C94},
          true,
          [](NvGpuControl &gpu) {
              NvClockSet out;
              return gpu.getBaseClocks(out, false);
          }},
-        {"NvAPI_GPU_GetPstates20",
+        {Operation::NvAPI_GPU_GetPstates20,
          {0x31CF8, 0x21CF8, 0x11C94},
          true,
          [](NvGpuControl &gpu) {
@@ -115,7 +115,7 @@ const std::vector<Ladder> &ladders()
              gpu.getGpuClockRange(out);
              return out.maxOffset == 1000;
          }},
-        {"NvAPI_GPU_GetPstates20",
+        {Operation::NvAPI_GPU_GetPstates20,
          {0x31CF8, 0x21CF8, 0x11C94},
          true,
          [](NvGpuControl &gpu) {
@@ -123,106 +123,106 @@ const std::vector<Ladder> &ladders()
              gpu.getMemoryClockRange(out);
              return out.maxOffset == 1000;
          }},
-        {"NvAPI_GPU_SetPstates20",
+        {Operation::NvAPI_GPU_SetPstates20,
          {0x31CF8, 0x21CF8, 0x11C94},
          true,
          [](NvGpuControl &gpu) {
              return gpu.setGpuClockOffset(100);
          }},
         // the memory write starts at the oldest version, so that a driver that takes it never sees the newest
-        {"NvAPI_GPU_SetPstates20",
+        {Operation::NvAPI_GPU_SetPstates20,
          {0x11C94, 0x21CF8, 0x11C94},
          true,
          [](NvGpuControl &gpu) {
              return gpu.setMemoryClockOffset(100);
          }},
-        {"NvAPI_GPU_SetPstates20",
+        {Operation::NvAPI_GPU_SetPstates20,
          {0x31CF8, 0x21CF8, 0x11C94},
          true,
          [](NvGpuControl &gpu) {
              return gpu.setVoltageOffset(100);
          }},
-        {"NvAPI_GPU_SetPstates20",
+        {Operation::NvAPI_GPU_SetPstates20,
          {0x31CF8, 0x21CF8, 0x11C94},
          true,
          [](NvGpuControl &gpu) {
              return gpu.setOverVoltage(100);
          }},
-        {"NvAPI_GPU_ClientPowerTopologyGetInfo",
+        {Operation::NvAPI_GPU_ClientPowerTopologyGetInfo,
          {0x10018},
          true,
          [](NvGpuControl &gpu) {
              NvPowerInfo out;
              return gpu.getPowerInfo(out);
          }},
-        {"NvAPI_GPU_ClientPowerTopologyGetStatus",
+        {Operation::NvAPI_GPU_ClientPowerTopologyGetStatus,
          {0x10048},
          true,
          [](NvGpuControl &gpu) {
              NvPowerInfo out;
              return gpu.getPowerInfo(out);
          }},
-        {"NvAPI_GPU_ClientPowerPoliciesGetInfo",
+        {Operation::NvAPI_GPU_ClientPowerPoliciesGetInfo,
          {0x100B8},
          true,
          [](NvGpuControl &gpu) {
              NvPowerInfo out;
              return gpu.getPowerInfo(out);
          }},
-        {"NvAPI_GPU_ClientPowerPoliciesGetInfo",
+        {Operation::NvAPI_GPU_ClientPowerPoliciesGetInfo,
          {0x100B8},
          true,
          [](NvGpuControl &gpu) {
              return gpu.setPowerLimit(2, 100);
          }},
-        {"NvAPI_GPU_ClientPowerPoliciesGetInfo",
+        {Operation::NvAPI_GPU_ClientPowerPoliciesGetInfo,
          {0x100B8},
          true,
          [](NvGpuControl &gpu) {
              NvLimitPair out;
              return gpu.powerToTemperature(2, 3, 100, out);
          }},
-        {"NvAPI_GPU_ClientPowerPoliciesGetStatus",
+        {Operation::NvAPI_GPU_ClientPowerPoliciesGetStatus,
          {0x10048},
          true,
          [](NvGpuControl &gpu) {
              NvPowerInfo out;
              return gpu.getPowerInfo(out);
          }},
-        {"NvAPI_GPU_ClientPowerPoliciesSetStatus",
+        {Operation::NvAPI_GPU_ClientPowerPoliciesSetStatus,
          {0x10048},
          true,
          [](NvGpuControl &gpu) {
              return gpu.setPowerLimit(2, 100);
          }},
-        {"NvAPI_GPU_ClientThermalPoliciesGetInfo",
+        {Operation::NvAPI_GPU_ClientThermalPoliciesGetInfo,
          {0x20068, 0x10058},
          true,
          [](NvGpuControl &gpu) {
              NvThermalPolicyInfo out;
              return gpu.getThermalPolicyInfo(out) && out.defaultTemp == 83;
          }},
-        {"NvAPI_GPU_ClientThermalPoliciesGetInfo",
+        {Operation::NvAPI_GPU_ClientThermalPoliciesGetInfo,
          {0x20068, 0x10058},
          true,
          [](NvGpuControl &gpu) {
              return gpu.setThermalLimit(3, 80, true);
          }},
-        {"NvAPI_GPU_ClientThermalPoliciesGetInfo",
+        {Operation::NvAPI_GPU_ClientThermalPoliciesGetInfo,
          {0x20068, 0x10058},
          true,
          [](NvGpuControl &gpu) {
              NvLimitPair out;
              return gpu.temperatureToPower(2, 3, 80, 100, out);
          }},
-        {"NvAPI_GPU_ClientThermalPoliciesGetStatus",
+        {Operation::NvAPI_GPU_ClientThermalPoliciesGetStatus,
          {0x20038, 0x10028},
          true,
          [](NvGpuControl &gpu) {
              NvThermalPolicyInfo out;
              return gpu.getThermalPolicyInfo(out) && out.currentTemp == 80;
          }},
-        {"NvAPI_GPU_ClientThermalPoliciesSetStatus",
+        {Operation::NvAPI_GPU_ClientThermalPoliciesSetStatus,
          {0x20038, 0x10028},
          true,
          [](NvGpuControl &gpu) {
@@ -286,7 +286,8 @@ void TestDeviceLadders::driverKnowsOneVersion_data()
             // where a ladder comes back to a version, its first place is the one that counts
             if (std::find(ladder.versions.begin(), ladder.versions.begin() + int(rung), ladder.versions[rung]) ==
                 ladder.versions.begin() + int(rung))
-                QTest::addRow("%zu %s knows %s", i, ladder.operation, qPrintable(hexWord(ladder.versions[rung])))
+                QTest::addRow("%zu %s knows %s", i, operationName(ladder.operation),
+                              qPrintable(hexWord(ladder.versions[rung])))
                     << int(i) << int(rung);
         }
     }
@@ -326,7 +327,7 @@ void TestDeviceLadders::driverFails_data()
             continue;
         for (const NvAPI_Status status : {-1, -5, -9, -10, -101, -104}) {
             for (std::size_t failures = 1; failures <= ladder.versions.size(); ++failures)
-                QTest::addRow("%zu %s gives %d %zu times", i, ladder.operation, status, failures)
+                QTest::addRow("%zu %s gives %d %zu times", i, operationName(ladder.operation), status, failures)
                     << int(i) << status << int(failures);
         }
     }

@@ -1,13 +1,6 @@
-#include "device/NvGpuControl.h"
-
-#include "support/RawDriver.h"
+#include "device/DeviceTest.h"
 
 #include <QtTest>
-
-#include <functional>
-
-using Arrange = std::function<void(RawDriver &)>;
-Q_DECLARE_METATYPE(Arrange)
 
 namespace
 {

@@ -40,27 +40,27 @@ public slots:
 class HurryingRenderer : public CreateBreathCircleAndWaveCircleThread
 {
 public:
-    HurryingRenderer() : CreateBreathCircleAndWaveCircleThread(nullptr) {}
+    HurryingRenderer() : CreateBreathCircleAndWaveCircleThread(nullptr)
+    {
+        setSleep([this](unsigned int ms) {
+            {
+                QMutexLocker held(&pausesLock);
+                pauses << ms;
+            }
+            QThread::yieldCurrentThread(); // so that others get the renderer's mutex
+        });
+    }
     ~HurryingRenderer() override { endThread(); }
 
     [[nodiscard]] QList<unsigned int> pausesMs()
     {
-        QMutexLocker held(&mutex);
+        QMutexLocker held(&pausesLock);
         return pauses;
     }
 
-protected:
-    bool pause(QMutexLocker &held, unsigned int ms) override
-    {
-        pauses << ms;
-        held.unlock();
-        QThread::yieldCurrentThread();
-        held.relock();
-        return true;
-    }
-
 private:
-    QList<unsigned int> pauses; ///< guarded by mutex
+    QMutex pausesLock;
+    QList<unsigned int> pauses; ///< guarded by pausesLock
 };
 
 bool isEmptyPicture(const QImage &image)

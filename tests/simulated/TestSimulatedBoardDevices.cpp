@@ -35,7 +35,7 @@ std::vector<quint8> lcdFrame()
 
 } // namespace
 
-class TestBoardDevices : public QObject
+class TestSimulatedBoardDevices : public QObject
 {
     Q_OBJECT
 
@@ -60,7 +60,7 @@ private slots:
     void extendedCallsReachTheSameDevices();
 };
 
-void TestBoardDevices::sensors_data()
+void TestSimulatedBoardDevices::sensors_data()
 {
     QTest::addColumn<double>("degrees");
     QTest::addColumn<QByteArray>("bytes");
@@ -73,7 +73,7 @@ void TestBoardDevices::sensors_data()
     QTest::newRow("hottest") << 127.9375 << QByteArray("7ff0");
 }
 
-void TestBoardDevices::sensors()
+void TestSimulatedBoardDevices::sensors()
 {
     QFETCH(double, degrees);
     QFETCH(QByteArray, bytes);
@@ -91,7 +91,7 @@ void TestBoardDevices::sensors()
     }
 }
 
-void TestBoardDevices::sensorAccess_data()
+void TestSimulatedBoardDevices::sensorAccess_data()
 {
     QTest::addColumn<int>("address");
     QTest::addColumn<quint32>("regSize");
@@ -108,7 +108,7 @@ void TestBoardDevices::sensorAccess_data()
     QTest::newRow("no such device") << 0x98 << 1u << 0 << 2 << int(NVAPI_ERROR);
 }
 
-void TestBoardDevices::sensorAccess()
+void TestSimulatedBoardDevices::sensorAccess()
 {
     QFETCH(int, address);
     QFETCH(quint32, regSize);
@@ -128,7 +128,7 @@ void TestBoardDevices::sensorAccess()
     }
 }
 
-void TestBoardDevices::ledFrames_data()
+void TestSimulatedBoardDevices::ledFrames_data()
 {
     QTest::addColumn<QByteArray>("frame");
     QTest::addColumn<bool>("taken");
@@ -163,7 +163,7 @@ void TestBoardDevices::ledFrames_data()
     bad("unknown effect", "05 03 32 02 C3");
 }
 
-void TestBoardDevices::ledFrames()
+void TestSimulatedBoardDevices::ledFrames()
 {
     QFETCH(QByteArray, frame);
     QFETCH(bool, taken);
@@ -190,7 +190,7 @@ void TestBoardDevices::ledFrames()
              bytesOf(frame).empty() ? QByteArray() : frame.simplified());
 }
 
-void TestBoardDevices::ledStatus()
+void TestSimulatedBoardDevices::ledStatus()
 {
     CheckedDriver driver(oneBoardCard());
     const DriverCalls calls = started(driver);
@@ -202,7 +202,7 @@ void TestBoardDevices::ledStatus()
     QCOMPARE(head, bytesOf("03 02 01 32 05 112233 445566 00"));
 }
 
-void TestBoardDevices::ledStatusReadRules_data()
+void TestSimulatedBoardDevices::ledStatusReadRules_data()
 {
     QTest::addColumn<quint32>("regSize");
     QTest::addColumn<int>("address");
@@ -215,7 +215,7 @@ void TestBoardDevices::ledStatusReadRules_data()
     QTest::newRow("too long") << 0u << 0xA1 << 28 << int(NVAPI_ERROR);
 }
 
-void TestBoardDevices::ledStatusReadRules()
+void TestSimulatedBoardDevices::ledStatusReadRules()
 {
     QFETCH(quint32, regSize);
     QFETCH(int, address);
@@ -228,7 +228,7 @@ void TestBoardDevices::ledStatusReadRules()
     QCOMPARE(calls.NvAPI_I2CRead(driver.handle(0), &read.record), status);
 }
 
-void TestBoardDevices::probeChangesNothingShown()
+void TestSimulatedBoardDevices::probeChangesNothingShown()
 {
     CheckedDriver driver(oneBoardCard());
     const DriverCalls calls = started(driver);
@@ -242,7 +242,7 @@ void TestBoardDevices::probeChangesNothingShown()
     QCOMPARE(card.led->shown.colours, bytesOf("ff0000"));
 }
 
-void TestBoardDevices::lcdFrames_data()
+void TestSimulatedBoardDevices::lcdFrames_data()
 {
     QTest::addColumn<std::vector<quint8>>("frame");
     QTest::addColumn<int>("address");
@@ -269,7 +269,7 @@ void TestBoardDevices::lcdFrames_data()
     QTest::newRow("at the read address") << good << 0xAD << 0u << false;
 }
 
-void TestBoardDevices::lcdFrames()
+void TestSimulatedBoardDevices::lcdFrames()
 {
     QFETCH(std::vector<quint8>, frame);
     QFETCH(int, address);
@@ -285,7 +285,7 @@ void TestBoardDevices::lcdFrames()
     QCOMPARE(card.lcd->lastFrame, taken ? frame : std::vector<quint8>());
 }
 
-void TestBoardDevices::lcdFields()
+void TestSimulatedBoardDevices::lcdFields()
 {
     LcdController lcd;
     QVERIFY(lcd.write(lcdFrame()).empty());
@@ -305,7 +305,7 @@ void TestBoardDevices::lcdFields()
     QCOMPARE(int(lcd.shown.fanRpm), 0x1E1D);
 }
 
-void TestBoardDevices::ports_data()
+void TestSimulatedBoardDevices::ports_data()
 {
     QTest::addColumn<quint32>("version");
     QTest::addColumn<int>("portId");
@@ -320,7 +320,7 @@ void TestBoardDevices::ports_data()
     QTest::newRow("first version has no port") << kI2cInfoVersion1 << 2 << 1u << 0 << true;
 }
 
-void TestBoardDevices::ports()
+void TestSimulatedBoardDevices::ports()
 {
     QFETCH(quint32, version);
     QFETCH(int, portId);
@@ -340,7 +340,7 @@ void TestBoardDevices::ports()
     QCOMPARE(driver.callRecords().back().arguments.contains("speedKhz"), version != kI2cInfoVersion1);
 }
 
-void TestBoardDevices::absentDevices_data()
+void TestSimulatedBoardDevices::absentDevices_data()
 {
     QTest::addColumn<int>("address");
     QTest::addColumn<bool>("read");
@@ -351,7 +351,7 @@ void TestBoardDevices::absentDevices_data()
     QTest::newRow("sensor") << 0x90 << true << QByteArray("0000");
 }
 
-void TestBoardDevices::absentDevices()
+void TestSimulatedBoardDevices::absentDevices()
 {
     QFETCH(int, address);
     QFETCH(bool, read);
@@ -365,7 +365,7 @@ void TestBoardDevices::absentDevices()
     QCOMPARE(driver.callRecords().back().note, std::string("no device answers"));
 }
 
-void TestBoardDevices::extendedCallsReachTheSameDevices()
+void TestSimulatedBoardDevices::extendedCallsReachTheSameDevices()
 {
     CheckedDriver driver(oneBoardCard());
     const DriverCalls calls = started(driver);
@@ -378,5 +378,5 @@ void TestBoardDevices::extendedCallsReachTheSameDevices()
     QCOMPARE(int(read.data[5]), 0xFF);
 }
 
-QTEST_APPLESS_MAIN(TestBoardDevices)
+QTEST_APPLESS_MAIN(TestSimulatedBoardDevices)
 #include "TestSimulatedBoardDevices.moc"

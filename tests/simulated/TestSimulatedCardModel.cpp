@@ -26,7 +26,7 @@ void setManualFan(Card &card, qint32 percent)
 
 } // namespace
 
-class TestCardModel : public QObject
+class TestSimulatedCardModel : public QObject
 {
     Q_OBJECT
 
@@ -53,7 +53,7 @@ private slots:
     void boardSensorsLieBetweenRoomAndGpu();
 };
 
-void TestCardModel::load_data()
+void TestSimulatedCardModel::load_data()
 {
     QTest::addColumn<LoadProfile>("profile");
     QTest::addColumn<double>("atMs");
@@ -75,7 +75,7 @@ void TestCardModel::load_data()
     QTest::newRow("before the start") << LoadProfile{steps} << -5.0 << 10.0;
 }
 
-void TestCardModel::load()
+void TestSimulatedCardModel::load()
 {
     QFETCH(LoadProfile, profile);
     QFETCH(double, atMs);
@@ -83,7 +83,7 @@ void TestCardModel::load()
     QVERIFY(std::abs(loadPercentAt(profile, atMs) - percent) < 1e-9);
 }
 
-void TestCardModel::sameSeedSameNoise()
+void TestSimulatedCardModel::sameSeedSameNoise()
 {
     const LoadProfile one = {{LoadPart::Noise, 50, 20, 700, 7, {}}};
     const LoadProfile other = {{LoadPart::Noise, 50, 20, 700, 8, {}}};
@@ -105,7 +105,7 @@ void TestCardModel::sameSeedSameNoise()
     QCOMPARE(qRound(loadPercentAt(one, 70000) * 1000), 32624);
 }
 
-void TestCardModel::clocksFollowLoad_data()
+void TestSimulatedCardModel::clocksFollowLoad_data()
 {
     QTest::addColumn<double>("percent");
     QTest::addColumn<int>("graphicsMHz");
@@ -117,7 +117,7 @@ void TestCardModel::clocksFollowLoad_data()
     QTest::newRow("full load") << 100.0 << 1683 << 4004;
 }
 
-void TestCardModel::clocksFollowLoad()
+void TestSimulatedCardModel::clocksFollowLoad()
 {
     QFETCH(double, percent);
     QFETCH(int, graphicsMHz);
@@ -127,7 +127,7 @@ void TestCardModel::clocksFollowLoad()
     QCOMPARE(int(card.state.memoryKHz / 1000), memoryMHz);
 }
 
-void TestCardModel::offsetMovesClocksWithinASecond()
+void TestSimulatedCardModel::offsetMovesClocksWithinASecond()
 {
     Card card = cardAt(90);
     card.parameters.thermal.pinnedC = 50;
@@ -141,7 +141,7 @@ void TestCardModel::offsetMovesClocksWithinASecond()
     QCOMPARE(card.state.memoryKHz, memoryKHz + 250000);
 }
 
-void TestCardModel::loadRaisesTemperature()
+void TestSimulatedCardModel::loadRaisesTemperature()
 {
     Card card = cardAt(100);
     const double startC = card.state.temperatureC;
@@ -153,7 +153,7 @@ void TestCardModel::loadRaisesTemperature()
     QVERIFY(card.state.temperatureC < 84); // its own fan curve holds it near the limit at most
 }
 
-void TestCardModel::fullFanCoolsWithinSeconds()
+void TestSimulatedCardModel::fullFanCoolsWithinSeconds()
 {
     Card card = cardAt(100);
     card.advanceTo(kSettledMs);
@@ -166,7 +166,7 @@ void TestCardModel::fullFanCoolsWithinSeconds()
     QVERIFY(card.state.temperatureC > hotC + 4);
 }
 
-void TestCardModel::fanFollowsPolicy_data()
+void TestSimulatedCardModel::fanFollowsPolicy_data()
 {
     QTest::addColumn<qint32>("policy");
     QTest::addColumn<double>("percent");
@@ -178,7 +178,7 @@ void TestCardModel::fanFollowsPolicy_data()
     QTest::newRow("manual") << qint32(kCoolerPolicyManual) << 77.0;
 }
 
-void TestCardModel::fanFollowsPolicy()
+void TestSimulatedCardModel::fanFollowsPolicy()
 {
     QFETCH(qint32, policy);
     QFETCH(double, percent);
@@ -189,7 +189,7 @@ void TestCardModel::fanFollowsPolicy()
     QVERIFY(std::abs(card.state.fanPercent - percent) < 0.01);
 }
 
-void TestCardModel::tachometerFollowsTheFan()
+void TestSimulatedCardModel::tachometerFollowsTheFan()
 {
     Card card = cardAt(0);
     setManualFan(card, 100);
@@ -204,7 +204,7 @@ void TestCardModel::tachometerFollowsTheFan()
     QCOMPARE(card.fanRpm(), 0u);
 }
 
-void TestCardModel::lowPowerLimitThrottles()
+void TestSimulatedCardModel::lowPowerLimitThrottles()
 {
     Card card = cardAt(100);
     card.advanceTo(1000);
@@ -217,7 +217,7 @@ void TestCardModel::lowPowerLimitThrottles()
     QVERIFY(card.state.powerW <= card.parameters.power.nominalW / 2 + 0.5);
 }
 
-void TestCardModel::higherVoltageDrawsMore()
+void TestSimulatedCardModel::higherVoltageDrawsMore()
 {
     Card card = cardAt(100);
     card.settings.powerLimit = 200000;
@@ -229,7 +229,7 @@ void TestCardModel::higherVoltageDrawsMore()
     QCOMPARE(qRound(card.state.voltage_uV), 1100000);
 }
 
-void TestCardModel::lowTemperatureLimitThrottlesAndHolds()
+void TestSimulatedCardModel::lowTemperatureLimitThrottlesAndHolds()
 {
     Card card = cardAt(100);
     card.advanceTo(kSettledMs);
@@ -243,7 +243,7 @@ void TestCardModel::lowTemperatureLimitThrottlesAndHolds()
     QVERIFY2(std::abs(card.state.temperatureC - 62) < 3, qPrintable(QString::number(card.state.temperatureC)));
 }
 
-void TestCardModel::restoredLimitsRestoreClocks()
+void TestSimulatedCardModel::restoredLimitsRestoreClocks()
 {
     Card card = cardAt(100);
     card.parameters.thermal.pinnedC = 55;
@@ -259,7 +259,7 @@ void TestCardModel::restoredLimitsRestoreClocks()
     QCOMPARE(card.state.graphicsKHz, freeKHz);
 }
 
-void TestCardModel::memoryFillsUnderLoad()
+void TestSimulatedCardModel::memoryFillsUnderLoad()
 {
     Card card = cardAt(100);
     card.parameters.load = {{LoadPart::Constant, 0, 0, 1, 1, {}}};
@@ -271,7 +271,7 @@ void TestCardModel::memoryFillsUnderLoad()
     QVERIFY(card.state.memoryUsedKB < card.parameters.memory.loadUsedKB);
 }
 
-void TestCardModel::pinnedTemperatureStands()
+void TestSimulatedCardModel::pinnedTemperatureStands()
 {
     CardParameters parameters = oneCardAtLoad(100).cards.front();
     parameters.thermal.pinnedC = 64;
@@ -281,7 +281,7 @@ void TestCardModel::pinnedTemperatureStands()
     QCOMPARE(card.state.temperatureC, 64.0);
 }
 
-void TestCardModel::oneLongStepEndsWhereShortOnesDo()
+void TestSimulatedCardModel::oneLongStepEndsWhereShortOnesDo()
 {
     Card atOnce = cardAt(100);
     Card bitByBit = cardAt(100);
@@ -291,7 +291,7 @@ void TestCardModel::oneLongStepEndsWhereShortOnesDo()
     QVERIFY(std::abs(atOnce.state.temperatureC - bitByBit.state.temperatureC) < 1);
 }
 
-void TestCardModel::earlierMomentChangesNothing()
+void TestSimulatedCardModel::earlierMomentChangesNothing()
 {
     Card card = cardAt(100);
     card.advanceTo(5000);
@@ -301,7 +301,7 @@ void TestCardModel::earlierMomentChangesNothing()
     QCOMPARE(card.state.temperatureC, temperatureC);
 }
 
-void TestCardModel::boardSensorsLieBetweenRoomAndGpu()
+void TestSimulatedCardModel::boardSensorsLieBetweenRoomAndGpu()
 {
     CardParameters parameters = oneBoardCard().cards.front();
     parameters.thermal.pinnedC = 78;
@@ -311,5 +311,5 @@ void TestCardModel::boardSensorsLieBetweenRoomAndGpu()
     QCOMPARE(card.boardTemperature16({0x9E, 0.5, -0.5}), qint32(-8));
 }
 
-QTEST_APPLESS_MAIN(TestCardModel)
+QTEST_APPLESS_MAIN(TestSimulatedCardModel)
 #include "TestSimulatedCardModel.moc"

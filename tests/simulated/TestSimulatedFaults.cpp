@@ -7,7 +7,7 @@
 
 using namespace simulated;
 
-class TestFaults : public QObject
+class TestSimulatedFaults : public QObject
 {
     Q_OBJECT
 
@@ -20,7 +20,7 @@ private slots:
     void unterminatedTexts();
 };
 
-void TestFaults::faults_data()
+void TestSimulatedFaults::faults_data()
 {
     QTest::addColumn<quint64>("from");
     QTest::addColumn<quint64>("count");
@@ -34,7 +34,7 @@ void TestFaults::faults_data()
     QTest::newRow("any operation counts") << quint64(3) << quint64(2) << quint64(0) << true << ".x........";
 }
 
-void TestFaults::faults()
+void TestSimulatedFaults::faults()
 {
     QFETCH(quint64, from);
     QFETCH(quint64, count);
@@ -70,7 +70,7 @@ void TestFaults::faults()
     QCOMPARE(calls.NvAPI_GPU_GetRamType(driver.handle(0), &type), NVAPI_OK);
 }
 
-void TestFaults::faultOfOneCard()
+void TestSimulatedFaults::faultOfOneCard()
 {
     Scenario scenario = oneCardAtLoad(50);
     scenario.cards.push_back(scenario.cards.front());
@@ -86,7 +86,7 @@ void TestFaults::faultOfOneCard()
     QCOMPARE(calls.NvAPI_GPU_GetRamType(driver.handle(1), &type), NVAPI_ERROR);
 }
 
-void TestFaults::delay()
+void TestSimulatedFaults::delay()
 {
     CheckedDriver driver(oneCardAtLoad(50));
     Fault fault;
@@ -102,7 +102,7 @@ void TestFaults::delay()
     QCOMPARE(type, 8u);
 }
 
-void TestFaults::hostileCounts()
+void TestSimulatedFaults::hostileCounts()
 {
     CheckedDriver driver(twoCoolerScene());
     driver.setHostility({0xFFFFFFFF, false});
@@ -138,7 +138,7 @@ void TestFaults::hostileCounts()
     QCOMPARE(policies.count, quint8(0xFF));
 }
 
-void TestFaults::unterminatedTexts()
+void TestSimulatedFaults::unterminatedTexts()
 {
     CheckedDriver driver(oneCardAtLoad(50));
     driver.setHostility({0, true});
@@ -155,5 +155,5 @@ void TestFaults::unterminatedTexts()
     QVERIFY(!std::memchr(chipset.szVendorName, 0, kNvApiShortTextSize));
 }
 
-QTEST_APPLESS_MAIN(TestFaults)
+QTEST_APPLESS_MAIN(TestSimulatedFaults)
 #include "TestSimulatedFaults.moc"

@@ -65,7 +65,7 @@ struct Outcome
 
 } // namespace
 
-class TestLibrary : public QObject
+class TestSimulatedLibrary : public QObject
 {
     Q_OBJECT
 
@@ -84,13 +84,13 @@ private:
     std::unique_ptr<QTemporaryDir> folder;
 };
 
-void TestLibrary::init()
+void TestSimulatedLibrary::init()
 {
     folder = std::make_unique<QTemporaryDir>();
     QVERIFY(folder->isValid());
 }
 
-Outcome TestLibrary::run(const QMap<QString, QString> &variables)
+Outcome TestSimulatedLibrary::run(const QMap<QString, QString> &variables)
 {
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -107,7 +107,7 @@ Outcome TestLibrary::run(const QMap<QString, QString> &variables)
     return outcome;
 }
 
-void TestLibrary::builtInScene()
+void TestSimulatedLibrary::builtInScene()
 {
     const Outcome outcome = run({});
     QCOMPARE(outcome.output, QByteArray("initialize 0\n"
@@ -119,7 +119,7 @@ void TestLibrary::builtInScene()
     QCOMPARE(outcome.errors, QByteArray());
 }
 
-void TestLibrary::scenarioOfTheEnvironment()
+void TestSimulatedLibrary::scenarioOfTheEnvironment()
 {
     const Outcome outcome = run({{"NVAPI_SIM_SCENARIO", OVRYN_SCENES "/old-driver.json"}});
     QCOMPARE(outcome.output, QByteArray("initialize 0\n"
@@ -131,7 +131,7 @@ void TestLibrary::scenarioOfTheEnvironment()
     QCOMPARE(outcome.errors, QByteArray());
 }
 
-void TestLibrary::badScenarioTellsAndHasNoCard()
+void TestSimulatedLibrary::badScenarioTellsAndHasNoCard()
 {
     const QString path = folder->filePath("scene.json");
     QFile file(path);
@@ -144,14 +144,14 @@ void TestLibrary::badScenarioTellsAndHasNoCard()
                                  ": cards[1].fan.maxRpm: expected a whole number from 0 to 20000, found \"fast\"\n");
 }
 
-void TestLibrary::missingScenarioTellsAndHasNoCard()
+void TestSimulatedLibrary::missingScenarioTellsAndHasNoCard()
 {
     const Outcome outcome = run({{"NVAPI_SIM_SCENARIO", folder->filePath("none.json")}});
     QVERIFY(outcome.output.contains("cards -6 0\n"));
     QCOMPARE(outcome.errors, "simulated driver: " + folder->filePath("none.json").toUtf8() + ": cannot be read\n");
 }
 
-void TestLibrary::journalAndState()
+void TestSimulatedLibrary::journalAndState()
 {
     const QString journal = folder->filePath("journal");
     const QString state = folder->filePath("state.json");
@@ -172,7 +172,7 @@ void TestLibrary::journalAndState()
     QCOMPARE(nlohmann::json::parse(stateFile.readAll().toStdString())["cards"].size(), std::size_t(2));
 }
 
-void TestLibrary::unwritableJournalTells()
+void TestSimulatedLibrary::unwritableJournalTells()
 {
     const QString journal = folder->filePath("no/such/folder/journal");
     const Outcome outcome = run({{"NVAPI_SIM_JOURNAL", journal}});
@@ -186,7 +186,7 @@ int main(int argc, char **argv)
     const QStringList arguments = application.arguments();
     if (arguments.size() == 3 && arguments[1] == kProbe)
         return probe(arguments[2]);
-    TestLibrary test;
+    TestSimulatedLibrary test;
     return QTest::qExec(&test, argc, argv);
 }
 

@@ -12,7 +12,7 @@ Q_DECLARE_METATYPE(std::vector<qint32>)
 
 using namespace simulated;
 
-class TestOperations : public QObject
+class TestSimulatedOperations : public QObject
 {
     Q_OBJECT
 
@@ -41,7 +41,7 @@ private slots:
     void manyThreads();
 };
 
-void TestOperations::everyEntryPointIsThere()
+void TestSimulatedOperations::everyEntryPointIsThere()
 {
     CheckedDriver driver(oneBoardCard());
 #define OVRYN_CHECK(identifier, name, parameters, arguments) QVERIFY2(driver.queryInterface()(identifier), #name);
@@ -49,7 +49,7 @@ void TestOperations::everyEntryPointIsThere()
 #undef OVRYN_CHECK
 }
 
-void TestOperations::missingEntryPoint()
+void TestSimulatedOperations::missingEntryPoint()
 {
     CheckedDriver driver(oneBoardCard());
     driver.lacks(Operation::NvAPI_EnumTCCPhysicalGPUs);
@@ -58,14 +58,14 @@ void TestOperations::missingEntryPoint()
     QVERIFY(calls.NvAPI_EnumPhysicalGPUs);
 }
 
-void TestOperations::unknownIdentifier()
+void TestSimulatedOperations::unknownIdentifier()
 {
     CheckedDriver driver(oneBoardCard());
     QVERIFY(!driver.queryInterface()(0));
     QVERIFY(!driver.queryInterface()(0xDEADBEEF));
 }
 
-void TestOperations::unknownHandles_data()
+void TestSimulatedOperations::unknownHandles_data()
 {
     QTest::addColumn<quint64>("handle");
     QTest::addColumn<int>("status");
@@ -74,7 +74,7 @@ void TestOperations::unknownHandles_data()
     QTest::newRow("anything") << quint64(0x1234) << int(NVAPI_EXPECTED_PHYSICAL_GPU_HANDLE);
 }
 
-void TestOperations::unknownHandles()
+void TestSimulatedOperations::unknownHandles()
 {
     QFETCH(quint64, handle);
     QFETCH(int, status);
@@ -93,7 +93,7 @@ void TestOperations::unknownHandles()
     QVERIFY(!driver.callRecords().back().card);
 }
 
-void TestOperations::lostCard()
+void TestSimulatedOperations::lostCard()
 {
     CheckedDriver driver(oneBoardCard());
     const DriverCalls calls = started(driver);
@@ -104,7 +104,7 @@ void TestOperations::lostCard()
     QCOMPARE(driver.callRecords().back().card.value(), 0u); // the journal still tells which it was
 }
 
-void TestOperations::nullPointers()
+void TestSimulatedOperations::nullPointers()
 {
     CheckedDriver driver(oneBoardCard());
     driver.expectsWrongCalls();
@@ -122,7 +122,7 @@ void TestOperations::nullPointers()
     QCOMPARE(calls.NvAPI_I2CRead(gpu, &transfer), NVAPI_INVALID_ARGUMENT); // no data
 }
 
-void TestOperations::enumeration()
+void TestSimulatedOperations::enumeration()
 {
     Scenario scenario = oneCardAtLoad(0);
     scenario.cards.push_back(scenario.cards.front());
@@ -141,7 +141,7 @@ void TestOperations::enumeration()
     QCOMPARE(gpus[0], driver.handle(1));
 }
 
-void TestOperations::enumerationWithoutCards()
+void TestSimulatedOperations::enumerationWithoutCards()
 {
     CheckedDriver driver{Scenario()};
     const DriverCalls calls = started(driver);
@@ -154,7 +154,7 @@ void TestOperations::enumerationWithoutCards()
     QCOMPARE(calls.NvAPI_EnumNvidiaDisplayHandle(0, &display), NVAPI_NVIDIA_DEVICE_NOT_FOUND);
 }
 
-void TestOperations::displays()
+void TestSimulatedOperations::displays()
 {
     Scenario scenario = oneCardAtLoad(0);
     scenario.cards.front().displays = 3;
@@ -174,7 +174,7 @@ void TestOperations::displays()
     QCOMPARE(calls.NvAPI_GetAssociatedDisplayOutputId(nullptr, &output), NVAPI_INVALID_HANDLE);
 }
 
-void TestOperations::fixedInformation()
+void TestSimulatedOperations::fixedInformation()
 {
     CheckedDriver driver;
     const DriverCalls calls = started(driver);
@@ -214,7 +214,7 @@ void TestOperations::fixedInformation()
     QCOMPARE(chipset.vendorId, 0x8086u);
 }
 
-void TestOperations::errorTexts()
+void TestSimulatedOperations::errorTexts()
 {
     CheckedDriver driver(oneBoardCard());
     const DriverCalls calls = started(driver);
@@ -226,7 +226,7 @@ void TestOperations::errorTexts()
     QCOMPARE(driver.callRecords().back().arguments.at("status").get<int>(), -12345);
 }
 
-void TestOperations::memoryByVersion_data()
+void TestSimulatedOperations::memoryByVersion_data()
 {
     QTest::addColumn<quint32>("version");
     QTest::addColumn<quint32>("available");
@@ -235,7 +235,7 @@ void TestOperations::memoryByVersion_data()
     QTest::newRow("oldest tells what is free now") << kMemoryInfoVersion1 << 8388608u - 524288u;
 }
 
-void TestOperations::memoryByVersion()
+void TestSimulatedOperations::memoryByVersion()
 {
     QFETCH(quint32, version);
     QFETCH(quint32, available);
@@ -249,7 +249,7 @@ void TestOperations::memoryByVersion()
     QCOMPARE(record.curAvailableDedicatedVideoMemory, version == kMemoryInfoVersion1 ? 0u : 8388608u - 524288u);
 }
 
-void TestOperations::tccCardHasNoAvailability()
+void TestSimulatedOperations::tccCardHasNoAvailability()
 {
     Scenario scenario = oneCardAtLoad(50);
     scenario.cards.front().tcc = true;
@@ -263,7 +263,7 @@ void TestOperations::tccCardHasNoAvailability()
     QCOMPARE(record.curAvailableDedicatedVideoMemory, 0u);
 }
 
-void TestOperations::clockTypes_data()
+void TestSimulatedOperations::clockTypes_data()
 {
     QTest::addColumn<bool>("memoryIsRange");
     QTest::addColumn<quint32>("clockType");
@@ -278,7 +278,7 @@ void TestOperations::clockTypes_data()
     QTest::newRow("no such type") << true << 3u << int(NVAPI_INVALID_ARGUMENT) << 0u << 0u;
 }
 
-void TestOperations::clockTypes()
+void TestSimulatedOperations::clockTypes()
 {
     QFETCH(bool, memoryIsRange);
     QFETCH(quint32, clockType);
@@ -305,7 +305,7 @@ void TestOperations::clockTypes()
     QCOMPARE(record.clockType, clockType);
 }
 
-void TestOperations::utilization()
+void TestSimulatedOperations::utilization()
 {
     Scenario scenario = oneCardAtLoad(60);
     scenario.cards.front().utilizationDomains = {0, 2};
@@ -322,7 +322,7 @@ void TestOperations::utilization()
     QCOMPARE(record.utilization[3].present, 0u);
 }
 
-void TestOperations::thermalSensors_data()
+void TestSimulatedOperations::thermalSensors_data()
 {
     QTest::addColumn<std::vector<qint32>>("targets");
     QTest::addColumn<quint32>("index");
@@ -338,7 +338,7 @@ void TestOperations::thermalSensors_data()
     QTest::newRow("index beyond") << Targets{1} << 1u << int(NVAPI_INVALID_ARGUMENT) << 3u << 0;
 }
 
-void TestOperations::thermalSensors()
+void TestSimulatedOperations::thermalSensors()
 {
     QFETCH(std::vector<qint32>, targets);
     QFETCH(quint32, index);
@@ -359,7 +359,7 @@ void TestOperations::thermalSensors()
     QCOMPARE(record.sensor[0].currentTemp, firstTemp);
 }
 
-void TestOperations::withoutADriver()
+void TestSimulatedOperations::withoutADriver()
 {
     NvApiQueryInterface query = nullptr;
     {
@@ -370,7 +370,7 @@ void TestOperations::withoutADriver()
     QCOMPARE(calls.NvAPI_Initialize(), NVAPI_LIBRARY_NOT_FOUND);
 }
 
-void TestOperations::manyThreads()
+void TestSimulatedOperations::manyThreads()
 {
     CheckedDriver driver(oneBoardCard(), SimulatedClock::Wall);
     const DriverCalls calls = started(driver); // by the first thread that calls
@@ -402,5 +402,5 @@ void TestOperations::manyThreads()
         QCOMPARE(callsOfThread[static_cast<std::size_t>(i)], kRounds * 2);
 }
 
-QTEST_APPLESS_MAIN(TestOperations)
+QTEST_APPLESS_MAIN(TestSimulatedOperations)
 #include "TestSimulatedOperations.moc"

@@ -35,7 +35,7 @@ nlohmann::json stateOf(const QString &path)
 
 } // namespace
 
-class TestOutputFiles : public QObject
+class TestSimulatedOutputFiles : public QObject
 {
     Q_OBJECT
 
@@ -61,7 +61,7 @@ private:
     QString state;
 };
 
-void TestOutputFiles::init()
+void TestSimulatedOutputFiles::init()
 {
     folder = std::make_unique<QTemporaryDir>();
     QVERIFY(folder->isValid());
@@ -69,7 +69,7 @@ void TestOutputFiles::init()
     state = folder->filePath("state.json");
 }
 
-DriverSettings TestOutputFiles::settings() const
+DriverSettings TestSimulatedOutputFiles::settings() const
 {
     DriverSettings settings;
     settings.clock = SimulatedClock::Manual;
@@ -78,7 +78,7 @@ DriverSettings TestOutputFiles::settings() const
     return settings;
 }
 
-void TestOutputFiles::journalLines_data()
+void TestSimulatedOutputFiles::journalLines_data()
 {
     QTest::addColumn<int>("which");
     QTest::addColumn<QByteArray>("line");
@@ -140,7 +140,7 @@ void TestOutputFiles::journalLines_data()
                                                   R"("status":-101})");
 }
 
-void TestOutputFiles::journalLines()
+void TestSimulatedOutputFiles::journalLines()
 {
     QFETCH(int, which);
     QFETCH(QByteArray, line);
@@ -227,7 +227,7 @@ void TestOutputFiles::journalLines()
     QCOMPARE(QByteArray::fromStdString(journalLine(driver.callRecords().back())), line);
 }
 
-void TestOutputFiles::journalIsOnTheDiskAtOnce()
+void TestSimulatedOutputFiles::journalIsOnTheDiskAtOnce()
 {
     CheckedDriver driver(oneBoardCard(), settings());
     const DriverCalls calls = started(driver);
@@ -237,7 +237,7 @@ void TestOutputFiles::journalIsOnTheDiskAtOnce()
     }
 }
 
-void TestOutputFiles::journalIsAppendedTo()
+void TestSimulatedOutputFiles::journalIsAppendedTo()
 {
     for (int i = 1; i <= 2; ++i) {
         CheckedDriver driver(oneBoardCard(), settings());
@@ -246,7 +246,7 @@ void TestOutputFiles::journalIsAppendedTo()
     }
 }
 
-void TestOutputFiles::journalKeepsFailedWrites()
+void TestSimulatedOutputFiles::journalKeepsFailedWrites()
 {
     CheckedDriver driver(oneBoardCard(), settings());
     driver.fails(Operation::NvAPI_GPU_SetPstates20, NVAPI_ERROR);
@@ -262,7 +262,7 @@ void TestOutputFiles::journalKeepsFailedWrites()
     QCOMPARE(driver.card(0).settings.graphicsOffsetKHz, 0);
 }
 
-void TestOutputFiles::journalOfUnknownVersionTellsNothing()
+void TestSimulatedOutputFiles::journalOfUnknownVersionTellsNothing()
 {
     CheckedDriver driver(oneBoardCard(), settings());
     const DriverCalls calls = started(driver);
@@ -275,7 +275,7 @@ void TestOutputFiles::journalOfUnknownVersionTellsNothing()
     QCOMPARE(driver.takeViolations(), QStringList{"GPU_SetPstates20: unknown version word"});
 }
 
-void TestOutputFiles::hostileRequestIsJournalledSafely()
+void TestSimulatedOutputFiles::hostileRequestIsJournalledSafely()
 {
     CheckedDriver driver(oneBoardCard(), settings());
     const DriverCalls calls = started(driver);
@@ -299,7 +299,7 @@ void TestOutputFiles::hostileRequestIsJournalledSafely()
     driver.expectsWrongCalls();
 }
 
-void TestOutputFiles::threadNumbers()
+void TestSimulatedOutputFiles::threadNumbers()
 {
     CheckedDriver driver(oneBoardCard(), settings());
     const DriverCalls calls = started(driver);
@@ -312,7 +312,7 @@ void TestOutputFiles::threadNumbers()
     QCOMPARE(told[2].thread, 1);
 }
 
-void TestOutputFiles::stateOfACard()
+void TestSimulatedOutputFiles::stateOfACard()
 {
     Scenario scenario = oneBoardCard();
     scenario.cards.push_back(oneCardAtLoad(50).cards.front());
@@ -339,7 +339,7 @@ void TestOutputFiles::stateOfACard()
     QVERIFY(QDir(folder->path()).entryList({"*.new"}).isEmpty());
 }
 
-void TestOutputFiles::stateOfTheLightsIsWrittenAtOnce()
+void TestSimulatedOutputFiles::stateOfTheLightsIsWrittenAtOnce()
 {
     CheckedDriver driver(oneBoardCard(), settings());
     const DriverCalls calls = started(driver);
@@ -352,7 +352,7 @@ void TestOutputFiles::stateOfTheLightsIsWrittenAtOnce()
     QCOMPARE(stateOf(state)["cards"][0]["led"]["accepted"].get<int>(), 2);
 }
 
-void TestOutputFiles::stateIsRewrittenSparingly()
+void TestSimulatedOutputFiles::stateIsRewrittenSparingly()
 {
     StateFile file(state.toStdString());
     QVERIFY(file.isDue(false));
@@ -363,5 +363,5 @@ void TestOutputFiles::stateIsRewrittenSparingly()
     QVERIFY(!StateFile("").isDue(true));
 }
 
-QTEST_GUILESS_MAIN(TestOutputFiles)
+QTEST_GUILESS_MAIN(TestSimulatedOutputFiles)
 #include "TestSimulatedOutputFiles.moc"

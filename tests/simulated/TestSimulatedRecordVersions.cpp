@@ -154,7 +154,7 @@ NvAPI_Status callWith(const DriverCalls &calls, Operation operation, void *gpu, 
 
 } // namespace
 
-class TestRecordVersions : public QObject
+class TestSimulatedRecordVersions : public QObject
 {
     Q_OBJECT
 
@@ -167,7 +167,7 @@ private slots:
     void onlyKnownVersionsAnswer();
 };
 
-void TestRecordVersions::otherVersionsAreRefused_data()
+void TestSimulatedRecordVersions::otherVersionsAreRefused_data()
 {
     QTest::addColumn<int>("operation");
     for (std::size_t i = 0; i < kOperationCount; ++i) {
@@ -177,7 +177,7 @@ void TestRecordVersions::otherVersionsAreRefused_data()
     }
 }
 
-void TestRecordVersions::everyVersion_data()
+void TestSimulatedRecordVersions::everyVersion_data()
 {
     QTest::addColumn<int>("operation");
     QTest::addColumn<quint32>("version");
@@ -188,7 +188,7 @@ void TestRecordVersions::everyVersion_data()
     }
 }
 
-void TestRecordVersions::everyVersion()
+void TestSimulatedRecordVersions::everyVersion()
 {
     QFETCH(int, operation);
     QFETCH(quint32, version);
@@ -215,7 +215,7 @@ void TestRecordVersions::everyVersion()
     QCOMPARE(driver.callRecords(what).back().version.value(), version);
 }
 
-void TestRecordVersions::otherVersionsAreRefused()
+void TestSimulatedRecordVersions::otherVersionsAreRefused()
 {
     QFETCH(int, operation);
     CheckedDriver driver(twoCoolerScene());
@@ -234,7 +234,7 @@ void TestRecordVersions::otherVersionsAreRefused()
     }
 }
 
-void TestRecordVersions::onlyKnownVersionsAnswer()
+void TestSimulatedRecordVersions::onlyKnownVersionsAnswer()
 {
     QFETCH(int, operation);
     QFETCH(quint32, version);
@@ -251,5 +251,5 @@ void TestRecordVersions::onlyKnownVersionsAnswer()
     }
 }
 
-QTEST_APPLESS_MAIN(TestRecordVersions)
+QTEST_APPLESS_MAIN(TestSimulatedRecordVersions)
 #include "TestSimulatedRecordVersions.moc"

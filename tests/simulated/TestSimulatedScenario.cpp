@@ -7,7 +7,7 @@
 
 using namespace simulated;
 
-class TestScenario : public QObject
+class TestSimulatedScenario : public QObject
 {
     Q_OBJECT
 
@@ -24,7 +24,7 @@ private slots:
     void unreadableFile();
 };
 
-void TestScenario::shippedScenesParse_data()
+void TestSimulatedScenario::shippedScenesParse_data()
 {
     QTest::addColumn<QString>("path");
     const QDir folder(OVRYN_SCENES);
@@ -37,7 +37,7 @@ void TestScenario::shippedScenesParse_data()
         QTest::newRow(qPrintable(file)) << folder.filePath(file);
 }
 
-void TestScenario::shippedScenesParse()
+void TestSimulatedScenario::shippedScenesParse()
 {
     QFETCH(QString, path);
     const ScenarioResult result = readScenarioFile(path.toStdString());
@@ -45,7 +45,7 @@ void TestScenario::shippedScenesParse()
     QCOMPARE(result.scenario.cards.empty(), path.endsWith("no-card.json"));
 }
 
-void TestScenario::builtInSceneIsTheDefaultPair()
+void TestSimulatedScenario::builtInSceneIsTheDefaultPair()
 {
     const Scenario scenario = builtInScenario();
     QCOMPARE(scenario.cards.size(), std::size_t(2));
@@ -67,7 +67,7 @@ void TestScenario::builtInSceneIsTheDefaultPair()
     QVERIFY(foreign.name != own.name);
 }
 
-void TestScenario::builtInCardsMove()
+void TestSimulatedScenario::builtInCardsMove()
 {
     for (const CardParameters &parameters : builtInScenario().cards) {
         Card card(parameters);
@@ -89,7 +89,7 @@ void TestScenario::builtInCardsMove()
     }
 }
 
-void TestScenario::values()
+void TestSimulatedScenario::values()
 {
     const ScenarioResult result = readScenarioText(R"({
         "driver": { "version": 40000, "branch": "b", "timeScale": 2.5, "missing": ["NvAPI_I2CRead"],
@@ -165,7 +165,7 @@ void TestScenario::values()
     QVERIFY(!result.scenario.faults.back().operation);
 }
 
-void TestScenario::recordChoices_data()
+void TestSimulatedScenario::recordChoices_data()
 {
     QTest::addColumn<QByteArray>("choice");
     QTest::addColumn<int>("count");
@@ -175,7 +175,7 @@ void TestScenario::recordChoices_data()
     QTest::newRow("oldest") << QByteArray("oldest") << 1 << kCoolerSettingsVersion1Small;
 }
 
-void TestScenario::recordChoices()
+void TestSimulatedScenario::recordChoices()
 {
     QFETCH(QByteArray, choice);
     QFETCH(int, count);
@@ -188,7 +188,7 @@ void TestScenario::recordChoices()
     QCOMPARE(known.front(), first);
 }
 
-void TestScenario::mistakes_data()
+void TestSimulatedScenario::mistakes_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QString>("message"); // its beginning
@@ -254,7 +254,7 @@ void TestScenario::mistakes_data()
         "s.json: faults[0].status: expected a whole number from -1000000 to -1, found 0");
 }
 
-void TestScenario::mistakes()
+void TestSimulatedScenario::mistakes()
 {
     QFETCH(QByteArray, text);
     QFETCH(QString, message);
@@ -264,7 +264,7 @@ void TestScenario::mistakes()
     QVERIFY(result.scenario.cards.empty());
 }
 
-void TestScenario::unreadableFile()
+void TestSimulatedScenario::unreadableFile()
 {
     const ScenarioResult result = readScenarioFile("/nowhere/scene.json");
     QCOMPARE(result.error, std::string("/nowhere/scene.json: cannot be read"));
@@ -273,5 +273,5 @@ void TestScenario::unreadableFile()
     QVERIFY(!folder.error.empty());
 }
 
-QTEST_APPLESS_MAIN(TestScenario)
+QTEST_APPLESS_MAIN(TestSimulatedScenario)
 #include "TestSimulatedScenario.moc"

@@ -1,4 +1,5 @@
 #include "DriverCalls.h"
+#include "RecordBytes.h"
 #include "TestScenes.h"
 
 #include <QtTest>
@@ -8,20 +9,7 @@
 
 using namespace simulated;
 
-namespace
-{
-
-template <class Value>
-Value valueAt(const std::vector<quint8> &bytes, std::size_t offset)
-{
-    Value value{};
-    std::memcpy(&value, bytes.data() + offset, sizeof(value));
-    return value;
-}
-
-} // namespace
-
-class TestSettings : public QObject
+class TestSimulatedSettings : public QObject
 {
     Q_OBJECT
 
@@ -37,18 +25,10 @@ private slots:
     void pstateWrites();
     void refusedPstateWriteChangesNothing();
     void oldestPstateRecordHasNoOverVoltage();
-    void powerLimit_data();
-    void powerLimit();
-    void powerDrawShowsInTopology();
-    void powerAbsent();
-    void thermalLimit_data();
-    void thermalLimit();
-    void thermalPoliciesByVersion_data();
-    void thermalPoliciesByVersion();
     void restoreEntry();
 };
 
-void TestSettings::coolerEntriesByVersion_data()
+void TestSimulatedSettings::coolerEntriesByVersion_data()
 {
     QTest::addColumn<quint32>("version");
     QTest::addColumn<int>("entrySize");
@@ -59,7 +39,7 @@ void TestSettings::coolerEntriesByVersion_data()
     QTest::newRow("smaller first") << kCoolerSettingsVersion1Small << 48;
 }
 
-void TestSettings::coolerEntriesByVersion()
+void TestSimulatedSettings::coolerEntriesByVersion()
 {
     QFETCH(quint32, version);
     QFETCH(int, entrySize);
@@ -93,7 +73,7 @@ void TestSettings::coolerEntriesByVersion()
     }
 }
 
-void TestSettings::coolerLevels_data()
+void TestSimulatedSettings::coolerLevels_data()
 {
     QTest::addColumn<quint32>("version");
     QTest::addColumn<quint32>("index");
@@ -118,7 +98,7 @@ void TestSettings::coolerLevels_data()
     QTest::newRow("no such cooler") << v1 << 5u << 55 << 1 << bad << 0x20 << 30;
 }
 
-void TestSettings::coolerLevels()
+void TestSimulatedSettings::coolerLevels()
 {
     QFETCH(quint32, version);
     QFETCH(quint32, index);
@@ -143,7 +123,7 @@ void TestSettings::coolerLevels()
     QCOMPARE(card.settings.coolers[1].manualPercent, second ? levelAfter : 30);
 }
 
-void TestSettings::coolerCallsWithoutTachometer()
+void TestSimulatedSettings::coolerCallsWithoutTachometer()
 {
     Scenario scenario = oneCardAtLoad(50);
     scenario.cards.front().fan.tachometer = false;
@@ -159,7 +139,7 @@ void TestSettings::coolerCallsWithoutTachometer()
     QCOMPARE(record.cooler[0].tachMaxRpm, 0);
 }
 
-void TestSettings::pstatesByVersion_data()
+void TestSimulatedSettings::pstatesByVersion_data()
 {
     QTest::addColumn<quint32>("version");
     QTest::addColumn<bool>("memoryIsRange");
@@ -169,7 +149,7 @@ void TestSettings::pstatesByVersion_data()
     QTest::newRow("single memory clock") << kPstates20Version3 << false;
 }
 
-void TestSettings::pstatesByVersion()
+void TestSimulatedSettings::pstatesByVersion()
 {
     QFETCH(quint32, version);
     QFETCH(bool, memoryIsRange);
@@ -214,7 +194,7 @@ void TestSettings::pstatesByVersion()
     QCOMPARE(record.ov.voltages[0].voltDelta_uV.value, hasOver ? 25000 : 0);
 }
 
-void TestSettings::pstateWrites_data()
+void TestSimulatedSettings::pstateWrites_data()
 {
     QTest::addColumn<quint32>("pstateId");
     QTest::addColumn<quint32>("domain");
@@ -237,7 +217,7 @@ void TestSettings::pstateWrites_data()
     QTest::newRow("unknown voltage domain") << 0u << 1u << 0 << true << bad;
 }
 
-void TestSettings::pstateWrites()
+void TestSimulatedSettings::pstateWrites()
 {
     QFETCH(quint32, pstateId);
     QFETCH(quint32, domain);
@@ -269,7 +249,7 @@ void TestSettings::pstateWrites()
     QCOMPARE(driver.callRecords().back().note.empty(), status == NVAPI_OK);
 }
 
-void TestSettings::refusedPstateWriteChangesNothing()
+void TestSimulatedSettings::refusedPstateWriteChangesNothing()
 {
     CheckedDriver driver(oneCardAtLoad(50));
     driver.expectsWrongCalls();
@@ -290,7 +270,7 @@ void TestSettings::refusedPstateWriteChangesNothing()
     QCOMPARE(calls.NvAPI_GPU_SetPstates20(driver.handle(0), &record), NVAPI_INVALID_ARGUMENT);
 }
 
-void TestSettings::oldestPstateRecordHasNoOverVoltage()
+void TestSimulatedSettings::oldestPstateRecordHasNoOverVoltage()
 {
     CheckedDriver driver(oneCardAtLoad(50));
     const DriverCalls calls = started(driver);
@@ -305,190 +285,7 @@ void TestSettings::oldestPstateRecordHasNoOverVoltage()
     QCOMPARE(driver.card(0).settings.overVoltage_uV, 30000);
 }
 
-void TestSettings::powerLimit_data()
-{
-    QTest::addColumn<int>("count");
-    QTest::addColumn<quint32>("policyId");
-    QTest::addColumn<quint32>("power");
-    QTest::addColumn<int>("status");
-    const int bad = NVAPI_INVALID_ARGUMENT;
-    QTest::newRow("lower") << 1 << 2u << 70000u << 0;
-    QTest::newRow("least") << 1 << 2u << 50000u << 0;
-    QTest::newRow("most") << 1 << 2u << 120000u << 0;
-    QTest::newRow("below the range") << 1 << 2u << 49999u << bad;
-    QTest::newRow("above the range") << 1 << 2u << 120001u << bad;
-    QTest::newRow("unknown policy") << 1 << 3u << 70000u << bad;
-    QTest::newRow("no entry") << 0 << 2u << 70000u << bad;
-    QTest::newRow("count beyond the record") << 5 << 2u << 70000u << bad;
-}
-
-void TestSettings::powerLimit()
-{
-    QFETCH(int, count);
-    QFETCH(quint32, policyId);
-    QFETCH(quint32, power);
-    QFETCH(int, status);
-    CheckedDriver driver(oneCardAtLoad(50));
-    driver.expectsWrongCalls();
-    const DriverCalls calls = started(driver);
-    NvApiPowerPoliciesStatus record{};
-    record.version = kPowerPoliciesStatusVersion1;
-    record.count = static_cast<quint8>(count);
-    record.entries[0] = {policyId, 0, power, 0};
-    QCOMPARE(calls.NvAPI_GPU_ClientPowerPoliciesSetStatus(driver.handle(0), &record), status);
-
-    NvApiPowerPoliciesStatus read{};
-    read.version = kPowerPoliciesStatusVersion1;
-    read.count = 1;
-    read.entries[0].policyId = 2;
-    QCOMPARE(calls.NvAPI_GPU_ClientPowerPoliciesGetStatus(driver.handle(0), &read), NVAPI_OK);
-    QCOMPARE(read.entries[0].power, status == NVAPI_OK ? power : 100000u);
-}
-
-void TestSettings::powerDrawShowsInTopology()
-{
-    CheckedDriver driver(oneCardAtLoad(100));
-    driver.expectsWrongCalls();
-    const DriverCalls calls = started(driver);
-    NvApiPowerTopologyInfo info{};
-    info.version = kPowerTopologyInfoVersion1;
-    QCOMPARE(calls.NvAPI_GPU_ClientPowerTopologyGetInfo(driver.handle(0), &info), NVAPI_OK);
-    QCOMPARE(info.valid, quint8(1));
-    QCOMPARE(info.count, quint8(2));
-    NvApiPowerPoliciesInfo policies{};
-    policies.version = kPowerPoliciesInfoVersion1;
-    QCOMPARE(calls.NvAPI_GPU_ClientPowerPoliciesGetInfo(driver.handle(0), &policies), NVAPI_OK);
-    QCOMPARE(policies.count, quint8(1));
-    QCOMPARE(policies.entries[0].policyId, 2u);
-    QCOMPARE(policies.entries[0].domainId, info.channelId[0]);
-    QCOMPARE(policies.entries[0].minPower, 50000u);
-    QCOMPARE(policies.entries[0].defaultPower, 100000u);
-    QCOMPARE(policies.entries[0].maxPower, 120000u);
-
-    NvApiPowerTopologyStatus status{};
-    status.version = kPowerTopologyStatusVersion1;
-    status.count = 2;
-    status.entries[0].channelId = info.channelId[0];
-    status.entries[1].channelId = info.channelId[1];
-    QCOMPARE(calls.NvAPI_GPU_ClientPowerTopologyGetStatus(driver.handle(0), &status), NVAPI_OK);
-    QCOMPARE(status.entries[0].power, 87778u); // 158 of 180 W
-    QVERIFY(status.entries[1].power < status.entries[0].power);
-    status.entries[1].channelId = 9;
-    QCOMPARE(calls.NvAPI_GPU_ClientPowerTopologyGetStatus(driver.handle(0), &status), NVAPI_INVALID_ARGUMENT);
-    status.count = 255;
-    QCOMPARE(calls.NvAPI_GPU_ClientPowerTopologyGetStatus(driver.handle(0), &status), NVAPI_INVALID_ARGUMENT);
-}
-
-void TestSettings::powerAbsent()
-{
-    Scenario scenario = oneCardAtLoad(0);
-    scenario.cards.front().power.present = false;
-    scenario.cards.front().thermal.policyPresent = false;
-    CheckedDriver driver(scenario);
-    const DriverCalls calls = started(driver);
-    NvApiPowerTopologyInfo topology{};
-    topology.version = kPowerTopologyInfoVersion1;
-    QCOMPARE(calls.NvAPI_GPU_ClientPowerTopologyGetInfo(driver.handle(0), &topology), NVAPI_OK);
-    QCOMPARE(topology.valid, quint8(0));
-    NvApiPowerPoliciesInfo policies{};
-    policies.version = kPowerPoliciesInfoVersion1;
-    QCOMPARE(calls.NvAPI_GPU_ClientPowerPoliciesGetInfo(driver.handle(0), &policies), NVAPI_OK);
-    QCOMPARE(policies.valid, quint8(0));
-    NvApiThermalPoliciesInfo thermal{};
-    thermal.version = kThermalPoliciesInfoVersion2;
-    QCOMPARE(calls.NvAPI_GPU_ClientThermalPoliciesGetInfo(driver.handle(0), &thermal), NVAPI_OK);
-    QCOMPARE(thermal.flags, quint8(0));
-}
-
-void TestSettings::thermalLimit_data()
-{
-    QTest::addColumn<quint32>("version");
-    QTest::addColumn<quint32>("policyId");
-    QTest::addColumn<qint32>("temperature");
-    QTest::addColumn<quint32>("flags");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<bool>("priorityAfter");
-    const int bad = NVAPI_INVALID_ARGUMENT;
-    const quint32 v2 = kThermalPoliciesStatusVersion2;
-    QTest::newRow("lower with priority") << v2 << 1u << 70 * 256 << 1u << 0 << true;
-    QTest::newRow("lower without priority") << v2 << 1u << 70 * 256 << 0u << 0 << false;
-    QTest::newRow("oldest record has no flags")
-        << kThermalPoliciesStatusVersion1 << 1u << 70 * 256 << 1u << 0 << false;
-    QTest::newRow("least") << v2 << 1u << 60 * 256 << 0u << 0 << false;
-    QTest::newRow("most") << v2 << 1u << 92 * 256 << 0u << 0 << false;
-    QTest::newRow("above the range") << v2 << 1u << 92 * 256 + 1 << 1u << bad << false;
-    QTest::newRow("far above the range") << v2 << 1u << 92 * 256 * 256 << 1u << bad << false;
-    QTest::newRow("below the range") << v2 << 1u << 60 * 256 - 1 << 1u << bad << false;
-    QTest::newRow("unknown policy") << v2 << 2u << 70 * 256 << 1u << bad << false;
-}
-
-void TestSettings::thermalLimit()
-{
-    QFETCH(quint32, version);
-    QFETCH(quint32, policyId);
-    QFETCH(qint32, temperature);
-    QFETCH(quint32, flags);
-    QFETCH(int, status);
-    QFETCH(bool, priorityAfter);
-    CheckedDriver driver(oneCardAtLoad(50));
-    driver.expectsWrongCalls();
-    const DriverCalls calls = started(driver);
-    NvApiThermalPoliciesStatus record{};
-    record.version = version;
-    record.count = 1;
-    record.entries[0] = {policyId, temperature, flags};
-    QCOMPARE(calls.NvAPI_GPU_ClientThermalPoliciesSetStatus(driver.handle(0), &record), status);
-
-    NvApiThermalPoliciesStatus read{};
-    read.version = kThermalPoliciesStatusVersion2;
-    read.count = 1;
-    read.entries[0].policyId = 1;
-    QCOMPARE(calls.NvAPI_GPU_ClientThermalPoliciesGetStatus(driver.handle(0), &read), NVAPI_OK);
-    QCOMPARE(read.entries[0].temperature, status == NVAPI_OK ? temperature : 83 * 256);
-    QCOMPARE((read.entries[0].flags & 1u) != 0, priorityAfter);
-}
-
-void TestSettings::thermalPoliciesByVersion_data()
-{
-    QTest::addColumn<quint32>("infoVersion");
-    QTest::addColumn<quint32>("statusVersion");
-    QTest::addColumn<int>("statusEntrySize");
-    QTest::newRow("newest") << kThermalPoliciesInfoVersion2 << kThermalPoliciesStatusVersion2 << 12;
-    QTest::newRow("oldest") << kThermalPoliciesInfoVersion1 << kThermalPoliciesStatusVersion1 << 8;
-}
-
-void TestSettings::thermalPoliciesByVersion()
-{
-    QFETCH(quint32, infoVersion);
-    QFETCH(quint32, statusVersion);
-    QFETCH(int, statusEntrySize);
-    CheckedDriver driver(oneCardAtLoad(50));
-    const DriverCalls calls = started(driver);
-    NvApiThermalPoliciesInfo info{};
-    info.version = infoVersion;
-    QCOMPARE(calls.NvAPI_GPU_ClientThermalPoliciesGetInfo(driver.handle(0), &info), NVAPI_OK);
-    QCOMPARE(info.flags, quint8(1));
-    QCOMPARE(info.count, quint8(1));
-    QCOMPARE(info.entries[0].policyId, 1u);
-    QCOMPARE(info.entries[0].minTemp, 60 * 256);
-    QCOMPARE(info.entries[0].defaultTemp, 83 * 256);
-    QCOMPARE(info.entries[0].maxTemp, 92 * 256);
-
-    // two requests of the same policy: the second lies one entry further
-    std::vector<quint8> bytes(sizeof(NvApiThermalPoliciesStatus), 0);
-    std::memcpy(bytes.data(), &statusVersion, sizeof(statusVersion));
-    bytes[4] = 2;
-    const auto second = static_cast<std::size_t>(8 + statusEntrySize);
-    bytes[8] = 1;
-    bytes[second] = 1;
-    QCOMPARE(calls.NvAPI_GPU_ClientThermalPoliciesGetStatus(
-                 driver.handle(0), reinterpret_cast<NvApiThermalPoliciesStatus *>(bytes.data())),
-             NVAPI_OK);
-    QCOMPARE(valueAt<qint32>(bytes, 12), 83 * 256);
-    QCOMPARE(valueAt<qint32>(bytes, second + 4), 83 * 256);
-}
-
-void TestSettings::restoreEntry()
+void TestSimulatedSettings::restoreEntry()
 {
     CheckedDriver driver(oneCardAtLoad(50));
     driver.expectsWrongCalls();
@@ -499,5 +296,5 @@ void TestSettings::restoreEntry()
     QCOMPARE(calls.NvAPI_DriverEntry_B23B70EE(nullptr, 1), NVAPI_INVALID_HANDLE);
 }
 
-QTEST_APPLESS_MAIN(TestSettings)
+QTEST_APPLESS_MAIN(TestSimulatedSettings)
 #include "TestSimulatedSettings.moc"

@@ -48,7 +48,7 @@ AdjustModuleInfo savedMode()
 } // namespace
 
 /// The factory overclock: who may have it, what it asks of the card, how it ends, and what a restart makes of it.
-class TestHighPerformanceMode : public QObject
+class TestAdjustPageHighPerformance : public QObject
 {
     Q_OBJECT
 
@@ -72,7 +72,7 @@ private slots:
     void withoutCard();
 };
 
-void TestHighPerformanceMode::eligibility_data()
+void TestAdjustPageHighPerformance::eligibility_data()
 {
     QTest::addColumn<Arrange>("arrange");
     QTest::addColumn<bool>("granted");
@@ -104,7 +104,7 @@ void TestHighPerformanceMode::eligibility_data()
     });
 }
 
-void TestHighPerformanceMode::eligibility()
+void TestAdjustPageHighPerformance::eligibility()
 {
     QFETCH(Arrange, arrange);
     QFETCH(bool, granted);
@@ -121,7 +121,7 @@ void TestHighPerformanceMode::eligibility()
     QCOMPARE(world.parameters().EnableHighPerformance, granted);
 }
 
-void TestHighPerformanceMode::onAndOff()
+void TestAdjustPageHighPerformance::onAndOff()
 {
     AdjustPageWorld world;
     world.open();
@@ -138,7 +138,7 @@ void TestHighPerformanceMode::onAndOff()
     QCOMPARE(world.visibleButtons(), QStringList{"btnDefault"});
 }
 
-void TestHighPerformanceMode::onTwice()
+void TestAdjustPageHighPerformance::onTwice()
 {
     AdjustPageWorld world;
     world.open();
@@ -150,7 +150,7 @@ void TestHighPerformanceMode::onTwice()
     QCOMPARE(told(modeSpy), QList<bool>{true});
 }
 
-void TestHighPerformanceMode::offWhenNotOn()
+void TestAdjustPageHighPerformance::offWhenNotOn()
 {
     AdjustPageWorld world;
     world.open();
@@ -161,7 +161,7 @@ void TestHighPerformanceMode::offWhenNotOn()
     QCOMPARE(told(modeSpy), QList<bool>{false});
 }
 
-void TestHighPerformanceMode::endsByTheCardsLoss()
+void TestAdjustPageHighPerformance::endsByTheCardsLoss()
 {
     AdjustPageWorld world;
     world.open();
@@ -175,7 +175,7 @@ void TestHighPerformanceMode::endsByTheCardsLoss()
     QCOMPARE(world.orders(), QStringList());
 }
 
-void TestHighPerformanceMode::endsByApply()
+void TestAdjustPageHighPerformance::endsByApply()
 {
     AdjustPageWorld world;
     world.open();
@@ -195,7 +195,7 @@ void TestHighPerformanceMode::endsByApply()
     QCOMPARE(world.orders(), QStringList());
 }
 
-void TestHighPerformanceMode::endsByDefault()
+void TestAdjustPageHighPerformance::endsByDefault()
 {
     AdjustPageWorld world;
     world.open();
@@ -206,7 +206,7 @@ void TestHighPerformanceMode::endsByDefault()
     QCOMPARE(told(modeSpy), QList<bool>{false});
 }
 
-void TestHighPerformanceMode::cancelKeepsIt()
+void TestAdjustPageHighPerformance::cancelKeepsIt()
 {
     AdjustPageWorld world;
     world.open();
@@ -218,7 +218,7 @@ void TestHighPerformanceMode::cancelKeepsIt()
     QCOMPARE(modeSpy.count(), 0);
 }
 
-void TestHighPerformanceMode::curveApplyKeepsIt()
+void TestAdjustPageHighPerformance::curveApplyKeepsIt()
 {
     AdjustPageWorld world;
     world.open();
@@ -230,7 +230,7 @@ void TestHighPerformanceMode::curveApplyKeepsIt()
     QVERIFY(world.page->isHighPerformance());
 }
 
-void TestHighPerformanceMode::fromTheUsersCurve()
+void TestAdjustPageHighPerformance::fromTheUsersCurve()
 {
     AdjustModuleInfo saved;
     saved.FanMode = FanUserDefined;
@@ -263,7 +263,7 @@ void TestHighPerformanceMode::fromTheUsersCurve()
     QCOMPARE(world.orders(), QStringList{kFanHandedBack});
 }
 
-void TestHighPerformanceMode::dropsEditsThatWereNotApplied()
+void TestAdjustPageHighPerformance::dropsEditsThatWereNotApplied()
 {
     AdjustPageWorld world;
     world.open();
@@ -275,7 +275,7 @@ void TestHighPerformanceMode::dropsEditsThatWereNotApplied()
     QCOMPARE(world.visibleButtons(), QStringList{"btnDefault"});
 }
 
-void TestHighPerformanceMode::start_data()
+void TestAdjustPageHighPerformance::start_data()
 {
     QTest::addColumn<int>("shows"); // how often the page was shown
 
@@ -283,7 +283,7 @@ void TestHighPerformanceMode::start_data()
     QTest::newRow("shown again") << 2;
 }
 
-void TestHighPerformanceMode::start()
+void TestAdjustPageHighPerformance::start()
 {
     QFETCH(int, shows);
     AdjustPageWorld world;
@@ -303,7 +303,7 @@ void TestHighPerformanceMode::start()
     QCOMPARE(world.parameters().Nodes, QList<QPoint>());
 }
 
-void TestHighPerformanceMode::startThenOff()
+void TestAdjustPageHighPerformance::startThenOff()
 {
     AdjustPageWorld world;
     world.open(savedMode());
@@ -313,7 +313,7 @@ void TestHighPerformanceMode::startThenOff()
     QCOMPARE(world.orders(), fanThen(kFanAutoOrder, settingOrders(0, 0, kDefaultTargetC, kDefaultPowerPercent, 0)));
 }
 
-void TestHighPerformanceMode::startOnALostCard()
+void TestAdjustPageHighPerformance::startOnALostCard()
 {
     AdjustPageWorld world;
     world.editCard([](simulated::Card &card) { card.parameters.pci.subSystemId = 0x11187377; });
@@ -332,7 +332,7 @@ void TestHighPerformanceMode::startOnALostCard()
     QCOMPARE(world.rowValues(), kDefaultRows);
 }
 
-void TestHighPerformanceMode::withoutCard()
+void TestAdjustPageHighPerformance::withoutCard()
 {
     AdjustPageWorld world;
     world.openWithoutCard();
@@ -343,5 +343,5 @@ void TestHighPerformanceMode::withoutCard()
     QCOMPARE(world.driver.calls(), QStringList());
 }
 
-QTEST_MAIN(TestHighPerformanceMode)
-#include "TestHighPerformanceMode.moc"
+QTEST_MAIN(TestAdjustPageHighPerformance)
+#include "TestAdjustPageHighPerformance.moc"

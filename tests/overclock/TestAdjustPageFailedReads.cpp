@@ -88,7 +88,7 @@ void autoAndApply(AdjustFileWorld &world)
 
 /// A figure that could not be read from the card is never the base of an order to it, and never kept for the next
 /// start. On cards that take what they are told, with a driver that fails for a while.
-class TestFailedReads : public QObject
+class TestAdjustPageFailedReads : public QObject
 {
     Q_OBJECT
 
@@ -110,7 +110,7 @@ private slots:
     void anyReadMayFail();
 };
 
-void TestFailedReads::ordersAndFile_data()
+void TestAdjustPageFailedReads::ordersAndFile_data()
 {
     QTest::addColumn<Script>("script");
     QTest::addColumn<QStringList>("orders");
@@ -183,7 +183,7 @@ void TestFailedReads::ordersAndFile_data()
     });
 }
 
-void TestFailedReads::ordersAndFile()
+void TestAdjustPageFailedReads::ordersAndFile()
 {
     QFETCH(Script, script);
     AdjustFileWorld world;
@@ -198,7 +198,7 @@ void TestFailedReads::ordersAndFile()
     QCOMPARE(standing(world), kStockStands);
 }
 
-void TestFailedReads::failedReadBackThenHighPerformance_data()
+void TestAdjustPageFailedReads::failedReadBackThenHighPerformance_data()
 {
     QTest::addColumn<int>("operation");
 
@@ -206,7 +206,7 @@ void TestFailedReads::failedReadBackThenHighPerformance_data()
     QTest::newRow("P-states") << int(kPstates);
 }
 
-void TestFailedReads::failedReadBackThenHighPerformance()
+void TestAdjustPageFailedReads::failedReadBackThenHighPerformance()
 {
     QFETCH(int, operation);
     AdjustFileWorld world;
@@ -230,7 +230,7 @@ void TestFailedReads::failedReadBackThenHighPerformance()
     QCOMPARE(standing(world), kStockStands);
 }
 
-void TestFailedReads::highPerformanceOffWithAFailedReadBack()
+void TestAdjustPageFailedReads::highPerformanceOffWithAFailedReadBack()
 {
     AdjustFileWorld world;
     world.openFromFile();
@@ -245,7 +245,7 @@ void TestFailedReads::highPerformanceOffWithAFailedReadBack()
     QVERIFY(!world.saved().EnableHighPerformance);
 }
 
-void TestFailedReads::highPerformanceEndedByAFailedRead()
+void TestAdjustPageFailedReads::highPerformanceEndedByAFailedRead()
 {
     AdjustFileWorld world;
     world.openFromFile();
@@ -258,7 +258,7 @@ void TestFailedReads::highPerformanceEndedByAFailedRead()
     QCOMPARE(standing(world), kStockStands);
 }
 
-void TestFailedReads::cancelBehindAFailedReadBack()
+void TestAdjustPageFailedReads::cancelBehindAFailedReadBack()
 {
     AdjustFileWorld world;
     world.openFromFile();
@@ -274,7 +274,7 @@ void TestFailedReads::cancelBehindAFailedReadBack()
     QCOMPARE(numbers(world.saved()), numbers(stock()));
 }
 
-void TestFailedReads::defaultBehindRaisedValues()
+void TestAdjustPageFailedReads::defaultBehindRaisedValues()
 {
     AdjustFileWorld world;
     startWith(world, raised());
@@ -291,7 +291,7 @@ void TestFailedReads::defaultBehindRaisedValues()
     QCOMPARE(standing(world), kStockStands);
 }
 
-void TestFailedReads::loweredClockWithAFailedReadBack()
+void TestAdjustPageFailedReads::loweredClockWithAFailedReadBack()
 {
     AdjustFileWorld world;
     startWith(world, raised());
@@ -305,7 +305,7 @@ void TestFailedReads::loweredClockWithAFailedReadBack()
     QCOMPARE(world.saved().MemoryFreClock, 4104);
 }
 
-void TestFailedReads::appliedClockWithAFailedReadBack()
+void TestAdjustPageFailedReads::appliedClockWithAFailedReadBack()
 {
     AdjustFileWorld world;
     world.openFromFile();
@@ -322,7 +322,7 @@ void TestFailedReads::appliedClockWithAFailedReadBack()
     QCOMPARE(world.saved().GpuFreClock, 1707);
 }
 
-void TestFailedReads::unreadRowsShowNothingRaised()
+void TestAdjustPageFailedReads::unreadRowsShowNothingRaised()
 {
     AdjustFileWorld world;
     world.driver.fails(kBaseFrequencies);
@@ -336,7 +336,7 @@ void TestFailedReads::unreadRowsShowNothingRaised()
     QCOMPARE(numbers(world.saved()), numbers(raised())); // the user's own, for a start that can read the card
 }
 
-void TestFailedReads::manualFanOfAnUnreadCooler()
+void TestAdjustPageFailedReads::manualFanOfAnUnreadCooler()
 {
     AdjustModuleInfo values = stock();
     values.FanMode = 1;
@@ -355,7 +355,7 @@ void TestFailedReads::manualFanOfAnUnreadCooler()
     QCOMPARE(world.orders().value(0), QString("fan 60 % manual"));
 }
 
-void TestFailedReads::lostModeWithFailingReads()
+void TestAdjustPageFailedReads::lostModeWithFailingReads()
 {
     AdjustModuleInfo values = raised();
     values.EnableHighPerformance = true;
@@ -372,7 +372,7 @@ void TestFailedReads::lostModeWithFailingReads()
     QCOMPARE(standing(world), kStockStands);
 }
 
-void TestFailedReads::anyReadMayFail_data()
+void TestAdjustPageFailedReads::anyReadMayFail_data()
 {
     QTest::addColumn<int>("operation");
     QTest::addColumn<Script>("script");
@@ -397,7 +397,7 @@ void TestFailedReads::anyReadMayFail_data()
     }
 }
 
-void TestFailedReads::anyReadMayFail()
+void TestAdjustPageFailedReads::anyReadMayFail()
 {
     QFETCH(int, operation);
     QFETCH(Script, script);
@@ -428,5 +428,5 @@ void TestFailedReads::anyReadMayFail()
     }
 }
 
-QTEST_MAIN(TestFailedReads)
-#include "TestFailedReads.moc"
+QTEST_MAIN(TestAdjustPageFailedReads)
+#include "TestAdjustPageFailedReads.moc"

@@ -7,7 +7,7 @@
 #include <QtTest>
 
 /// The page to look at: texts and fonts of both languages, where the widgets lie, and the glass.
-class TestOverClockingLooks : public QObject
+class TestAdjustPageLooks : public QObject
 {
     Q_OBJECT
 
@@ -20,14 +20,14 @@ private slots:
     void buttonsOverTheCurve();
 };
 
-void TestOverClockingLooks::initTestCase()
+void TestAdjustPageLooks::initTestCase()
 {
     QApplication::setStyle(QStyleFactory::create("Fusion"));
     substituteFontFamilies();
     registerApplicationFonts();
 }
 
-void TestOverClockingLooks::language_data()
+void TestAdjustPageLooks::language_data()
 {
     QTest::addColumn<int>("number");
     QTest::addColumn<QStringList>("captions");
@@ -42,7 +42,7 @@ void TestOverClockingLooks::language_data()
                                                  << "Apply these settings ?";
 }
 
-void TestOverClockingLooks::language()
+void TestAdjustPageLooks::language()
 {
     QFETCH(int, number);
     QFETCH(QStringList, captions);
@@ -74,7 +74,7 @@ void TestOverClockingLooks::language()
     QTEST(answers.texts().value(0), "prompt");
 }
 
-void TestOverClockingLooks::geometry()
+void TestAdjustPageLooks::geometry()
 {
     AdjustPageWorld world;
     world.open();
@@ -98,7 +98,7 @@ void TestOverClockingLooks::geometry()
     QCOMPARE(world.row(RowGpuClock)->height(), 0);
 }
 
-void TestOverClockingLooks::frame()
+void TestAdjustPageLooks::frame()
 {
     AdjustPageWorld world;
     world.open();
@@ -120,7 +120,7 @@ void TestOverClockingLooks::frame()
     QCOMPARE(image.pixelColor(0, 0).alpha(), 0);
 }
 
-void TestOverClockingLooks::buttonsOverTheCurve()
+void TestAdjustPageLooks::buttonsOverTheCurve()
 {
     AdjustPageWorld world;
     world.open();
@@ -131,5 +131,5 @@ void TestOverClockingLooks::buttonsOverTheCurve()
     }
 }
 
-QTEST_MAIN(TestOverClockingLooks)
-#include "TestOverClockingLooks.moc"
+QTEST_MAIN(TestAdjustPageLooks)
+#include "TestAdjustPageLooks.moc"

@@ -1,13 +1,11 @@
-#include "device/NvGpuControl.h"
-
-#include "support/RawDriver.h"
+#include "device/DeviceTest.h"
 
 #include <QtTest>
 
 #include <algorithm>
 
 /// What the LED controller's status frame may hold: any value in any byte, and frames of any length.
-class TestLedStatus : public QObject
+class TestDeviceLedStatus : public QObject
 {
     Q_OBJECT
 
@@ -64,7 +62,7 @@ QByteArray expectedOf(const QByteArray &status)
 
 } // namespace
 
-void TestLedStatus::everyValueOfEveryByte_data()
+void TestDeviceLedStatus::everyValueOfEveryByte_data()
 {
     QTest::addColumn<int>("offset");
     QTest::newRow("controller type") << kTypeAt;
@@ -77,7 +75,7 @@ void TestLedStatus::everyValueOfEveryByte_data()
     QTest::newRow("last byte, which nobody looks at") << kStatusSize - 1;
 }
 
-void TestLedStatus::everyValueOfEveryByte()
+void TestDeviceLedStatus::everyValueOfEveryByte()
 {
     QFETCH(int, offset);
     RawDriver driver;
@@ -99,14 +97,14 @@ void TestLedStatus::everyValueOfEveryByte()
     }
 }
 
-void TestLedStatus::answersOfAnyLength_data()
+void TestDeviceLedStatus::answersOfAnyLength_data()
 {
     QTest::addColumn<int>("length");
     for (const int length : {0, 1, 2, 5, 8, 25, 26, 27, 28, 64, 300})
         QTest::addRow("%d bytes", length) << length;
 }
 
-void TestLedStatus::answersOfAnyLength()
+void TestDeviceLedStatus::answersOfAnyLength()
 {
     QFETCH(int, length);
     RawDriver driver;
@@ -118,5 +116,5 @@ void TestLedStatus::answersOfAnyLength()
     QCOMPARE(shown(state), expectedOf(goodStatus().left(length).leftJustified(kStatusSize, '\0')));
 }
 
-QTEST_APPLESS_MAIN(TestLedStatus)
-#include "TestLedStatus.moc"
+QTEST_APPLESS_MAIN(TestDeviceLedStatus)
+#include "TestDeviceLedStatus.moc"

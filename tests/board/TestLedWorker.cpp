@@ -10,7 +10,7 @@
 #include <memory>
 
 /// The State-Display worker, pass by pass without a thread and then with one.
-class TestSendColorToLed : public QObject
+class TestLedWorker : public QObject
 {
     Q_OBJECT
 
@@ -72,7 +72,7 @@ const QString kQuickRed = QStringLiteral("08 01 32 02 FF 00 00 C3");
 
 } // namespace
 
-void TestSendColorToLed::init()
+void TestLedWorker::init()
 {
     driver = std::make_unique<CheckedDriver>();
     control = std::make_unique<NvGpuControl>();
@@ -80,13 +80,13 @@ void TestSendColorToLed::init()
     setTemperature(40);
 }
 
-void TestSendColorToLed::cleanup()
+void TestLedWorker::cleanup()
 {
     control.reset();
     driver.reset();
 }
 
-void TestSendColorToLed::courseOfTemperatures_data()
+void TestLedWorker::courseOfTemperatures_data()
 {
     QTest::addColumn<QList<int>>("degrees");
     QTest::addColumn<QStringList>("sent");
@@ -104,7 +104,7 @@ void TestSendColorToLed::courseOfTemperatures_data()
     QTest::newRow("back and forth") << Course{70, 40, 66, 40} << QStringList{kQuickRed, kGreen, kRed, kGreen};
 }
 
-void TestSendColorToLed::courseOfTemperatures()
+void TestLedWorker::courseOfTemperatures()
 {
     QFETCH(QList<int>, degrees);
     Ovryn_SendColorToLed worker(control.get());
@@ -115,7 +115,7 @@ void TestSendColorToLed::courseOfTemperatures()
     QTEST(frames(), "sent");
 }
 
-void TestSendColorToLed::failingSensorPaintsGreen()
+void TestLedWorker::failingSensorPaintsGreen()
 {
     Ovryn_SendColorToLed worker(control.get());
     setTemperature(90);
@@ -125,7 +125,7 @@ void TestSendColorToLed::failingSensorPaintsGreen()
     QCOMPARE(frames(), QStringList({kQuickRed, kGreen}));
 }
 
-void TestSendColorToLed::refusedFrameIsNotSentAgain()
+void TestLedWorker::refusedFrameIsNotSentAgain()
 {
     Ovryn_SendColorToLed worker(control.get());
     loseController();
@@ -135,7 +135,7 @@ void TestSendColorToLed::refusedFrameIsNotSentAgain()
     QCOMPARE(frames().size(), sent);
 }
 
-void TestSendColorToLed::frameGoesThroughTheControllersTransport()
+void TestLedWorker::frameGoesThroughTheControllersTransport()
 {
     Ovryn_SendColorToLed worker(control.get());
     QVERIFY(worker.showStateOnce());
@@ -145,12 +145,12 @@ void TestSendColorToLed::frameGoesThroughTheControllersTransport()
     QCOMPARE(calls.last(), QString("I2CWrite gpu0 port 1 0xA0: 08 01 32 04 00 FF 00 C1"));
 }
 
-void TestSendColorToLed::defaultPause()
+void TestLedWorker::defaultPause()
 {
     QCOMPARE(Ovryn_SendColorToLed::kSleepMs, 1000U);
 }
 
-void TestSendColorToLed::idleUntilStarted()
+void TestLedWorker::idleUntilStarted()
 {
     Ovryn_SendColorToLed worker(control.get());
     QVERIFY(worker.isStopped());
@@ -159,7 +159,7 @@ void TestSendColorToLed::idleUntilStarted()
     QCOMPARE(driver->calls(), QStringList());
 }
 
-void TestSendColorToLed::startRuns()
+void TestLedWorker::startRuns()
 {
     Ovryn_SendColorToLed worker(control.get(), nullptr, kPauseMs);
     worker.startStateDisplay();
@@ -169,7 +169,7 @@ void TestSendColorToLed::startRuns()
     QCOMPARE(frames(), QStringList(kGreen));
 }
 
-void TestSendColorToLed::startWhileRunningSendsOnceMore()
+void TestLedWorker::startWhileRunningSendsOnceMore()
 {
     Ovryn_SendColorToLed worker(control.get(), nullptr, kPauseMs);
     worker.startStateDisplay();
@@ -181,7 +181,7 @@ void TestSendColorToLed::startWhileRunningSendsOnceMore()
     QCOMPARE(frames().size(), 2);
 }
 
-void TestSendColorToLed::stopEndsBehindOneMorePass()
+void TestLedWorker::stopEndsBehindOneMorePass()
 {
     Ovryn_SendColorToLed worker(control.get(), nullptr, kLongPauseMs);
     worker.startStateDisplay();
@@ -196,7 +196,7 @@ void TestSendColorToLed::stopEndsBehindOneMorePass()
     QTRY_COMPARE(frames(), QStringList({kGreen, kGreen}));
 }
 
-void TestSendColorToLed::startWhileEndingRunsOn()
+void TestLedWorker::startWhileEndingRunsOn()
 {
     Ovryn_SendColorToLed worker(control.get(), nullptr, kLongPauseMs);
     worker.startStateDisplay();
@@ -208,7 +208,7 @@ void TestSendColorToLed::startWhileEndingRunsOn()
     QCOMPARE(frames(), QStringList({kGreen, kGreen}));
 }
 
-void TestSendColorToLed::refusedFrameEndsTheLoop()
+void TestLedWorker::refusedFrameEndsTheLoop()
 {
     Ovryn_SendColorToLed worker(control.get(), nullptr, kPauseMs);
     worker.startStateDisplay();
@@ -220,7 +220,7 @@ void TestSendColorToLed::refusedFrameEndsTheLoop()
     QVERIFY(!worker.isStopped()); // dead
 }
 
-void TestSendColorToLed::deadWorkerDoesNotStart()
+void TestLedWorker::deadWorkerDoesNotStart()
 {
     Ovryn_SendColorToLed worker(control.get(), nullptr, kPauseMs);
     loseController();
@@ -234,7 +234,7 @@ void TestSendColorToLed::deadWorkerDoesNotStart()
     QCOMPARE(passes(), before);
 }
 
-void TestSendColorToLed::deadWorkerRevivesByAStop()
+void TestLedWorker::deadWorkerRevivesByAStop()
 {
     Ovryn_SendColorToLed worker(control.get(), nullptr, kPauseMs);
     loseController();
@@ -249,7 +249,7 @@ void TestSendColorToLed::deadWorkerRevivesByAStop()
     QVERIFY(worker.isRunning());
 }
 
-void TestSendColorToLed::stopOfAnIdleWorker()
+void TestLedWorker::stopOfAnIdleWorker()
 {
     Ovryn_SendColorToLed worker(control.get(), nullptr, kPauseMs);
     worker.stopStateDisplay();
@@ -258,7 +258,7 @@ void TestSendColorToLed::stopOfAnIdleWorker()
     QVERIFY(!worker.isFinished()); // never ran
 }
 
-void TestSendColorToLed::withoutACard()
+void TestLedWorker::withoutACard()
 {
     Ovryn_SendColorToLed worker(nullptr, nullptr, kPauseMs);
     worker.startStateDisplay();
@@ -267,7 +267,7 @@ void TestSendColorToLed::withoutACard()
     QCOMPARE(driver->calls(), QStringList());
 }
 
-void TestSendColorToLed::stopWaitsForARunningPassOnly()
+void TestLedWorker::stopWaitsForARunningPassOnly()
 {
     QSemaphore gate;
     std::atomic<bool> inPass{false};
@@ -291,7 +291,7 @@ void TestSendColorToLed::stopWaitsForARunningPassOnly()
     QCOMPARE(passes(), 1); // it came into the sleep behind that pass
 }
 
-void TestSendColorToLed::destroyedInEveryState_data()
+void TestLedWorker::destroyedInEveryState_data()
 {
     QTest::addColumn<bool>("start");
     QTest::addColumn<bool>("stop");
@@ -303,7 +303,7 @@ void TestSendColorToLed::destroyedInEveryState_data()
     QTest::newRow("dead") << true << false << false;
 }
 
-void TestSendColorToLed::destroyedInEveryState()
+void TestLedWorker::destroyedInEveryState()
 {
     QFETCH(bool, start);
     QFETCH(bool, stop);
@@ -326,5 +326,5 @@ void TestSendColorToLed::destroyedInEveryState()
     QCOMPARE(driver->strayCalls(), 0); // nobody asked a card that was gone
 }
 
-QTEST_GUILESS_MAIN(TestSendColorToLed)
-#include "TestSendColorToLed.moc"
+QTEST_GUILESS_MAIN(TestLedWorker)
+#include "TestLedWorker.moc"

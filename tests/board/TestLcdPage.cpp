@@ -1,7 +1,7 @@
 #include "board/LcdPageWorld.h"
 
 /// What the user does on the LCD page, and what comes of it at the card and at the hot key.
-class TestLcdControllorWidget : public QObject
+class TestLcdPage : public QObject
 {
     Q_OBJECT
 
@@ -57,7 +57,7 @@ constexpr quint32 kEscape = 0x1B;
 
 Q_DECLARE_METATYPE(std::function<void(LcdPageWorld &)>)
 
-void TestLcdControllorWidget::enabledControls_data()
+void TestLcdPage::enabledControls_data()
 {
     QTest::addColumn<QList<Step>>("steps");
     QTest::addColumn<QString>("enabled");
@@ -83,7 +83,7 @@ void TestLcdControllorWidget::enabledControls_data()
     QTest::newRow("a radio that is off takes no click") << QList<Step>{flip, manual} << QString();
 }
 
-void TestLcdControllorWidget::enabledControls()
+void TestLcdPage::enabledControls()
 {
     QFETCH(QList<Step>, steps);
     LcdPageWorld world;
@@ -93,7 +93,7 @@ void TestLcdControllorWidget::enabledControls()
     QTEST(world.enabledControls(), "enabled");
 }
 
-void TestLcdControllorWidget::everyChangeBringsTheButtons_data()
+void TestLcdPage::everyChangeBringsTheButtons_data()
 {
     QTest::addColumn<Step>("change");
     QTest::newRow("radio") << Step([](LcdPageWorld &world) { LcdPageWorld::clickLeft(world.automatic()); });
@@ -103,7 +103,7 @@ void TestLcdControllorWidget::everyChangeBringsTheButtons_data()
     QTest::newRow("key") << Step([](LcdPageWorld &world) { world.press(world.normalKey(), 'K'); });
 }
 
-void TestLcdControllorWidget::everyChangeBringsTheButtons()
+void TestLcdPage::everyChangeBringsTheButtons()
 {
     QFETCH(Step, change);
     LcdPageWorld world;
@@ -114,7 +114,7 @@ void TestLcdControllorWidget::everyChangeBringsTheButtons()
     QVERIFY(world.info() == manualSettings()); // nothing is applied by it
 }
 
-void TestLcdControllorWidget::sameKeyIsNoChange()
+void TestLcdPage::sameKeyIsNoChange()
 {
     LcdPageWorld world;
     world.openClean(manualSettings());
@@ -124,7 +124,7 @@ void TestLcdControllorWidget::sameKeyIsNoChange()
     QVERIFY(!world.isDirty());
 }
 
-void TestLcdControllorWidget::switchTimeStaysInItsRange_data()
+void TestLcdPage::switchTimeStaysInItsRange_data()
 {
     QTest::addColumn<QString>("typed");
     QTest::addColumn<int>("shown");
@@ -136,7 +136,7 @@ void TestLcdControllorWidget::switchTimeStaysInItsRange_data()
     QTest::newRow("a sign is refused") << "-5" << 5;
 }
 
-void TestLcdControllorWidget::switchTimeStaysInItsRange()
+void TestLcdPage::switchTimeStaysInItsRange()
 {
     QFETCH(QString, typed);
     LcdPageWorld world;
@@ -153,7 +153,7 @@ void TestLcdControllorWidget::switchTimeStaysInItsRange()
     QCOMPARE(world.spin()->value(), 30);
 }
 
-void TestLcdControllorWidget::cancelRestoresTheAppliedSettings()
+void TestLcdPage::cancelRestoresTheAppliedSettings()
 {
     const LcdModuleInfo saved = {false, 12, kShift, 'B', true};
     LcdPageWorld world;
@@ -171,7 +171,7 @@ void TestLcdControllorWidget::cancelRestoresTheAppliedSettings()
     QCOMPARE(world.enabledControls(), QStringLiteral("auto manual modifier normal"));
 }
 
-void TestLcdControllorWidget::cancelRestoresBothKeyNames()
+void TestLcdPage::cancelRestoresBothKeyNames()
 {
     LcdPageWorld world;
     world.openClean({false, 10, kAlt, 0x21, true});
@@ -184,7 +184,7 @@ void TestLcdControllorWidget::cancelRestoresBothKeyNames()
     QCOMPARE(world.normalKey()->text(), QStringLiteral("PageUp"));
 }
 
-void TestLcdControllorWidget::cancelTellsNobody()
+void TestLcdPage::cancelTellsNobody()
 {
     LcdPageWorld world;
     LcdModuleInfo off = manualSettings();
@@ -201,7 +201,7 @@ void TestLcdControllorWidget::cancelTellsNobody()
     QVERIFY(world.worker()->isStopped());
 }
 
-void TestLcdControllorWidget::cancelWithTheLcdOffFreesTheTime()
+void TestLcdPage::cancelWithTheLcdOffFreesTheTime()
 {
     // The radio's slot comes behind the switch's and enables what it always does.
     LcdModuleInfo off;
@@ -215,7 +215,7 @@ void TestLcdControllorWidget::cancelWithTheLcdOffFreesTheTime()
     QCOMPARE(world.enabledControls(), QStringLiteral("auto manual spin"));
 }
 
-void TestLcdControllorWidget::confirmationAsks_data()
+void TestLcdPage::confirmationAsks_data()
 {
     QTest::addColumn<int>("language");
     QTest::addColumn<QString>("question");
@@ -226,7 +226,7 @@ void TestLcdControllorWidget::confirmationAsks_data()
                              << QStringList{QStringLiteral("No"), QStringLiteral("Yes")};
 }
 
-void TestLcdControllorWidget::confirmationAsks()
+void TestLcdPage::confirmationAsks()
 {
     QFETCH(int, language);
     LcdPageWorld world;
@@ -244,7 +244,7 @@ void TestLcdControllorWidget::confirmationAsks()
     QVERIFY(!world.isDirty());
 }
 
-void TestLcdControllorWidget::answerNoLeavesEverything()
+void TestLcdPage::answerNoLeavesEverything()
 {
     LcdPageWorld world;
     world.openClean(manualSettings());
@@ -263,7 +263,7 @@ void TestLcdControllorWidget::answerNoLeavesEverything()
     QVERIFY(!world.commands().contains(LcdPageWorld::kOff));
 }
 
-void TestLcdControllorWidget::answerYesKeepsWhatIsShown()
+void TestLcdPage::answerYesKeepsWhatIsShown()
 {
     LcdPageWorld world;
     world.openClean();
@@ -279,7 +279,7 @@ void TestLcdControllorWidget::answerYesKeepsWhatIsShown()
     QVERIFY(world.shown() == LcdModuleInfo({false, 10, kAlt, 'K', true}));
 }
 
-void TestLcdControllorWidget::applyTellsTheWorkerTheTime_data()
+void TestLcdPage::applyTellsTheWorkerTheTime_data()
 {
     QTest::addColumn<bool>("automatic");
     QTest::addColumn<int>("seconds");
@@ -290,7 +290,7 @@ void TestLcdControllorWidget::applyTellsTheWorkerTheTime_data()
     QTest::newRow("manual, pages stand still") << false << 17 << 0;
 }
 
-void TestLcdControllorWidget::applyTellsTheWorkerTheTime()
+void TestLcdPage::applyTellsTheWorkerTheTime()
 {
     QFETCH(bool, automatic);
     QFETCH(int, seconds);
@@ -307,7 +307,7 @@ void TestLcdControllorWidget::applyTellsTheWorkerTheTime()
     QCOMPARE(world.info().SwitchTime, quint32(seconds));
 }
 
-void TestLcdControllorWidget::applyOffSendsOneFrameAndEndsTheWorker()
+void TestLcdPage::applyOffSendsOneFrameAndEndsTheWorker()
 {
     LcdPageWorld world;
     world.openClean();
@@ -322,7 +322,7 @@ void TestLcdControllorWidget::applyOffSendsOneFrameAndEndsTheWorker()
     QCOMPARE(world.info().EnableLcd, false);
 }
 
-void TestLcdControllorWidget::applyOnRestartsTheWorker()
+void TestLcdPage::applyOnRestartsTheWorker()
 {
     LcdModuleInfo off;
     off.EnableLcd = false;
@@ -337,7 +337,7 @@ void TestLcdControllorWidget::applyOnRestartsTheWorker()
     QCOMPARE(world.commands().mid(1, 3), QList<int>({0x80, 0x80, 0x80}));
 }
 
-void TestLcdControllorWidget::applyOffAndOnAgain()
+void TestLcdPage::applyOffAndOnAgain()
 {
     LcdPageWorld world;
     world.openClean();
@@ -355,7 +355,7 @@ void TestLcdControllorWidget::applyOffAndOnAgain()
     QCOMPARE(world.commands().count(LcdPageWorld::kOff), 1);
 }
 
-void TestLcdControllorWidget::applyInManualModeRegistersThePairAppliedBefore()
+void TestLcdPage::applyInManualModeRegistersThePairAppliedBefore()
 {
     LcdPageWorld world;
     world.openClean();
@@ -370,7 +370,7 @@ void TestLcdControllorWidget::applyInManualModeRegistersThePairAppliedBefore()
     QCOMPARE(world.registeredKeys(), QStringLiteral("1K")); // the earlier pair stays
 }
 
-void TestLcdControllorWidget::automaticUnregistersAndManualRegistersTheLastPair()
+void TestLcdPage::automaticUnregistersAndManualRegistersTheLastPair()
 {
     LcdModuleInfo saved = manualSettings();
     saved.NormalKey = 'Q';
@@ -386,7 +386,7 @@ void TestLcdControllorWidget::automaticUnregistersAndManualRegistersTheLastPair(
     QCOMPARE(world.registeredKeys(), QStringLiteral("Q"));
 }
 
-void TestLcdControllorWidget::altAndKIsShownAndCtrlAndKWorks()
+void TestLcdPage::altAndKIsShownAndCtrlAndKWorks()
 {
     LcdPageWorld world;
     world.openClean(manualSettings());
@@ -408,7 +408,7 @@ void TestLcdControllorWidget::altAndKIsShownAndCtrlAndKWorks()
     QTRY_COMPARE(world.commands().last(), 0x40);
 }
 
-void TestLcdControllorWidget::hotKeyTurnsThePages()
+void TestLcdPage::hotKeyTurnsThePages()
 {
     LcdPageWorld world;
     world.openClean(manualSettings());
@@ -420,7 +420,7 @@ void TestLcdControllorWidget::hotKeyTurnsThePages()
     QVERIFY(!world.isDirty());
 }
 
-void TestLcdControllorWidget::hotKeyDoesNothingWhileAutomatic()
+void TestLcdPage::hotKeyDoesNothingWhileAutomatic()
 {
     LcdPageWorld world;
     world.openClean();
@@ -431,7 +431,7 @@ void TestLcdControllorWidget::hotKeyDoesNothingWhileAutomatic()
         QCOMPARE(command, 0x80);
 }
 
-void TestLcdControllorWidget::workerThatIsGoneIsMadeAnew()
+void TestLcdPage::workerThatIsGoneIsMadeAnew()
 {
     LcdModuleInfo off;
     off.EnableLcd = false;
@@ -459,7 +459,7 @@ void TestLcdControllorWidget::workerThatIsGoneIsMadeAnew()
     QVERIFY(!world.info().AutoSwitch);
 }
 
-void TestLcdControllorWidget::pageOfTheGaugeIsNoSetting()
+void TestLcdPage::pageOfTheGaugeIsNoSetting()
 {
     LcdPageWorld world;
     world.openClean(manualSettings());
@@ -471,7 +471,7 @@ void TestLcdControllorWidget::pageOfTheGaugeIsNoSetting()
     QVERIFY(world.info() == manualSettings());
 }
 
-void TestLcdControllorWidget::cardWithoutAnLcd()
+void TestLcdPage::cardWithoutAnLcd()
 {
     LcdPageWorld world;
     world.driver.edit(0, [](simulated::Card &card) { card.lcd.reset(); });
@@ -486,5 +486,5 @@ void TestLcdControllorWidget::cardWithoutAnLcd()
     QCOMPARE(world.commands().last(), LcdPageWorld::kOff);
 }
 
-QTEST_MAIN(TestLcdControllorWidget)
-#include "TestLcdControllorWidget.moc"
+QTEST_MAIN(TestLcdPage)
+#include "TestLcdPage.moc"

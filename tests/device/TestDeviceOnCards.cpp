@@ -10,7 +10,7 @@
 #include <functional>
 
 /// Everything that the device layer can do, on cards that mark what they would not be asked.
-class TestDeviceOnSimulatedCards : public QObject
+class TestDeviceOnCards : public QObject
 {
     Q_OBJECT
 
@@ -109,7 +109,7 @@ void orderEverything(NvGpuControl &gpu)
 
 Q_DECLARE_METATYPE(Change)
 
-void TestDeviceOnSimulatedCards::everyOperation_data()
+void TestDeviceOnCards::everyOperation_data()
 {
     QTest::addColumn<Change>("change");
     const auto row = [](const char *name, const Change &change) {
@@ -148,7 +148,7 @@ void TestDeviceOnSimulatedCards::everyOperation_data()
     });
 }
 
-void TestDeviceOnSimulatedCards::everyOperation()
+void TestDeviceOnCards::everyOperation()
 {
     QFETCH(Change, change);
     simulated::Scenario scene = simulated::builtInScenario();
@@ -169,5 +169,5 @@ void TestDeviceOnSimulatedCards::everyOperation()
     QCOMPARE(driver.callRecords().back().name(), std::string("NvAPI_Unload"));
 }
 
-QTEST_APPLESS_MAIN(TestDeviceOnSimulatedCards)
-#include "TestDeviceOnSimulatedCards.moc"
+QTEST_APPLESS_MAIN(TestDeviceOnCards)
+#include "TestDeviceOnCards.moc"

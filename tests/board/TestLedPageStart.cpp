@@ -1,4 +1,5 @@
 #include "board/LedPageWorld.h"
+#include "board/led/Ovryn_SendColorToLed.h"
 #include "support/ConnectWarnings.h"
 #include "support/RawDriver.h"
 #include "ui/Fonts.h"
@@ -7,7 +8,7 @@
 #include <QLabel>
 
 /// The LED page as it comes up from nothing and from saved values, what it keeps, and how it goes.
-class TestLEDControlWidgetStart : public QObject
+class TestLedPageStart : public QObject
 {
     Q_OBJECT
 
@@ -45,12 +46,12 @@ constexpr quint32 kWhite = 0xFFFFFFFF;
 
 } // namespace
 
-void TestLEDControlWidgetStart::initTestCase()
+void TestLedPageStart::initTestCase()
 {
     substituteFontFamilies();
 }
 
-void TestLEDControlWidgetStart::connectionsAreGood()
+void TestLedPageStart::connectionsAreGood()
 {
     const ConnectWarnings warnings;
     LedPageWorld world;
@@ -58,7 +59,7 @@ void TestLEDControlWidgetStart::connectionsAreGood()
     QCOMPARE(warnings.list(), QStringList());
 }
 
-void TestLEDControlWidgetStart::withoutSavedValues()
+void TestLedPageStart::withoutSavedValues()
 {
     LedPageWorld world;
     world.open();
@@ -75,7 +76,7 @@ void TestLEDControlWidgetStart::withoutSavedValues()
     QCOMPARE(world.spin()->value(), 2);
 }
 
-void TestLEDControlWidgetStart::savedMode_data()
+void TestLedPageStart::savedMode_data()
 {
     QTest::addColumn<int>("mode");
     QTest::addColumn<int>("controllerType");
@@ -101,7 +102,7 @@ void TestLEDControlWidgetStart::savedMode_data()
     row("the smallest number is sleep", std::numeric_limits<int>::min(), 3, "rdbSleep", 6, false);
 }
 
-void TestLEDControlWidgetStart::savedMode()
+void TestLedPageStart::savedMode()
 {
     QFETCH(int, mode);
     QFETCH(int, controllerType);
@@ -117,7 +118,7 @@ void TestLEDControlWidgetStart::savedMode()
     QCOMPARE(world.radio("rdbGradient")->isVisible(), controllerType == 3);
 }
 
-void TestLEDControlWidgetStart::savedMasks_data()
+void TestLedPageStart::savedMasks_data()
 {
     QTest::addColumn<int>("mode");
     QTest::addColumn<int>("presets");
@@ -140,7 +141,7 @@ void TestLEDControlWidgetStart::savedMasks_data()
     QTest::newRow("sleep: the rules of the single mode") << 6 << 0x03 << 0x01 << 0x02 << 0;
 }
 
-void TestLEDControlWidgetStart::savedMasks()
+void TestLedPageStart::savedMasks()
 {
     QFETCH(int, mode);
     QFETCH(int, presets);
@@ -156,7 +157,7 @@ void TestLEDControlWidgetStart::savedMasks()
     QCOMPARE(world.frames(), QStringList());
 }
 
-void TestLEDControlWidgetStart::savedInterval_data()
+void TestLedPageStart::savedInterval_data()
 {
     QTest::addColumn<int>("saved");
     QTest::addColumn<int>("kept");
@@ -172,7 +173,7 @@ void TestLEDControlWidgetStart::savedInterval_data()
     QTest::newRow("the largest") << std::numeric_limits<int>::max() << 16;
 }
 
-void TestLEDControlWidgetStart::savedInterval()
+void TestLedPageStart::savedInterval()
 {
     QFETCH(int, saved);
     QFETCH(int, kept);
@@ -185,7 +186,7 @@ void TestLEDControlWidgetStart::savedInterval()
     QCOMPARE(world.frames(), QStringList());
 }
 
-void TestLEDControlWidgetStart::savedColours()
+void TestLedPageStart::savedColours()
 {
     LedPageWorld world;
     LedModuleInfo saved;
@@ -196,7 +197,7 @@ void TestLEDControlWidgetStart::savedColours()
     QCOMPARE(world.custom(3)->getColor(), QColor(0x12, 0x34, 0x56));
 }
 
-void TestLEDControlWidgetStart::presetColours()
+void TestLedPageStart::presetColours()
 {
     LedPageWorld world;
     world.open();
@@ -206,11 +207,11 @@ void TestLEDControlWidgetStart::presetColours()
         QCOMPARE(world.preset(i)->getColor(), colors.at(i));
 }
 
-void TestLEDControlWidgetStart::restoredStateDisplayRests()
+void TestLedPageStart::restoredStateDisplayRests()
 {
     LedPageWorld world;
     world.openInMode(LedMode::StateDisplay);
-    QTest::qWait(20); // many of the worker's pauses: it must not run
+    QVERIFY(!world.page->findChild<Ovryn_SendColorToLed *>()->isRunning());
     QCOMPARE(world.driver.calls(Operation::NvAPI_GPU_GetThermalSettings), QStringList());
     QCOMPARE(world.frames(), QStringList());
     world.choose("rdbState"); // checked already: no toggle
@@ -220,7 +221,7 @@ void TestLEDControlWidgetStart::restoredStateDisplayRests()
     QVERIFY(world.colorControlsEnabled());
 }
 
-void TestLEDControlWidgetStart::everyControllerType()
+void TestLedPageStart::everyControllerType()
 {
     LedPageWorld world;
     for (int type = 0; type < 256; ++type) {
@@ -233,7 +234,7 @@ void TestLEDControlWidgetStart::everyControllerType()
     }
 }
 
-void TestLEDControlWidgetStart::nothingElseOfTheStatusCounts()
+void TestLedPageStart::nothingElseOfTheStatusCounts()
 {
     LedModuleInfo expected;
     {
@@ -257,7 +258,7 @@ void TestLEDControlWidgetStart::nothingElseOfTheStatusCounts()
     }
 }
 
-void TestLEDControlWidgetStart::controllerThatDoesNotAnswer()
+void TestLedPageStart::controllerThatDoesNotAnswer()
 {
     LedPageWorld world;
     world.loseController();
@@ -272,7 +273,7 @@ void TestLEDControlWidgetStart::controllerThatDoesNotAnswer()
     QCOMPARE(world.frames(), QStringList());
 }
 
-void TestLEDControlWidgetStart::withoutACard()
+void TestLedPageStart::withoutACard()
 {
     const CheckedDriver driver;
     Ovryn_LEDControlWidget page(nullptr, nullptr, LedPageWorld::kTimings);
@@ -292,7 +293,7 @@ void TestLEDControlWidgetStart::withoutACard()
     QCOMPARE(driver.calls(), QStringList());
 }
 
-void TestLEDControlWidgetStart::closingFrame_data()
+void TestLedPageStart::closingFrame_data()
 {
     QTest::addColumn<int>("mode");
     QTest::addColumn<int>("controllerType");
@@ -307,7 +308,7 @@ void TestLEDControlWidgetStart::closingFrame_data()
     QTest::newRow("nor one of type 0") << 6 << 0 << QStringList();
 }
 
-void TestLEDControlWidgetStart::closingFrame()
+void TestLedPageStart::closingFrame()
 {
     QFETCH(int, mode);
     QFETCH(int, controllerType);
@@ -319,7 +320,7 @@ void TestLEDControlWidgetStart::closingFrame()
     QTEST(world.frames(), "sent");
 }
 
-void TestLEDControlWidgetStart::closingInStateDisplayEndsItsWorker()
+void TestLedPageStart::closingInStateDisplayEndsItsWorker()
 {
     LedPageWorld world;
     world.openInMode(LedMode::StateDisplay);
@@ -331,7 +332,7 @@ void TestLEDControlWidgetStart::closingInStateDisplayEndsItsWorker()
     QCOMPARE(world.driver.strayCalls(), 0);
 }
 
-void TestLEDControlWidgetStart::requiredPauses()
+void TestLedPageStart::requiredPauses()
 {
     const LedTimings timings;
     QCOMPARE(timings.beforeDefaultsMs, 50U);
@@ -350,7 +351,7 @@ void TestLEDControlWidgetStart::requiredPauses()
     QVERIFY(clock.elapsed() >= 100);
 }
 
-void TestLEDControlWidgetStart::words_data()
+void TestLedPageStart::words_data()
 {
     QTest::addColumn<int>("language");
     QTest::addColumn<QStringList>("texts");
@@ -361,7 +362,7 @@ void TestLEDControlWidgetStart::words_data()
                                                  "State-Display", "LED Off", "Gradient", "Reset"};
 }
 
-void TestLEDControlWidgetStart::words()
+void TestLedPageStart::words()
 {
     QFETCH(int, language);
     QFETCH(QStringList, texts);
@@ -392,7 +393,7 @@ void TestLEDControlWidgetStart::words()
     QVERIFY(world.page->grab(title).toImage() != other.copy(title)); // the painted title changed too
 }
 
-void TestLEDControlWidgetStart::geometry()
+void TestLedPageStart::geometry()
 {
     LedPageWorld world;
     world.open();
@@ -413,7 +414,7 @@ void TestLEDControlWidgetStart::geometry()
     QCOMPARE(world.radio("rdbState")->font().pixelSize(), 16);
 }
 
-void TestLEDControlWidgetStart::painting()
+void TestLedPageStart::painting()
 {
     LedPageWorld world;
     world.open();
@@ -428,5 +429,5 @@ void TestLEDControlWidgetStart::painting()
     QVERIFY(std::abs(glass.red() - 252) < 3 && std::abs(glass.green() - 10) < 3 && std::abs(glass.blue() - 53) < 3);
 }
 
-QTEST_MAIN(TestLEDControlWidgetStart)
-#include "TestLEDControlWidgetStart.moc"
+QTEST_MAIN(TestLedPageStart)
+#include "TestLedPageStart.moc"

@@ -12,7 +12,7 @@ using namespace simulated;
 
 /// The ways of an I2C transfer through record versions and calls, as the simulated driver's journal tells them:
 /// here the driver's answers come from what it knows and what strikes it, not from a list of statuses.
-class TestI2cLadderJournal : public QObject
+class TestDeviceI2cLadder : public QObject
 {
     Q_OBJECT
 
@@ -122,20 +122,20 @@ void breakCalls(CheckedDriver &driver, Operation operation, const Broken &broken
 
 } // namespace
 
-void TestI2cLadderJournal::connectCard(const Scenario &scenario)
+void TestDeviceI2cLadder::connectCard(const Scenario &scenario)
 {
     driver = std::make_unique<CheckedDriver>(scenario);
     control = std::make_unique<NvGpuControl>();
     control->setCurrentGpu(0);
 }
 
-void TestI2cLadderJournal::cleanup()
+void TestDeviceI2cLadder::cleanup()
 {
     control.reset();
     driver.reset();
 }
 
-void TestI2cLadderJournal::ways_data()
+void TestDeviceI2cLadder::ways_data()
 {
     QTest::addColumn<int>("way");
     QTest::addColumn<bool>("reading");
@@ -145,7 +145,7 @@ void TestI2cLadderJournal::ways_data()
     }
 }
 
-void TestI2cLadderJournal::ways()
+void TestDeviceI2cLadder::ways()
 {
     QFETCH(int, way);
     QFETCH(bool, reading);
@@ -171,7 +171,7 @@ void TestI2cLadderJournal::ways()
         QCOMPARE(driver->card(0).led->acceptedFrames, row.result ? 1 : 0);
 }
 
-void TestI2cLadderJournal::attemptsCarryTheSameBytes()
+void TestDeviceI2cLadder::attemptsCarryTheSameBytes()
 {
     connectCard(boardCard());
     driver->knows(Operation::NvAPI_I2CWrite, versionWords({1, 3}));
@@ -194,5 +194,5 @@ void TestI2cLadderJournal::attemptsCarryTheSameBytes()
     QCOMPARE(driver->card(0).led->refusedFrames, 0); // none of the failed attempts reached the controller
 }
 
-QTEST_APPLESS_MAIN(TestI2cLadderJournal)
-#include "TestI2cLadderJournal.moc"
+QTEST_APPLESS_MAIN(TestDeviceI2cLadder)
+#include "TestDeviceI2cLadder.moc"

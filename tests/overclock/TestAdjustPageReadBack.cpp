@@ -16,7 +16,7 @@ QVector<int> clocksAndTargets(const AdjustFileWorld &world)
 } // namespace
 
 /// The page on cards that take what they are told: what was applied is read back and shown.
-class TestAdjustOnSimulatedCards : public QObject
+class TestAdjustPageReadBack : public QObject
 {
     Q_OBJECT
 
@@ -26,7 +26,7 @@ private slots:
     void memoryOffsetThatTheBaseContains();
 };
 
-void TestAdjustOnSimulatedCards::applyThenDefault()
+void TestAdjustPageReadBack::applyThenDefault()
 {
     AdjustFileWorld world;
     world.openFromFile();
@@ -44,7 +44,7 @@ void TestAdjustOnSimulatedCards::applyThenDefault()
     QCOMPARE(clocksAndTargets(world), atStart);
 }
 
-void TestAdjustOnSimulatedCards::highPerformanceOnAndOff()
+void TestAdjustPageReadBack::highPerformanceOnAndOff()
 {
     AdjustFileWorld world;
     world.openFromFile();
@@ -55,7 +55,7 @@ void TestAdjustOnSimulatedCards::highPerformanceOnAndOff()
     QCOMPARE(clocksAndTargets(world), atStart);
 }
 
-void TestAdjustOnSimulatedCards::memoryOffsetThatTheBaseContains()
+void TestAdjustPageReadBack::memoryOffsetThatTheBaseContains()
 {
     simulated::Scenario scene = simulated::builtInScenario();
     scene.cards.front().clocks.memoryIsRange = false;
@@ -84,5 +84,5 @@ void TestAdjustOnSimulatedCards::memoryOffsetThatTheBaseContains()
     QCOMPARE(afterwards.saved().MemoryFreClock, stock + 100);
 }
 
-QTEST_MAIN(TestAdjustOnSimulatedCards)
-#include "TestAdjustOnSimulatedCards.moc"
+QTEST_MAIN(TestAdjustPageReadBack)
+#include "TestAdjustPageReadBack.moc"

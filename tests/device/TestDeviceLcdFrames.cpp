@@ -1,15 +1,7 @@
-#include "device/NvGpuControl.h"
-
+#include "device/DeviceTest.h"
 #include "support/CallText.h"
-#include "support/DeviceFields.h"
-#include "support/RawDriver.h"
 
 #include <QtTest>
-
-#include <functional>
-
-using Arrange = std::function<void(RawDriver &)>;
-Q_DECLARE_METATYPE(Arrange)
 
 namespace
 {
@@ -23,27 +15,6 @@ constexpr int kFanFlagAt = 19;
 constexpr int kChecksumAt = 33;
 constexpr int kLcdFrameSize = 35;
 
-QByteArray hex(const char *text)
-{
-    return QByteArray::fromHex(text);
-}
-
-QString shown(const QByteArray &bytes)
-{
-    return QString::fromLatin1(bytes.toHex(' ').toUpper());
-}
-
-/// The bytes of the last write that the driver got at `address`.
-QByteArray lastFrame(const RawDriver &driver, const char *address)
-{
-    QByteArray frame;
-    for (const QString &line : driver.rawCalls(Operation::NvAPI_I2CWrite)) {
-        if (line.contains(QString(" addr=%1 ").arg(address)))
-            frame = QByteArray::fromHex(line.section("data=", 1, 1).section(" ->", 0, 0).toLatin1());
-    }
-    return frame;
-}
-
 quint16 wordAt(const QByteArray &frame, int offset)
 {
     return quint16(quint8(frame[offset]) | quint8(frame[offset + 1]) << 8);
@@ -51,20 +22,13 @@ quint16 wordAt(const QByteArray &frame, int offset)
 
 } // namespace
 
-/// The frames to the LED and LCD controllers, byte for byte.
-class TestDeviceFrames : public QObject
+/// The frames to the LCD controller, byte for byte, and the detection of both controllers.
+class TestDeviceLcdFrames : public QObject
 {
     Q_OBJECT
 
 private slots:
     void sequenceOfTheProcess(); // first: it counts the frames of the process from the start
-    void ledFrames_data();
-    void ledFrames();
-    void ledFrameRecord();
-    void ledFrameFails();
-    void ledState_data();
-    void ledState();
-    void ledStateTransfer();
     void lcdFrame();
     void lcdFrameWithoutReadings();
     void lcdCommands_data();
@@ -81,7 +45,7 @@ private slots:
     void detectionOfTwoCards();
 };
 
-void TestDeviceFrames::sequenceOfTheProcess()
+void TestDeviceLcdFrames::sequenceOfTheProcess()
 {
     RawDriver driver;
     driver.cards.resize(2);
@@ -101,151 +65,25 @@ void TestDeviceFrames::sequenceOfTheProcess()
         NvGpuControl &card = frame % 2 ? first : second;
         QVERIFY(frame == 1 ? card.sendCardInfoToLcd(true, true, 10, 0x80)
                            : card.sendCardInfoToLcd(true, false, 0, 0x10));
-        QCOMPARE(int(quint8(lastFrame(driver, "AC")[kSequenceAt])), frame & 0xFF);
+        QCOMPARE(int(quint8(lastFrame(driver, kLcdAddress)[kSequenceAt])), frame & 0xFF);
     }
     // a frame that nobody takes has its number too
     driver.forgetCalls();
     driver.card().i2cListeners.clear();
     QVERIFY(!first.sendCardInfoToLcd(true, false, 0, 0x10));
-    QCOMPARE(int(quint8(lastFrame(driver, "AC")[kSequenceAt])), 1);
+    QCOMPARE(int(quint8(lastFrame(driver, kLcdAddress)[kSequenceAt])), 1);
     driver.forgetCalls();
     QVERIFY(second.sendCardInfoToLcd(true, false, 0, 0x10));
-    QCOMPARE(int(quint8(lastFrame(driver, "AC")[kSequenceAt])), 2);
+    QCOMPARE(int(quint8(lastFrame(driver, kLcdAddress)[kSequenceAt])), 2);
 }
 
-void TestDeviceFrames::ledFrames_data()
-{
-    QTest::addColumn<QByteArray>("data");
-    QTest::addColumn<quint8>("effect");
-    QTest::addColumn<quint8>("level");
-    QTest::addColumn<quint8>("interval");
-    QTest::addColumn<bool>("closing");
-    QTest::addColumn<QString>("frame");
-    const auto row = [](const char *name, const QByteArray &data, int effect, int level, int interval, bool closing,
-                        const char *frame) {
-        QTest::newRow(name) << data << quint8(effect) << quint8(level) << quint8(interval) << closing
-                            << QString(frame);
-    };
-    const QByteArray seven = hex("FF0000 FFA500 FFFF00 00FF00 007FFF 0000FF 8B00FF");
-    row("single steady red", hex("FF0000"), 0, 0x32, 2, false, "08 00 32 02 FF 00 00 C4");
-    row("cool card", hex("00FF00"), 1, 0x32, 4, false, "08 01 32 04 00 FF 00 C1");
-    row("hot card", hex("FF0000"), 1, 0x32, 2, false, "08 01 32 02 FF 00 00 C3");
-    row("sleep", {}, 0, 0, 0x0A, false, "05 00 00 0A F0");
-    row("sleep, closing", {}, 0, 0, 0x0A, true, "85 00 00 0A 70");
-    row("gradient", {}, 4, 0x32, 2, false, "05 04 32 02 C2");
-    row("probe", {}, 0x0A, 0, 0, false, "05 0A 00 00 F0");
-    row("seven colours", seven, 2, 0x32, 3, false,
-        "1A 02 32 03 FF 00 00 FF A5 00 FF FF 00 00 FF 00 00 7F FF 00 00 FF 8B 00 FF 07");
-    row("seven colours, closing", seven, 2, 0x32, 3, true,
-        "9A 02 32 03 FF 00 00 FF A5 00 FF FF 00 00 FF 00 00 7F FF 00 00 FF 8B 00 FF 87");
-    row("20 bytes, closing", QByteArray(20, '\0'), 1, 0x32, 4, true,
-        "99 01 32 04 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 2F");
-    row("sum that is a multiple of 256", hex("C90000"), 1, 0x2A, 4, false, "08 01 2A 04 C9 00 00 FF");
-}
-
-void TestDeviceFrames::ledFrames()
-{
-    QFETCH(QByteArray, data);
-    QFETCH(quint8, effect);
-    QFETCH(quint8, level);
-    QFETCH(quint8, interval);
-    QFETCH(bool, closing);
-    QFETCH(QString, frame);
-    RawDriver driver;
-    NvGpuControl gpu;
-    const auto *bytes = data.isEmpty() ? nullptr : reinterpret_cast<const quint8 *>(data.constData());
-    QVERIFY(gpu.i2cWriteFramed(bytes, data.size(), effect, level, interval, closing));
-    QCOMPARE(shown(lastFrame(driver, "A0")), frame);
-}
-
-void TestDeviceFrames::ledFrameRecord()
-{
-    RawDriver driver;
-    NvGpuControl gpu;
-    driver.forgetCalls();
-    QVERIFY(gpu.i2cWriteFramed(nullptr, 0, 10, 0, 0, false));
-    QCOMPARE(driver.rawCalls(),
-             QStringList{
-                 "I2CWrite gpu0 0x3002C addr=A0 reg=00 regSize=0 size=5 speed=FFFF/6 port=1/1 data=05 0A 00 00 F0"});
-}
-
-void TestDeviceFrames::ledFrameFails()
-{
-    RawDriver driver;
-    driver.card().i2cListeners.clear();
-    NvGpuControl gpu;
-    driver.forgetCalls();
-    QCOMPARE(gpu.i2cWriteFramed(nullptr, 0, 10, 0, 0, false), false);
-    QCOMPARE(driver.rawCalls().size(), 3); // the whole ladder of a failing device
-    for (const QString &line : driver.rawCalls())
-        QVERIFY2(line.contains("data=05 0A 00 00 F0"), qPrintable(line));
-}
-
-void TestDeviceFrames::ledState_data()
-{
-    QTest::addColumn<QByteArray>("reply");
-    QTest::addColumn<FieldList>("numbers"); // type, colours, effect, level, interval
-    QTest::addColumn<QByteArray>("colours");
-    const QByteArray all = hex("0102030405060708090A0B0C0D0E0F101112131415");
-    const QByteArray white(21, '\xFF');
-    const auto reply = [all](int count) {
-        return hex("03") + char(count) + hex("013204") + all + hex("77");
-    };
-    QTest::newRow("no colours") << reply(0) << FieldList{3, 0, 1, 0x32, 4} << white;
-    QTest::newRow("one colour") << reply(1) << FieldList{3, 1, 1, 0x32, 4} << all.left(3) + white.mid(3);
-    QTest::newRow("six colours") << reply(6) << FieldList{3, 6, 1, 0x32, 4} << all.left(18) + white.mid(18);
-    QTest::newRow("seven colours") << reply(7) << FieldList{3, 7, 1, 0x32, 4} << all;
-    QTest::newRow("eight colours are seven") << reply(8) << FieldList{3, 7, 1, 0x32, 4} << all;
-    QTest::newRow("128 colours are seven") << reply(128) << FieldList{3, 7, 1, 0x32, 4} << all;
-    QTest::newRow("255 colours are seven") << reply(255) << FieldList{3, 7, 1, 0x32, 4} << all;
-    QTest::newRow("all ones") << QByteArray(27, '\xFF') << FieldList{255, 7, 255, 255, 255} << white;
-    QTest::newRow("all zeros") << QByteArray(27, '\0') << FieldList{0, 0, 0, 0, 0} << white;
-}
-
-void TestDeviceFrames::ledState()
-{
-    QFETCH(QByteArray, reply);
-    QFETCH(FieldList, numbers);
-    QFETCH(QByteArray, colours);
-    RawDriver driver;
-    driver.card().i2cReplies[0xA1] = reply;
-    NvGpuControl gpu;
-    LedControllerState state;
-    QVERIFY(gpu.readLedState(state));
-    QCOMPARE((FieldList{state.controllerType, state.colourCount, state.stateEffect, state.stateLevel,
-                        state.stateInterval}),
-             numbers);
-    QCOMPARE(shown({reinterpret_cast<const char *>(state.colours.data()), 21}), shown(colours));
-}
-
-void TestDeviceFrames::ledStateTransfer()
-{
-    RawDriver driver;
-    NvGpuControl gpu;
-    driver.forgetCalls();
-    LedControllerState state;
-    QVERIFY(gpu.readLedState(state));
-    QCOMPARE(driver.rawCalls(),
-             QStringList{"I2CRead gpu0 0x3002C addr=A1 reg=00 regSize=0 size=27 speed=FFFF/6 port=1/1"});
-
-    driver.card().i2cReplies.remove(0xA1);
-    LedControllerState prepared;
-    prepared.colours.fill(0x5A);
-    prepared.colourCount = 4;
-    prepared.controllerType = 9;
-    QCOMPARE(gpu.readLedState(prepared), false);
-    QCOMPARE(prepared.colourCount, 4);
-    QCOMPARE(prepared.controllerType, quint8(9));
-    QCOMPARE(prepared.colours[0], quint8(0x5A));
-}
-
-void TestDeviceFrames::lcdFrame()
+void TestDeviceLcdFrames::lcdFrame()
 {
     RawDriver driver;
     NvGpuControl gpu;
     driver.forgetCalls();
     QVERIFY(gpu.sendCardInfoToLcd(true, false, 10, LcdDisplayTemperature));
-    QByteArray frame = lastFrame(driver, "AC");
+    QByteArray frame = lastFrame(driver, kLcdAddress);
     QCOMPARE(frame.size(), kLcdFrameSize);
     // the sequence byte is the process's own affair; what it adds is taken out of the checksum
     const quint8 sequence = quint8(frame[kSequenceAt]);
@@ -268,7 +106,7 @@ void TestDeviceFrames::lcdFrame()
                                    "B4 04")); // the sum of what stands before it: 0x04B4
 }
 
-void TestDeviceFrames::lcdFrameWithoutReadings()
+void TestDeviceLcdFrames::lcdFrameWithoutReadings()
 {
     RawDriver driver;
     NvGpuControl gpu;
@@ -278,14 +116,14 @@ void TestDeviceFrames::lcdFrameWithoutReadings()
     }
     driver.forgetCalls();
     QVERIFY(gpu.sendCardInfoToLcd(true, false, 10, LcdDisplayClock));
-    const QByteArray frame = lastFrame(driver, "AC");
+    const QByteArray frame = lastFrame(driver, kLcdAddress);
     QCOMPARE(shown(frame.left(2)), QString("AA 88"));
     QCOMPARE(shown(frame.mid(kCommandAt, 1)), QString("80"));
     QCOMPARE(frame.mid(kMemoryTotalAt, kChecksumAt - kMemoryTotalAt), QByteArray(29, '\0'));
     QCOMPARE(int(wordAt(frame, kChecksumAt)), 0xAA + 0x88 + quint8(frame[kSequenceAt]) + 0x80);
 }
 
-void TestDeviceFrames::lcdCommands_data()
+void TestDeviceLcdFrames::lcdCommands_data()
 {
     QTest::addColumn<bool>("enable");
     QTest::addColumn<bool>("autoSwitch");
@@ -333,7 +171,7 @@ void TestDeviceFrames::lcdCommands_data()
         QTest::addRow("rotating every %d seconds", row.time) << true << true << row.time << 0x80 << (0xF0 | row.code);
 }
 
-void TestDeviceFrames::lcdCommands()
+void TestDeviceLcdFrames::lcdCommands()
 {
     QFETCH(bool, enable);
     QFETCH(bool, autoSwitch);
@@ -343,10 +181,10 @@ void TestDeviceFrames::lcdCommands()
     RawDriver driver;
     NvGpuControl gpu;
     QVERIFY(gpu.sendCardInfoToLcd(enable, autoSwitch, time, mode));
-    QCOMPARE(int(quint8(lastFrame(driver, "AC")[kCommandAt])), command);
+    QCOMPARE(int(quint8(lastFrame(driver, kLcdAddress)[kCommandAt])), command);
 }
 
-void TestDeviceFrames::lcdModel_data()
+void TestDeviceLcdFrames::lcdModel_data()
 {
     QTest::addColumn<std::string>("name");
     QTest::addColumn<QString>("digits"); // with the "Ti" byte behind them
@@ -376,7 +214,7 @@ void TestDeviceFrames::lcdModel_data()
                                                        << "00 00 00 00 00";
 }
 
-void TestDeviceFrames::lcdModel()
+void TestDeviceLcdFrames::lcdModel()
 {
     QFETCH(std::string, name);
     QFETCH(QString, digits);
@@ -384,10 +222,10 @@ void TestDeviceFrames::lcdModel()
     driver.card().fullName = name;
     NvGpuControl gpu;
     QVERIFY(gpu.sendCardInfoToLcd(true, false, 10, 0x80));
-    QCOMPARE(shown(lastFrame(driver, "AC").mid(kModelDigitsAt, 5)), digits);
+    QCOMPARE(shown(lastFrame(driver, kLcdAddress).mid(kModelDigitsAt, 5)), digits);
 }
 
-void TestDeviceFrames::lcdFanFlag_data()
+void TestDeviceLcdFrames::lcdFanFlag_data()
 {
     QTest::addColumn<quint32>("subSystemId");
     QTest::addColumn<std::string>("name");
@@ -404,7 +242,7 @@ void TestDeviceFrames::lcdFanFlag_data()
     QTest::newRow("one turn a minute") << 0x13000000u << plain << 1u << 1;
 }
 
-void TestDeviceFrames::lcdFanFlag()
+void TestDeviceLcdFrames::lcdFanFlag()
 {
     QFETCH(quint32, subSystemId);
     QFETCH(std::string, name);
@@ -416,14 +254,14 @@ void TestDeviceFrames::lcdFanFlag()
     driver.card().tachRpm = rpm;
     NvGpuControl gpu;
     QVERIFY(gpu.sendCardInfoToLcd(true, false, 10, 0x80));
-    QCOMPARE(int(quint8(lastFrame(driver, "AC")[kFanFlagAt])), flag);
+    QCOMPARE(int(quint8(lastFrame(driver, kLcdAddress)[kFanFlagAt])), flag);
 
     driver.fails(Operation::NvAPI_GPU_GetPCIIdentifiers, NVAPI_ERROR);
     QVERIFY(gpu.sendCardInfoToLcd(true, false, 10, 0x80));
-    QCOMPARE(int(quint8(lastFrame(driver, "AC")[kFanFlagAt])), 0);
+    QCOMPARE(int(quint8(lastFrame(driver, kLcdAddress)[kFanFlagAt])), 0);
 }
 
-void TestDeviceFrames::lcdFields_data()
+void TestDeviceLcdFrames::lcdFields_data()
 {
     QTest::addColumn<Arrange>("arrange");
     QTest::addColumn<int>("offset");
@@ -455,7 +293,7 @@ void TestDeviceFrames::lcdFields_data()
     row("TCC card uses no memory", 21, "00 00 00 00", [](RawDriver &driver) { driver.card().tcc = true; });
 }
 
-void TestDeviceFrames::lcdFields()
+void TestDeviceLcdFrames::lcdFields()
 {
     QFETCH(Arrange, arrange);
     QFETCH(int, offset);
@@ -464,7 +302,7 @@ void TestDeviceFrames::lcdFields()
     arrange(driver);
     NvGpuControl gpu;
     QVERIFY(gpu.sendCardInfoToLcd(true, false, 10, 0x80));
-    const QByteArray frame = lastFrame(driver, "AC");
+    const QByteArray frame = lastFrame(driver, kLcdAddress);
     QCOMPARE(shown(frame.mid(offset, bytes.split(' ').size())), bytes);
     quint16 sum = 0;
     for (int i = 0; i < kChecksumAt; ++i)
@@ -472,7 +310,7 @@ void TestDeviceFrames::lcdFields()
     QCOMPARE(wordAt(frame, kChecksumAt), sum);
 }
 
-void TestDeviceFrames::lcdChecksumOverflowsEightBits()
+void TestDeviceLcdFrames::lcdChecksumOverflowsEightBits()
 {
     RawDriver driver;
     driver.card().memory.dedicatedVideoMemory = 0xFFFFFFFF;
@@ -480,7 +318,7 @@ void TestDeviceFrames::lcdChecksumOverflowsEightBits()
     driver.card().tachRpm = 0xFFFF;
     NvGpuControl gpu;
     QVERIFY(gpu.sendCardInfoToLcd(true, false, 10, 0x80));
-    const QByteArray frame = lastFrame(driver, "AC");
+    const QByteArray frame = lastFrame(driver, kLcdAddress);
     quint16 sum = 0;
     for (int i = 0; i < kChecksumAt; ++i)
         sum = quint16(sum + quint8(frame[i]));
@@ -488,7 +326,7 @@ void TestDeviceFrames::lcdChecksumOverflowsEightBits()
     QCOMPARE(wordAt(frame, kChecksumAt), sum);
 }
 
-void TestDeviceFrames::lcdFrameFails()
+void TestDeviceLcdFrames::lcdFrameFails()
 {
     RawDriver driver;
     driver.card().i2cListeners.remove(0xAC);
@@ -499,7 +337,7 @@ void TestDeviceFrames::lcdFrameFails()
     QCOMPARE(driver.rawCalls(Operation::NvAPI_I2CWriteEx).size(), 2);
 }
 
-void TestDeviceFrames::lcdWithoutDriverSendsNothing()
+void TestDeviceLcdFrames::lcdWithoutDriverSendsNothing()
 {
     RawDriver driver;
     driver.libraryExists = false;
@@ -509,7 +347,7 @@ void TestDeviceFrames::lcdWithoutDriverSendsNothing()
 }
 
 /// What the driver sees while two cards are found: the second has neither controller.
-void TestDeviceFrames::detectionOfTwoCards()
+void TestDeviceLcdFrames::detectionOfTwoCards()
 {
     RawDriver driver;
     driver.cards.resize(2);
@@ -564,5 +402,5 @@ void TestDeviceFrames::detectionOfTwoCards()
                  QStringList{"Unload"});
 }
 
-QTEST_APPLESS_MAIN(TestDeviceFrames)
-#include "TestDeviceFrames.moc"
+QTEST_APPLESS_MAIN(TestDeviceLcdFrames)
+#include "TestDeviceLcdFrames.moc"

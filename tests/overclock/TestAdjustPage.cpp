@@ -68,7 +68,7 @@ AdjustModuleInfo savedCurve()
 } // namespace
 
 /// The page in the hands of the user: rows, buttons, the link of the two targets and the two faces.
-class TestOverClockingPage : public QObject
+class TestAdjustPage : public QObject
 {
     Q_OBJECT
 
@@ -94,7 +94,7 @@ private slots:
     void unappliedChoicesAreNotSaved();
 };
 
-void TestOverClockingPage::connections()
+void TestAdjustPage::connections()
 {
     ConnectWarnings warnings;
     AdjustPageWorld world;
@@ -102,7 +102,7 @@ void TestOverClockingPage::connections()
     QCOMPARE(warnings.list(), QStringList());
 }
 
-void TestOverClockingPage::whatIsEditable_data()
+void TestAdjustPage::whatIsEditable_data()
 {
     QTest::addColumn<Arrange>("arrange");
     QTest::addColumn<QVector<int>>("disabledRows");
@@ -130,7 +130,7 @@ void TestOverClockingPage::whatIsEditable_data()
     });
 }
 
-void TestOverClockingPage::whatIsEditable()
+void TestAdjustPage::whatIsEditable()
 {
     QFETCH(Arrange, arrange);
     QFETCH(QVector<int>, disabledRows);
@@ -141,7 +141,7 @@ void TestOverClockingPage::whatIsEditable()
         QCOMPARE(world.row(static_cast<AdjustRowIndex>(index))->isEnabled(), !disabledRows.contains(index));
 }
 
-void TestOverClockingPage::fanThatCantBeControlled_data()
+void TestAdjustPage::fanThatCantBeControlled_data()
 {
     QTest::addColumn<int>("fanMode");
 
@@ -150,7 +150,7 @@ void TestOverClockingPage::fanThatCantBeControlled_data()
     QTest::newRow("user-defined") << 2;
 }
 
-void TestOverClockingPage::fanThatCantBeControlled()
+void TestAdjustPage::fanThatCantBeControlled()
 {
     QFETCH(int, fanMode);
     AdjustModuleInfo saved;
@@ -166,7 +166,7 @@ void TestOverClockingPage::fanThatCantBeControlled()
     QCOMPARE(world.parameters().FanMode, fanMode);
 }
 
-void TestOverClockingPage::link_data()
+void TestAdjustPage::link_data()
 {
     QTest::addColumn<bool>("linked");
     QTest::addColumn<Arrange>("move");
@@ -212,7 +212,7 @@ void TestOverClockingPage::link_data()
     });
 }
 
-void TestOverClockingPage::link()
+void TestAdjustPage::link()
 {
     QFETCH(bool, linked);
     QFETCH(Arrange, move);
@@ -228,7 +228,7 @@ void TestOverClockingPage::link()
     QCOMPARE(world.orders(), QStringList());
 }
 
-void TestOverClockingPage::linkToggle()
+void TestAdjustPage::linkToggle()
 {
     AdjustPageWorld world;
     world.open();
@@ -249,7 +249,7 @@ void TestOverClockingPage::linkToggle()
     QCOMPARE(world.visibleButtons(), kAllButtons);
 }
 
-void TestOverClockingPage::drag()
+void TestAdjustPage::drag()
 {
     AdjustPageWorld world;
     world.open();
@@ -285,7 +285,7 @@ void TestOverClockingPage::drag()
     QCOMPARE(changed.size(), 1);
 }
 
-void TestOverClockingPage::cancel()
+void TestAdjustPage::cancel()
 {
     AdjustPageWorld world;
     world.open();
@@ -302,7 +302,7 @@ void TestOverClockingPage::cancel()
     QCOMPARE(world.driver.calls(), QStringList());
 }
 
-void TestOverClockingPage::cancelAsksTheLinkNothing()
+void TestAdjustPage::cancelAsksTheLinkNothing()
 {
     AdjustModuleInfo saved;
     saved.LinkOfPowerWithTemperature = true;
@@ -317,7 +317,7 @@ void TestOverClockingPage::cancelAsksTheLinkNothing()
     QCOMPARE(world.driver.calls(), QStringList());
 }
 
-void TestOverClockingPage::curveFace()
+void TestAdjustPage::curveFace()
 {
     AdjustPageWorld world;
     world.open(savedCurve());
@@ -344,7 +344,7 @@ void TestOverClockingPage::curveFace()
     QCOMPARE(answers.problems(), QStringList());
 }
 
-void TestOverClockingPage::cancelOnTheCurve()
+void TestAdjustPage::cancelOnTheCurve()
 {
     AdjustPageWorld world;
     world.open(savedCurve());
@@ -358,7 +358,7 @@ void TestOverClockingPage::cancelOnTheCurve()
     QCOMPARE(editorOf(world)->getPoints(), kCurve);
 }
 
-void TestOverClockingPage::defaultOnTheCurve()
+void TestAdjustPage::defaultOnTheCurve()
 {
     AdjustPageWorld world;
     world.open(savedCurve());
@@ -372,7 +372,7 @@ void TestOverClockingPage::defaultOnTheCurve()
     QCOMPARE(world.driver.calls(), QStringList());
 }
 
-void TestOverClockingPage::hidingThePage()
+void TestAdjustPage::hidingThePage()
 {
     AdjustPageWorld world;
     world.open();
@@ -387,7 +387,7 @@ void TestOverClockingPage::hidingThePage()
     QCOMPARE(world.visibleButtons(), QStringList{"btnDefault"});
 }
 
-void TestOverClockingPage::hidingTheCurve()
+void TestAdjustPage::hidingTheCurve()
 {
     AdjustPageWorld world;
     world.open(savedCurve());
@@ -400,7 +400,7 @@ void TestOverClockingPage::hidingTheCurve()
     QCOMPARE(world.visibleButtons(), kAllButtons);
 }
 
-void TestOverClockingPage::backgroundClickEndsTheEdit()
+void TestAdjustPage::backgroundClickEndsTheEdit()
 {
     AdjustPageWorld world;
     world.open();
@@ -415,7 +415,7 @@ void TestOverClockingPage::backgroundClickEndsTheEdit()
     QCOMPARE(world.visibleButtons(), kAllButtons);
 }
 
-void TestOverClockingPage::returnKeyPressesNoButton()
+void TestAdjustPage::returnKeyPressesNoButton()
 {
     QDialog dialog;
     AdjustPageWorld world;
@@ -440,7 +440,7 @@ void TestOverClockingPage::returnKeyPressesNoButton()
     world.page->setParent(nullptr);
 }
 
-void TestOverClockingPage::unappliedChoicesAreNotSaved()
+void TestAdjustPage::unappliedChoicesAreNotSaved()
 {
     AdjustPageWorld world;
     world.open();
@@ -458,5 +458,5 @@ void TestOverClockingPage::unappliedChoicesAreNotSaved()
     QVERIFY(!out.EnableHighPerformance);
 }
 
-QTEST_MAIN(TestOverClockingPage)
-#include "TestOverClockingPage.moc"
+QTEST_MAIN(TestAdjustPage)
+#include "TestAdjustPage.moc"

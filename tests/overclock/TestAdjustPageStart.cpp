@@ -17,7 +17,7 @@ constexpr qint32 kHighest = std::numeric_limits<qint32>::max();
 } // namespace
 
 /// What the page reads and tells the card when it is made, with and without saved values, and what when it goes.
-class TestOverClockingStart : public QObject
+class TestAdjustPageStart : public QObject
 {
     Q_OBJECT
 
@@ -35,7 +35,7 @@ private slots:
     void destruction();
 };
 
-void TestOverClockingStart::readingTheCard()
+void TestAdjustPageStart::readingTheCard()
 {
     AdjustPageWorld world;
     world.open();
@@ -52,7 +52,7 @@ void TestOverClockingStart::readingTheCard()
     QCOMPARE(world.rowValues(), kStockRows);
 }
 
-void TestOverClockingStart::startWithoutSavedValues_data()
+void TestAdjustPageStart::startWithoutSavedValues_data()
 {
     QTest::addColumn<quint32>("policy");
     QTest::addColumn<int>("fanMode");
@@ -63,7 +63,7 @@ void TestOverClockingStart::startWithoutSavedValues_data()
     QTest::newRow("any other policy counts as the driver's") << 8U << 0 << "AUT";
 }
 
-void TestOverClockingStart::startWithoutSavedValues()
+void TestAdjustPageStart::startWithoutSavedValues()
 {
     QFETCH(quint32, policy);
     AdjustPageWorld world;
@@ -76,7 +76,7 @@ void TestOverClockingStart::startWithoutSavedValues()
     QCOMPARE(world.visibleButtons(), QStringList{"btnDefault"});
 }
 
-void TestOverClockingStart::startWithSavedValues_data()
+void TestAdjustPageStart::startWithSavedValues_data()
 {
     QTest::addColumn<Change>("change");
     QTest::addColumn<QStringList>("orders");
@@ -109,7 +109,7 @@ void TestOverClockingStart::startWithSavedValues_data()
         });
 }
 
-void TestOverClockingStart::startWithSavedValues()
+void TestAdjustPageStart::startWithSavedValues()
 {
     QFETCH(Change, change);
     AdjustModuleInfo saved = savedValues();
@@ -122,7 +122,7 @@ void TestOverClockingStart::startWithSavedValues()
     QCOMPARE(world.visibleButtons(), QStringList{"btnDefault"});
 }
 
-void TestOverClockingStart::savedCurve_data()
+void TestAdjustPageStart::savedCurve_data()
 {
     QTest::addColumn<int>("fanMode");
     QTest::addColumn<QList<QPoint>>("nodes");
@@ -135,7 +135,7 @@ void TestOverClockingStart::savedCurve_data()
     QTest::newRow("an unknown fan mode is the curve") << 9 << kSteepCurve << kSteepCurveLevel;
 }
 
-void TestOverClockingStart::savedCurve()
+void TestAdjustPageStart::savedCurve()
 {
     QFETCH(int, fanMode);
     QFETCH(QList<QPoint>, nodes);
@@ -158,7 +158,7 @@ void TestOverClockingStart::savedCurve()
     QVERIFY(out.LinkOfPowerWithTemperature);
 }
 
-void TestOverClockingStart::brokenSavedCurve_data()
+void TestAdjustPageStart::brokenSavedCurve_data()
 {
     QTest::addColumn<QList<QPoint>>("nodes");
 
@@ -168,7 +168,7 @@ void TestOverClockingStart::brokenSavedCurve_data()
     QTest::newRow("numbers of any size") << QList<QPoint>{{kLowest, kHighest}, {kHighest, kLowest}};
 }
 
-void TestOverClockingStart::brokenSavedCurve()
+void TestAdjustPageStart::brokenSavedCurve()
 {
     QFETCH(QList<QPoint>, nodes);
     AdjustModuleInfo saved = savedValues();
@@ -181,7 +181,7 @@ void TestOverClockingStart::brokenSavedCurve()
     QCOMPARE(world.parameters().Nodes, nodes);
 }
 
-void TestOverClockingStart::destruction_data()
+void TestAdjustPageStart::destruction_data()
 {
     QTest::addColumn<int>("fanMode");
     QTest::addColumn<QStringList>("lastOrders");
@@ -193,7 +193,7 @@ void TestOverClockingStart::destruction_data()
     QTest::newRow("a negative fan mode is the curve too") << -1 << QStringList{kFanHandedBack};
 }
 
-void TestOverClockingStart::destruction()
+void TestAdjustPageStart::destruction()
 {
     QFETCH(int, fanMode);
     AdjustModuleInfo saved = savedValues();
@@ -213,5 +213,5 @@ void TestOverClockingStart::destruction()
         QCOMPARE(world.fanOrders().last(), kFanHandedBack); // the worker is over before
 }
 
-QTEST_MAIN(TestOverClockingStart)
-#include "TestOverClockingStart.moc"
+QTEST_MAIN(TestAdjustPageStart)
+#include "TestAdjustPageStart.moc"

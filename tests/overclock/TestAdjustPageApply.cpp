@@ -23,7 +23,7 @@ constexpr qint32 kHighest = std::numeric_limits<qint32>::max();
 } // namespace
 
 /// What Apply and Default tell the card, to the byte and in order.
-class TestOverClockingApply : public QObject
+class TestAdjustPageApply : public QObject
 {
     Q_OBJECT
 
@@ -49,7 +49,7 @@ private slots:
     void hostileRanges();
 };
 
-void TestOverClockingApply::apply_data()
+void TestAdjustPageApply::apply_data()
 {
     QTest::addColumn<Arrange>("edit");
     QTest::addColumn<QString>("answer");
@@ -90,7 +90,7 @@ void TestOverClockingApply::apply_data()
         });
 }
 
-void TestOverClockingApply::apply()
+void TestAdjustPageApply::apply()
 {
     QFETCH(Arrange, edit);
     QFETCH(QString, answer);
@@ -116,7 +116,7 @@ void TestOverClockingApply::apply()
     }
 }
 
-void TestOverClockingApply::applyShowsWhatTheDriverKept()
+void TestAdjustPageApply::applyShowsWhatTheDriverKept()
 {
     RawAdjustWorld world;
     world.open();
@@ -138,7 +138,7 @@ void TestOverClockingApply::applyShowsWhatTheDriverKept()
     QCOMPARE(world.rowValues(), QVector<int>({1707, 33, 1062, 4006, 110, 82}));
 }
 
-void TestOverClockingApply::applyOnARefusingDriver()
+void TestAdjustPageApply::applyOnARefusingDriver()
 {
     AdjustPageWorld world;
     for (const Operation operation :
@@ -161,7 +161,7 @@ void TestOverClockingApply::applyOnARefusingDriver()
     QCOMPARE(world.parameters().GpuFreClock, kStockGpuMHz);
 }
 
-void TestOverClockingApply::applyWithoutCard()
+void TestAdjustPageApply::applyWithoutCard()
 {
     AdjustPageWorld world;
     world.openWithoutCard();
@@ -176,7 +176,7 @@ void TestOverClockingApply::applyWithoutCard()
     QCOMPARE(world.driver.calls(), QStringList());
 }
 
-void TestOverClockingApply::changeOfFanModes()
+void TestAdjustPageApply::changeOfFanModes()
 {
     AdjustModuleInfo saved = savedValues();
     saved.Nodes = kSteepCurve;
@@ -212,7 +212,7 @@ void TestOverClockingApply::changeOfFanModes()
     QCOMPARE(answers.problems(), QStringList());
 }
 
-void TestOverClockingApply::curveAppliedWhileItDrivesTheFan()
+void TestAdjustPageApply::curveAppliedWhileItDrivesTheFan()
 {
     AdjustModuleInfo saved = savedValues();
     saved.FanMode = FanUserDefined;
@@ -232,7 +232,7 @@ void TestOverClockingApply::curveAppliedWhileItDrivesTheFan()
     QCOMPARE(world.parameters().Nodes, (QList<QPoint>{{0, 0}, {30, 20}, {50, 50}, {80, 90}, {100, 100}}));
 }
 
-void TestOverClockingApply::curveAppliedInAutoModeStartsNothing()
+void TestAdjustPageApply::curveAppliedInAutoModeStartsNothing()
 {
     AdjustModuleInfo saved = savedValues();
     saved.FanMode = FanAuto;
@@ -252,7 +252,7 @@ void TestOverClockingApply::curveAppliedInAutoModeStartsNothing()
     QCOMPARE(world.driver.calls(), QStringList());
 }
 
-void TestOverClockingApply::restoreDefaults_data()
+void TestAdjustPageApply::restoreDefaults_data()
 {
     QTest::addColumn<int>("fanMode");
 
@@ -261,7 +261,7 @@ void TestOverClockingApply::restoreDefaults_data()
     QTest::newRow("from the curve") << 2;
 }
 
-void TestOverClockingApply::restoreDefaults()
+void TestAdjustPageApply::restoreDefaults()
 {
     QFETCH(int, fanMode);
     AdjustModuleInfo saved = savedValues();
@@ -293,7 +293,7 @@ void TestOverClockingApply::restoreDefaults()
     QCOMPARE(told(modeSpy), QList<bool>{false});
 }
 
-void TestOverClockingApply::restoreDefaultsWithoutCard()
+void TestAdjustPageApply::restoreDefaultsWithoutCard()
 {
     AdjustPageWorld world;
     world.openWithoutCard();
@@ -303,7 +303,7 @@ void TestOverClockingApply::restoreDefaultsWithoutCard()
     QCOMPARE(world.driver.calls(), QStringList());
 }
 
-void TestOverClockingApply::defaultEndsTheFanWorkerFirst()
+void TestAdjustPageApply::defaultEndsTheFanWorkerFirst()
 {
     std::atomic<QThread *> worker{nullptr};
     bool ended = false;
@@ -320,7 +320,7 @@ void TestOverClockingApply::defaultEndsTheFanWorkerFirst()
     QCOMPARE(world.fanOrders().last(), kFanHandedBack);
 }
 
-void TestOverClockingApply::applyKeepsTheLink()
+void TestAdjustPageApply::applyKeepsTheLink()
 {
     AdjustPageWorld world;
     world.open();
@@ -336,7 +336,7 @@ void TestOverClockingApply::applyKeepsTheLink()
     }
 }
 
-void TestOverClockingApply::pauseBeforeReadingBack_data()
+void TestAdjustPageApply::pauseBeforeReadingBack_data()
 {
     QTest::addColumn<Arrange>("press");
 
@@ -350,7 +350,7 @@ void TestOverClockingApply::pauseBeforeReadingBack_data()
         [](AdjustPageWorld &world) { QVERIFY(world.page->setHighPerformance(true)); });
 }
 
-void TestOverClockingApply::pauseBeforeReadingBack()
+void TestAdjustPageApply::pauseBeforeReadingBack()
 {
     QFETCH(Arrange, press);
     constexpr unsigned int settleMs = 300;
@@ -371,7 +371,7 @@ void TestOverClockingApply::pauseBeforeReadingBack()
     QVERIFY2(pauseNs >= qint64(settleMs) * 1000000, qPrintable(QString::number(pauseNs)));
 }
 
-void TestOverClockingApply::pauseOfTheFanCurve()
+void TestAdjustPageApply::pauseOfTheFanCurve()
 {
     constexpr unsigned int intervalMs = 300;
     QElapsedTimer sinceFirst; // of the worker's thread
@@ -391,14 +391,14 @@ void TestOverClockingApply::pauseOfTheFanCurve()
     QVERIFY2(pauseNs >= qint64(intervalMs) * 1000000, qPrintable(QString::number(pauseNs)));
 }
 
-void TestOverClockingApply::defaultPauses()
+void TestAdjustPageApply::defaultPauses()
 {
     const AdjustTimings timings;
     QCOMPARE(timings.settleMs, 500U);
     QCOMPARE(timings.fanIntervalMs, 1000U);
 }
 
-void TestOverClockingApply::hostileRanges_data()
+void TestAdjustPageApply::hostileRanges_data()
 {
     QTest::addColumn<RawArrange>("arrange");
 
@@ -454,7 +454,7 @@ void TestOverClockingApply::hostileRanges_data()
     });
 }
 
-void TestOverClockingApply::hostileRanges()
+void TestAdjustPageApply::hostileRanges()
 {
     QFETCH(RawArrange, arrange);
     RawAdjustWorld world;
@@ -480,5 +480,5 @@ void TestOverClockingApply::hostileRanges()
     QCOMPARE(world.visibleButtons(), QStringList{"btnDefault"});
 }
 
-QTEST_MAIN(TestOverClockingApply)
-#include "TestOverClockingApply.moc"
+QTEST_MAIN(TestAdjustPageApply)
+#include "TestAdjustPageApply.moc"

@@ -1,16 +1,20 @@
-#include "board/LedPageWorld.h"
+#include "board/LedPageTest.h"
 #include "board/led/Ovryn_SendColorToLed.h"
-#include "ui/Fonts.h"
 
-#include <QTimer>
+namespace
+{
+
+const QString kRedBreath = QStringLiteral("08 01 32 02 FF 00 00 C3");
+const QString kGreenState = QStringLiteral("08 01 32 04 00 FF 00 C1");
+
+} // namespace
 
 /// What the user does on the LED page, and the frames that follow.
-class TestLEDControlWidget : public QObject
+class TestLedPage : public LedPageTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
     void effectWithOneColour_data();
     void effectWithOneColour();
     void coloursGoOutInOrderOfSelection();
@@ -27,16 +31,6 @@ private slots:
     void customClick();
     void clickOfNobody();
     void doubleClickDoesNothing();
-    void dragGivesOneFrame();
-    void dragRestartsTheTime();
-    void presetClickDuringADragSendsAtOnce();
-    void customClickDuringADragWaits();
-    void dragOfAnUnselectedButton();
-    void dragWithNothingBound();
-    void dragOfADisabledButton();
-    void dragOfASteadyColour_data();
-    void dragOfASteadyColour();
-    void dragOfASteadyColourNeedsNoDelay();
     void resetWithACustomColour();
     void resetAtTheSingleBreath();
     void resetWithoutACustomColour();
@@ -47,38 +41,9 @@ private slots:
     void framesDoNotMingle();
     void lostControllerInStateDisplay();
     void doubleClickSlotIsEmpty();
-
-private:
-    void bind(int custom);
-
-    LedPageWorld *world = nullptr;
-
-private slots:
-    void init() { world = new LedPageWorld; }
-    void cleanup() { delete world; }
 };
 
-namespace
-{
-
-const QString kRedBreath = QStringLiteral("08 01 32 02 FF 00 00 C3");
-const QString kGreenState = QStringLiteral("08 01 32 04 00 FF 00 C1");
-
-} // namespace
-
-void TestLEDControlWidget::initTestCase()
-{
-    substituteFontFamilies();
-}
-
-/// Selects a custom button, so that the palette edits it, and forgets the frame.
-void TestLEDControlWidget::bind(int custom)
-{
-    LedPageWorld::click(world->custom(custom));
-    world->driver.forgetCalls();
-}
-
-void TestLEDControlWidget::effectWithOneColour_data()
+void TestLedPage::effectWithOneColour_data()
 {
     QTest::addColumn<QString>("radio");
     QTest::addColumn<QString>("frame");
@@ -93,7 +58,7 @@ void TestLEDControlWidget::effectWithOneColour_data()
                            << "05 00 00 0A F0" << false;
 }
 
-void TestLEDControlWidget::effectWithOneColour()
+void TestLedPage::effectWithOneColour()
 {
     QFETCH(QString, radio);
     QFETCH(QString, frame);
@@ -106,7 +71,7 @@ void TestLEDControlWidget::effectWithOneColour()
     QCOMPARE(world->frames().size(), 1);
 }
 
-void TestLEDControlWidget::coloursGoOutInOrderOfSelection()
+void TestLedPage::coloursGoOutInOrderOfSelection()
 {
     world->open();
     world->choose("rdbMultipleBright");
@@ -117,7 +82,7 @@ void TestLEDControlWidget::coloursGoOutInOrderOfSelection()
              QStringList({"0B 02 32 02 FF 00 00 00 00 FF C0", "0E 02 32 02 FF 00 00 00 00 FF FF FF 00 BF"}));
 }
 
-void TestLEDControlWidget::eighthColourDropsTheOldest()
+void TestLedPage::eighthColourDropsTheOldest()
 {
     world->open();
     world->choose("rdbMultipleBright"); // preset 0 is selected
@@ -132,7 +97,7 @@ void TestLEDControlWidget::eighthColourDropsTheOldest()
     QCOMPARE(int(world->info().CheckedColorButtonDynamic), 1);
 }
 
-void TestLEDControlWidget::lastColourStays()
+void TestLedPage::lastColourStays()
 {
     world->open();
     world->choose("rdbMultipleBreath");
@@ -142,7 +107,7 @@ void TestLEDControlWidget::lastColourStays()
     QCOMPARE(world->takeFrames(), QStringList(kRedBreath)); // told all the same
 }
 
-void TestLEDControlWidget::noColourIsRed_data()
+void TestLedPage::noColourIsRed_data()
 {
     QTest::addColumn<int>("mode");
     QTest::addColumn<QString>("frame");
@@ -152,7 +117,7 @@ void TestLEDControlWidget::noColourIsRed_data()
     QTest::newRow("multiple steady") << 3 << "08 02 32 03 FF 00 00 C1";
 }
 
-void TestLEDControlWidget::noColourIsRed()
+void TestLedPage::noColourIsRed()
 {
     QFETCH(int, mode);
     LedModuleInfo saved;
@@ -163,7 +128,7 @@ void TestLEDControlWidget::noColourIsRed()
     QTEST(world->frames().join(QLatin1Char('|')), "frame");
 }
 
-void TestLEDControlWidget::modeOfTheGroupFollowsTheEffect()
+void TestLedPage::modeOfTheGroupFollowsTheEffect()
 {
     LedModuleInfo saved;
     saved.LedMode = 2;
@@ -176,7 +141,7 @@ void TestLEDControlWidget::modeOfTheGroupFollowsTheEffect()
     QCOMPARE(world->takeFrames().last(), QStringLiteral("08 00 32 02 FF FF 00 C5"));
 }
 
-void TestLEDControlWidget::leavingSleepOrGradientSendsOneFrame()
+void TestLedPage::leavingSleepOrGradientSendsOneFrame()
 {
     world->open();
     world->choose("rdbSleep");
@@ -186,7 +151,7 @@ void TestLEDControlWidget::leavingSleepOrGradientSendsOneFrame()
     QVERIFY(world->colorControlsEnabled());
 }
 
-void TestLEDControlWidget::everyStepOfTheIntervalSends()
+void TestLedPage::everyStepOfTheIntervalSends()
 {
     world->open();
     for (int step = 0; step < 3; ++step)
@@ -197,7 +162,7 @@ void TestLEDControlWidget::everyStepOfTheIntervalSends()
     QCOMPARE(world->info().Interval, 4);
 }
 
-void TestLEDControlWidget::typedInterval()
+void TestLedPage::typedInterval()
 {
     world->open();
     world->spin()->selectAll();
@@ -207,7 +172,7 @@ void TestLEDControlWidget::typedInterval()
     QCOMPARE(world->frames().last(), QStringLiteral("08 01 32 10 FF 00 00 B5"));
 }
 
-void TestLEDControlWidget::intervalIsHeldInItsRange()
+void TestLedPage::intervalIsHeldInItsRange()
 {
     world->open();
     world->page->onSpinBoxIntervalValueChanged(1);
@@ -218,7 +183,7 @@ void TestLEDControlWidget::intervalIsHeldInItsRange()
     QCOMPARE(world->info().Interval, 2);
 }
 
-void TestLEDControlWidget::presetClick()
+void TestLedPage::presetClick()
 {
     world->open();
     QSignalSpy told(world->page.get(), SIGNAL(colorButtonHasDoubleClick(QColor)));
@@ -229,7 +194,7 @@ void TestLEDControlWidget::presetClick()
     QCOMPARE(world->preset(3)->getColor(), QColor(0, 255, 0));
 }
 
-void TestLEDControlWidget::customClick()
+void TestLedPage::customClick()
 {
     world->open();
     QSignalSpy told(world->page.get(), SIGNAL(colorButtonHasDoubleClick(QColor)));
@@ -243,14 +208,14 @@ void TestLEDControlWidget::customClick()
     QCOMPARE(world->frames().size(), 2);
 }
 
-void TestLEDControlWidget::clickOfNobody()
+void TestLedPage::clickOfNobody()
 {
     world->open();
     world->page->onColorButtonClick(nullptr);
     QCOMPARE(world->frames(), QStringList());
 }
 
-void TestLEDControlWidget::doubleClickDoesNothing()
+void TestLedPage::doubleClickDoesNothing()
 {
     world->open();
     QTest::mouseDClick(world->preset(3), Qt::LeftButton);
@@ -261,140 +226,7 @@ void TestLEDControlWidget::doubleClickDoesNothing()
     QCOMPARE(int(world->info().CheckedColorButtonDynamic), 0);
 }
 
-void TestLEDControlWidget::dragGivesOneFrame()
-{
-    world->open();
-    bind(0);
-    for (int red = 0; red < 50; ++red)
-        world->page->setCurrentBindColorCircleButtonColor(QColor(red, 0, 0));
-    QCOMPARE(world->frames(), QStringList());
-    QCOMPARE(world->custom(0)->getColor(), QColor(49, 0, 0));
-    QTRY_COMPARE(world->frames(), QStringList("08 01 32 02 31 00 00 91"));
-    QTest::qWait(50); // five times the delay: the time is stopped
-    QCOMPARE(world->frames().size(), 1);
-}
-
-void TestLEDControlWidget::dragRestartsTheTime()
-{
-    LedTimings timings = LedPageWorld::kTimings;
-    timings.colorChangedMs = 300;
-    world->open(timings);
-    bind(0);
-    QElapsedTimer sinceLast;
-    QElapsedTimer sinceFirst;
-    sinceFirst.start();
-    while (sinceFirst.elapsed() < 400) { // longer than the delay, in movements
-        world->page->setCurrentBindColorCircleButtonColor(QColor(1, 2, 3));
-        sinceLast.start();
-        QTest::qWait(5);
-    }
-    if (sinceLast.elapsed() < 100)
-        QCOMPARE(world->frames(), QStringList());
-    QTRY_COMPARE(world->frames().size(), 1);
-    QVERIFY(sinceLast.elapsed() >= 280); // a coarse timer may be early by a twentieth
-}
-
-void TestLEDControlWidget::presetClickDuringADragSendsAtOnce()
-{
-    LedTimings timings = LedPageWorld::kTimings;
-    timings.colorChangedMs = 60 * 1000;
-    world->open(timings);
-    bind(0);
-    world->page->setCurrentBindColorCircleButtonColor(QColor(1, 2, 3));
-    LedPageWorld::click(world->preset(3));
-    QCOMPARE(world->frames(), QStringList("08 01 32 02 00 FF 00 C3"));
-}
-
-void TestLEDControlWidget::customClickDuringADragWaits()
-{
-    LedTimings timings = LedPageWorld::kTimings;
-    timings.colorChangedMs = 60 * 1000;
-    world->open(timings);
-    bind(0);
-    QSignalSpy told(world->page.get(), SIGNAL(colorButtonHasDoubleClick(QColor)));
-    world->page->setCurrentBindColorCircleButtonColor(QColor(1, 2, 3));
-    LedPageWorld::click(world->custom(4));
-    QCOMPARE(told.size(), 1); // the palette follows at once
-    QCOMPARE(world->frames(), QStringList());
-    world->page->onColorChangedTimerout();
-    QCOMPARE(world->frames(), QStringList("08 01 32 02 FF FF FF C5")); // what is selected by then
-}
-
-void TestLEDControlWidget::dragOfAnUnselectedButton()
-{
-    world->open();
-    bind(0);
-    LedPageWorld::click(world->preset(3)); // takes the selection; the palette still edits custom 0
-    world->driver.forgetCalls();
-    world->page->setCurrentBindColorCircleButtonColor(QColor(1, 2, 3));
-    QCOMPARE(world->custom(0)->getColor(), QColor(1, 2, 3));
-    QTest::qWait(50); // five times the delay
-    QCOMPARE(world->frames(), QStringList());
-}
-
-void TestLEDControlWidget::dragWithNothingBound()
-{
-    world->open();
-    const LedModuleInfo before = world->info();
-    world->page->setCurrentBindColorCircleButtonColor(QColor(1, 2, 3));
-    QTest::qWait(50);
-    QVERIFY(world->info() == before);
-    QCOMPARE(world->frames(), QStringList());
-}
-
-void TestLEDControlWidget::dragOfADisabledButton()
-{
-    world->open();
-    bind(0);
-    world->choose("rdbSleep");
-    world->driver.forgetCalls();
-    world->page->setCurrentBindColorCircleButtonColor(QColor(1, 2, 3));
-    QTest::qWait(50);
-    QCOMPARE(world->custom(0)->getColor(), QColor(255, 255, 255));
-    QCOMPARE(world->frames(), QStringList());
-}
-
-void TestLEDControlWidget::dragOfASteadyColour_data()
-{
-    QTest::addColumn<int>("controllerType");
-    QTest::addColumn<QStringList>("atOnce");
-    QTest::newRow("type 3 follows") << 3 << QStringList{"08 00 32 02 01 02 03 BD", "08 00 32 02 04 05 06 B4"};
-    QTest::newRow("another one waits") << 1 << QStringList();
-}
-
-void TestLEDControlWidget::dragOfASteadyColour()
-{
-    QFETCH(int, controllerType);
-    world->setControllerType(quint8(controllerType));
-    LedTimings timings = LedPageWorld::kTimings;
-    timings.colorChangedMs = 60 * 1000;
-    world->openInMode(LedMode::SingleBright, timings);
-    bind(0);
-    LedPageWorld::click(world->preset(0)); // also where the edited button isn't the selected one
-    if (controllerType != 3)
-        LedPageWorld::click(world->custom(0));
-    world->driver.forgetCalls();
-    world->page->setCurrentBindColorCircleButtonColor(QColor(1, 2, 3));
-    world->page->setCurrentBindColorCircleButtonColor(QColor(4, 5, 6));
-    QTEST(world->frames(), "atOnce");
-    QCOMPARE(world->custom(0)->getColor(), QColor(4, 5, 6));
-}
-
-/// Also while the edited button is the selected one, whose frame would otherwise follow after the delay.
-void TestLEDControlWidget::dragOfASteadyColourNeedsNoDelay()
-{
-    world->setControllerType(3);
-    world->openInMode(LedMode::SingleBright);
-    bind(0);
-    QVERIFY(world->custom(0)->isChecked());
-    world->driver.forgetCalls();
-    world->page->setCurrentBindColorCircleButtonColor(QColor(1, 2, 3));
-    const QStringList frame{"08 00 32 02 01 02 03 BD"};
-    QCOMPARE(world->frames(), frame);
-    QVERIFY(!world->page->findChild<QTimer *>(QString(), Qt::FindDirectChildrenOnly)->isActive());
-}
-
-void TestLEDControlWidget::resetWithACustomColour()
+void TestLedPage::resetWithACustomColour()
 {
     LedModuleInfo saved;
     saved.LedMode = 3;
@@ -415,7 +247,7 @@ void TestLEDControlWidget::resetWithACustomColour()
     QCOMPARE(world->frames().size(), 1);
 }
 
-void TestLEDControlWidget::resetAtTheSingleBreath()
+void TestLedPage::resetAtTheSingleBreath()
 {
     world->open();
     bind(2);
@@ -425,7 +257,7 @@ void TestLEDControlWidget::resetAtTheSingleBreath()
     QCOMPARE(int(world->info().CheckedColorButtonDynamic), 0);
 }
 
-void TestLEDControlWidget::resetWithoutACustomColour()
+void TestLedPage::resetWithoutACustomColour()
 {
     LedModuleInfo saved;
     saved.LedMode = 2;
@@ -442,7 +274,7 @@ void TestLEDControlWidget::resetWithoutACustomColour()
     QVERIFY(world->info() == expected);
 }
 
-void TestLEDControlWidget::resetUnbindsThePalette()
+void TestLedPage::resetUnbindsThePalette()
 {
     for (bool selected : {true, false}) {
         world->open();
@@ -452,13 +284,13 @@ void TestLEDControlWidget::resetUnbindsThePalette()
         QTest::mouseClick(world->reset(), Qt::LeftButton);
         world->driver.forgetCalls();
         world->page->setCurrentBindColorCircleButtonColor(QColor(1, 2, 3));
-        QTest::qWait(50);
+        QVERIFY(!frameIsDue());
         QCOMPARE(world->custom(0)->getColor(), QColor(255, 255, 255));
         QCOMPARE(world->frames(), QStringList());
     }
 }
 
-void TestLEDControlWidget::stateDisplayFollowsTheTemperature()
+void TestLedPage::stateDisplayFollowsTheTemperature()
 {
     world->setTemperature(40);
     world->open();
@@ -469,7 +301,7 @@ void TestLEDControlWidget::stateDisplayFollowsTheTemperature()
     QTRY_COMPARE(world->frames(), QStringList({kGreenState, "08 01 32 02 FF 00 00 C3"}));
 }
 
-void TestLEDControlWidget::stateDisplayAgainSendsAgain()
+void TestLedPage::stateDisplayAgainSendsAgain()
 {
     world->setTemperature(40);
     world->open();
@@ -482,7 +314,7 @@ void TestLEDControlWidget::stateDisplayAgainSendsAgain()
     }
 }
 
-void TestLEDControlWidget::leavingStateDisplayWaitsForTheWorker()
+void TestLedPage::leavingStateDisplayWaitsForTheWorker()
 {
     LedTimings timings = LedPageWorld::kTimings;
     timings.workerSleepMs = 100;
@@ -497,7 +329,7 @@ void TestLEDControlWidget::leavingStateDisplayWaitsForTheWorker()
     QCOMPARE(world->frames(), QStringList({kGreenState, "08 02 32 02 FF 00 00 C2"}));
 }
 
-void TestLEDControlWidget::framesDoNotMingle()
+void TestLedPage::framesDoNotMingle()
 {
     // each pass has another temperature, so that each one sends
     int reading = 0;
@@ -509,11 +341,11 @@ void TestLEDControlWidget::framesDoNotMingle()
     world->choose("rdbMultipleBright");
     const int sent = world->frames().size();
     QCOMPARE(world->frames().last(), QStringLiteral("08 02 32 02 FF 00 00 C2"));
-    QTest::qWait(20); // many passes, were there any
+    QVERIFY(world->page->findChild<Ovryn_SendColorToLed *>()->isFinished()); // nobody sends any more
     QCOMPARE(world->frames().size(), sent);
 }
 
-void TestLEDControlWidget::lostControllerInStateDisplay()
+void TestLedPage::lostControllerInStateDisplay()
 {
     world->open();
     world->loseController();
@@ -527,7 +359,7 @@ void TestLEDControlWidget::lostControllerInStateDisplay()
     QTRY_COMPARE(world->frames().size(), 1);
 }
 
-void TestLEDControlWidget::doubleClickSlotIsEmpty()
+void TestLedPage::doubleClickSlotIsEmpty()
 {
     world->open();
     const LedModuleInfo before = world->info();
@@ -537,5 +369,5 @@ void TestLEDControlWidget::doubleClickSlotIsEmpty()
     QCOMPARE(world->frames(), QStringList());
 }
 
-QTEST_MAIN(TestLEDControlWidget)
-#include "TestLEDControlWidget.moc"
+QTEST_MAIN(TestLedPage)
+#include "TestLedPage.moc"

@@ -5,7 +5,7 @@
 #include <QPainter>
 
 /// The LCD page as it comes up, how it looks and how it goes.
-class TestLcdControllorWidgetStart : public QObject
+class TestLcdPageStart : public QObject
 {
     Q_OBJECT
 
@@ -36,12 +36,12 @@ private slots:
     void longNamesShowTheirBeginning();
 };
 
-void TestLcdControllorWidgetStart::initTestCase()
+void TestLcdPageStart::initTestCase()
 {
     substituteFontFamilies();
 }
 
-void TestLcdControllorWidgetStart::connectionsAreGood()
+void TestLcdPageStart::connectionsAreGood()
 {
     const ConnectWarnings warnings;
     LcdPageWorld world;
@@ -49,7 +49,7 @@ void TestLcdControllorWidgetStart::connectionsAreGood()
     QCOMPARE(warnings.list(), QStringList());
 }
 
-void TestLcdControllorWidgetStart::startsDirty_data()
+void TestLcdPageStart::startsDirty_data()
 {
     QTest::addColumn<bool>("saved");
     QTest::addColumn<LcdModuleInfo>("info");
@@ -66,7 +66,7 @@ void TestLcdControllorWidgetStart::startsDirty_data()
     QTest::newRow("as the controls come from the shelf") << true << LcdModuleInfo{false, 1, 17, '0', false} << kAll;
 }
 
-void TestLcdControllorWidgetStart::startsDirty()
+void TestLcdPageStart::startsDirty()
 {
     QFETCH(bool, saved);
     QFETCH(LcdModuleInfo, info);
@@ -84,7 +84,7 @@ void TestLcdControllorWidgetStart::startsDirty()
     QVERIFY(!world.isDirty());
 }
 
-void TestLcdControllorWidgetStart::startsWithItsWorker()
+void TestLcdPageStart::startsWithItsWorker()
 {
     LcdPageWorld world;
     world.open();
@@ -94,7 +94,7 @@ void TestLcdControllorWidgetStart::startsWithItsWorker()
     QCOMPARE(world.hotKeys.takeCalls(), QStringList());
 }
 
-void TestLcdControllorWidgetStart::savedOffSendsOneFrame()
+void TestLcdPageStart::savedOffSendsOneFrame()
 {
     LcdPageWorld world;
     world.open({true, 10, 17, 49, false});
@@ -102,7 +102,7 @@ void TestLcdControllorWidgetStart::savedOffSendsOneFrame()
     QCOMPARE(world.commands(), QList<int>{LcdPageWorld::kOff});
 }
 
-void TestLcdControllorWidgetStart::savedManualRegistersItsPair()
+void TestLcdPageStart::savedManualRegistersItsPair()
 {
     LcdPageWorld world;
     world.open({false, 10, 0x12, 'K', true});
@@ -111,7 +111,7 @@ void TestLcdControllorWidgetStart::savedManualRegistersItsPair()
     QCOMPARE(world.registeredKeys(), QString());
 }
 
-void TestLcdControllorWidgetStart::savedSwitchTimeOutsideTheRange_data()
+void TestLcdPageStart::savedSwitchTimeOutsideTheRange_data()
 {
     QTest::addColumn<quint32>("saved");
     QTest::addColumn<int>("shown");
@@ -124,7 +124,7 @@ void TestLcdControllorWidgetStart::savedSwitchTimeOutsideTheRange_data()
     QTest::newRow("the largest, negative to the box") << 0xFFFFFFFFu << 1 << 30;
 }
 
-void TestLcdControllorWidgetStart::savedSwitchTimeOutsideTheRange()
+void TestLcdPageStart::savedSwitchTimeOutsideTheRange()
 {
     QFETCH(quint32, saved);
     LcdPageWorld world;
@@ -136,7 +136,7 @@ void TestLcdControllorWidgetStart::savedSwitchTimeOutsideTheRange()
     QTEST(int(world.info().SwitchTime), "shown");
 }
 
-void TestLcdControllorWidgetStart::savedKeysThatTheFieldsDoNotKnow()
+void TestLcdPageStart::savedKeysThatTheFieldsDoNotKnow()
 {
     LcdPageWorld world;
     world.open({true, 10, 0x99, 0x1B, true});
@@ -145,7 +145,7 @@ void TestLcdControllorWidgetStart::savedKeysThatTheFieldsDoNotKnow()
     QVERIFY(world.info() == LcdModuleInfo({true, 10, 0x99, 0x1B, true}));
 }
 
-void TestLcdControllorWidgetStart::withoutACard()
+void TestLcdPageStart::withoutACard()
 {
     LcdPageWorld world;
     const Ovryn_LCDControllorWidget page(nullptr);
@@ -155,14 +155,14 @@ void TestLcdControllorWidgetStart::withoutACard()
     QCOMPARE(world.driver.calls(), QStringList());
 }
 
-void TestLcdControllorWidgetStart::closing_data()
+void TestLcdPageStart::closing_data()
 {
     QTest::addColumn<bool>("enable");
     QTest::newRow("while frames go out") << true;
     QTest::newRow("with the LCD off") << false;
 }
 
-void TestLcdControllorWidgetStart::closing()
+void TestLcdPageStart::closing()
 {
     QFETCH(bool, enable);
     LcdPageWorld world;
@@ -176,7 +176,7 @@ void TestLcdControllorWidgetStart::closing()
     QCOMPARE(world.registeredKeys(), QString());
 }
 
-void TestLcdControllorWidgetStart::styleSheetOfThePage()
+void TestLcdPageStart::styleSheetOfThePage()
 {
     LcdPageWorld world;
     world.open();
@@ -190,7 +190,7 @@ void TestLcdControllorWidgetStart::styleSheetOfThePage()
         QCOMPARE(field->fontInfo().pixelSize(), 13);
 }
 
-void TestLcdControllorWidgetStart::words_data()
+void TestLcdPageStart::words_data()
 {
     QTest::addColumn<int>("language");
     QTest::addColumn<QString>("family");
@@ -205,7 +205,7 @@ void TestLcdControllorWidgetStart::words_data()
                                             QStringLiteral("Cancel")};
 }
 
-void TestLcdControllorWidgetStart::words()
+void TestLcdPageStart::words()
 {
     QFETCH(int, language);
     QFETCH(QString, family);
@@ -236,7 +236,7 @@ void TestLcdControllorWidgetStart::words()
         QVERIFY(world.page->grab(painted).toImage() != other.copy(painted));
 }
 
-void TestLcdControllorWidgetStart::geometry_data()
+void TestLcdPageStart::geometry_data()
 {
     QTest::addColumn<int>("language");
     QTest::addColumn<QSize>("size");
@@ -245,7 +245,7 @@ void TestLcdControllorWidgetStart::geometry_data()
     QTest::newRow("another size") << int(kLanguageEnglish) << QSize(511, 617);
 }
 
-void TestLcdControllorWidgetStart::geometry()
+void TestLcdPageStart::geometry()
 {
     QFETCH(int, language);
     QFETCH(QSize, size);
@@ -278,7 +278,7 @@ void TestLcdControllorWidgetStart::geometry()
     QVERIFY(world.manual()->sizeHint().width() <= layout.manualSwitch.width());
 }
 
-void TestLcdControllorWidgetStart::painting()
+void TestLcdPageStart::painting()
 {
     LcdPageWorld world;
     world.openClean();
@@ -312,7 +312,7 @@ void TestLcdControllorWidgetStart::painting()
     QVERIFY(world.page->grab(screen).toImage() != on);
 }
 
-void TestLcdControllorWidgetStart::fieldsShowWholeNames_data()
+void TestLcdPageStart::fieldsShowWholeNames_data()
 {
     QTest::addColumn<quint32>("key");
     QTest::newRow("1") << quint32('1');
@@ -321,7 +321,7 @@ void TestLcdControllorWidgetStart::fieldsShowWholeNames_data()
     QTest::newRow("Num 9") << 0x69u;
 }
 
-void TestLcdControllorWidgetStart::fieldsShowWholeNames()
+void TestLcdPageStart::fieldsShowWholeNames()
 {
     QFETCH(quint32, key);
     LcdPageWorld world;
@@ -332,7 +332,7 @@ void TestLcdControllorWidgetStart::fieldsShowWholeNames()
     QVERIFY(metrics.horizontalAdvance(world.normalKey()->text()) <= world.normalKey()->width() - 6);
 }
 
-void TestLcdControllorWidgetStart::longNamesShowTheirBeginning()
+void TestLcdPageStart::longNamesShowTheirBeginning()
 {
     LcdPageWorld world;
     world.open({false, 10, 17, 0x28, true});
@@ -344,7 +344,7 @@ void TestLcdControllorWidgetStart::longNamesShowTheirBeginning()
     QCOMPARE(world.normalKey()->toolTip(), QStringLiteral("PageDown"));
 }
 
-void TestLcdControllorWidgetStart::captionsHaveTheirFonts_data()
+void TestLcdPageStart::captionsHaveTheirFonts_data()
 {
     QTest::addColumn<int>("language");
     QTest::addColumn<QString>("family");
@@ -352,7 +352,7 @@ void TestLcdControllorWidgetStart::captionsHaveTheirFonts_data()
     QTest::newRow("English") << int(kLanguageEnglish) << QStringLiteral("Arial");
 }
 
-void TestLcdControllorWidgetStart::captionsHaveTheirFonts()
+void TestLcdPageStart::captionsHaveTheirFonts()
 {
     QFETCH(int, language);
     QFETCH(QString, family);
@@ -394,5 +394,5 @@ void TestLcdControllorWidgetStart::captionsHaveTheirFonts()
     QCOMPARE(page.copy(layout.plus), glassWith(layout.plus, plusFont, Qt::AlignCenter, QStringLiteral("+")));
 }
 
-QTEST_MAIN(TestLcdControllorWidgetStart)
-#include "TestLcdControllorWidgetStart.moc"
+QTEST_MAIN(TestLcdPageStart)
+#include "TestLcdPageStart.moc"

@@ -3,7 +3,7 @@
 #include <QtTest>
 
 /// Whom the page tells that a fan follows a curve, so that somebody hands it back should the program die.
-class TestFanWatch : public QObject
+class TestAdjustPageFanWatch : public QObject
 {
     Q_OBJECT
 
@@ -42,7 +42,7 @@ constexpr int kRecordVersions = 2; // in which a level is ordered before it coun
 
 } // namespace
 
-void TestFanWatch::beginsBeforeTheFirstOrder()
+void TestAdjustPageFanWatch::beginsBeforeTheFirstOrder()
 {
     AdjustFileWorld world;
     followCurve(world);
@@ -50,7 +50,7 @@ void TestFanWatch::beginsBeforeTheFirstOrder()
     QCOMPARE(world.watch, QStringList()); // it follows the curve already
 }
 
-void TestFanWatch::beginsWithASavedCurve()
+void TestAdjustPageFanWatch::beginsWithASavedCurve()
 {
     AdjustFileWorld world;
     AdjustModuleInfo saved;
@@ -60,14 +60,14 @@ void TestFanWatch::beginsWithASavedCurve()
     QCOMPARE(world.watch, QStringList("on after 0"));
 }
 
-void TestFanWatch::endsWithAnotherMode_data()
+void TestAdjustPageFanWatch::endsWithAnotherMode_data()
 {
     QTest::addColumn<QByteArray>("button");
     QTest::newRow("automatic") << QByteArray("btnFanAuto");
     QTest::newRow("by hand") << QByteArray("btnFanManual");
 }
 
-void TestFanWatch::endsWithAnotherMode()
+void TestAdjustPageFanWatch::endsWithAnotherMode()
 {
     QFETCH(QByteArray, button);
     AdjustFileWorld world;
@@ -77,7 +77,7 @@ void TestFanWatch::endsWithAnotherMode()
     QCOMPARE(world.watch, QStringList(QStringLiteral("off after %1").arg(orders)));
 }
 
-void TestFanWatch::endsWithDefault()
+void TestAdjustPageFanWatch::endsWithDefault()
 {
     AdjustFileWorld world;
     followCurve(world);
@@ -87,7 +87,7 @@ void TestFanWatch::endsWithDefault()
     QCOMPARE(world.fanOrders().last(), kFanHandedBack);
 }
 
-void TestFanWatch::endsWithThePage()
+void TestAdjustPageFanWatch::endsWithThePage()
 {
     AdjustFileWorld world;
     followCurve(world);
@@ -97,7 +97,7 @@ void TestFanWatch::endsWithThePage()
     QCOMPARE(world.fanOrders().last(), kFanHandedBack);
 }
 
-void TestFanWatch::refusedModeGivesTheFanToTheDriver()
+void TestAdjustPageFanWatch::refusedModeGivesTheFanToTheDriver()
 {
     AdjustFileWorld world;
     followCurve(world);
@@ -118,7 +118,7 @@ void TestFanWatch::refusedModeGivesTheFanToTheDriver()
     QCOMPARE(world.fanOrders().last(), kFanHandedBack);
 }
 
-void TestFanWatch::goesOnWhileTheDriverRefuses()
+void TestAdjustPageFanWatch::goesOnWhileTheDriverRefuses()
 {
     AdjustFileWorld world;
     followCurve(world);
@@ -129,7 +129,7 @@ void TestFanWatch::goesOnWhileTheDriverRefuses()
     QCOMPARE(world.watch, QStringList()); // somebody else has to try, after the end of the process
 }
 
-void TestFanWatch::levelOfTheUserIsNobodysToWatch()
+void TestAdjustPageFanWatch::levelOfTheUserIsNobodysToWatch()
 {
     AdjustFileWorld world;
     world.openFromFile();
@@ -138,5 +138,5 @@ void TestFanWatch::levelOfTheUserIsNobodysToWatch()
     QCOMPARE(world.watch, QStringList());
 }
 
-QTEST_MAIN(TestFanWatch)
-#include "TestFanWatch.moc"
+QTEST_MAIN(TestAdjustPageFanWatch)
+#include "TestAdjustPageFanWatch.moc"

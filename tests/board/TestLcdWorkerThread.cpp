@@ -5,7 +5,7 @@
 #include <functional>
 
 /// The LCD worker with its thread, on a clock that the test drives.
-class TestSendNvInfoToLcdThread : public LcdWorkerTest
+class TestLcdWorkerThread : public LcdWorkerTest
 {
     Q_OBJECT
 
@@ -28,7 +28,7 @@ private slots:
     void twoCardsShareTheSequence();
 };
 
-void TestSendNvInfoToLcdThread::idleUntilStarted()
+void TestLcdWorkerThread::idleUntilStarted()
 {
     Worker worker(control.get());
     QVERIFY(worker.isStopped());
@@ -37,7 +37,7 @@ void TestSendNvInfoToLcdThread::idleUntilStarted()
     QCOMPARE(driver->calls(), QStringList());
 }
 
-void TestSendNvInfoToLcdThread::startRuns()
+void TestLcdWorkerThread::startRuns()
 {
     DrivenWorker worker(control.get());
     worker.startSending();
@@ -50,7 +50,7 @@ void TestSendNvInfoToLcdThread::startRuns()
     QCOMPARE(commands(), times(10, kClock) + times(11, kTemperature));
 }
 
-void TestSendNvInfoToLcdThread::startWhileRunningDoesNothing()
+void TestLcdWorkerThread::startWhileRunningDoesNothing()
 {
     DrivenWorker worker(control.get());
     worker.startSending();
@@ -60,7 +60,7 @@ void TestSendNvInfoToLcdThread::startWhileRunningDoesNothing()
     QCOMPARE(commands().size(), 2);
 }
 
-void TestSendNvInfoToLcdThread::frameASecond()
+void TestLcdWorkerThread::frameASecond()
 {
     DrivenWorker worker(control.get());
     worker.startSending();
@@ -68,7 +68,7 @@ void TestSendNvInfoToLcdThread::frameASecond()
     QCOMPARE(worker.lastPauseMs(), 1000u);
 }
 
-void TestSendNvInfoToLcdThread::offEndsTheLoopBehindOneFrame()
+void TestLcdWorkerThread::offEndsTheLoopBehindOneFrame()
 {
     DrivenWorker worker(control.get());
     worker.startSending();
@@ -86,7 +86,7 @@ void TestSendNvInfoToLcdThread::offEndsTheLoopBehindOneFrame()
     QCOMPARE(commands(), QList<int>({kClock, kOff, kClock}));
 }
 
-void TestSendNvInfoToLcdThread::offAndOnAgainBeforeTheNextFrame()
+void TestLcdWorkerThread::offAndOnAgainBeforeTheNextFrame()
 {
     DrivenWorker worker(control.get());
     worker.startSending();
@@ -97,7 +97,7 @@ void TestSendNvInfoToLcdThread::offAndOnAgainBeforeTheNextFrame()
     QCOMPARE(commands(), QList<int>({kClock, kClock}));
 }
 
-void TestSendNvInfoToLcdThread::startWhileOffSendsOneFrame()
+void TestLcdWorkerThread::startWhileOffSendsOneFrame()
 {
     Worker worker(control.get());
     worker.setEnableLCD(false);
@@ -108,7 +108,7 @@ void TestSendNvInfoToLcdThread::startWhileOffSendsOneFrame()
     }
 }
 
-void TestSendNvInfoToLcdThread::startBehindTheEnd()
+void TestLcdWorkerThread::startBehindTheEnd()
 {
     // The loop is over as soon as `stopped` is set, its thread a little later: a start between the two counts.
     Worker worker(control.get());
@@ -123,7 +123,7 @@ void TestSendNvInfoToLcdThread::startBehindTheEnd()
     }
 }
 
-void TestSendNvInfoToLcdThread::refusedFramesGoOn()
+void TestLcdWorkerThread::refusedFramesGoOn()
 {
     loseController();
     DrivenWorker worker(control.get());
@@ -139,7 +139,7 @@ void TestSendNvInfoToLcdThread::refusedFramesGoOn()
     QVERIFY(!receiver.results.contains(true));
 }
 
-void TestSendNvInfoToLcdThread::withoutACard()
+void TestLcdWorkerThread::withoutACard()
 {
     Worker worker(nullptr);
     worker.setLCDCurrentDisplayMode(LcdDisplayMemory);
@@ -152,7 +152,7 @@ void TestSendNvInfoToLcdThread::withoutACard()
     QVERIFY(worker.isStopped());
 }
 
-void TestSendNvInfoToLcdThread::slotsWaitForARunningPassOnly_data()
+void TestLcdWorkerThread::slotsWaitForARunningPassOnly_data()
 {
     QTest::addColumn<int>("slot");
     QTest::newRow("setAutoSwitch") << 0;
@@ -162,7 +162,7 @@ void TestSendNvInfoToLcdThread::slotsWaitForARunningPassOnly_data()
     QTest::newRow("startSending") << 4;
 }
 
-void TestSendNvInfoToLcdThread::slotsWaitForARunningPassOnly()
+void TestLcdWorkerThread::slotsWaitForARunningPassOnly()
 {
     QFETCH(int, slot);
     const std::function<void(Worker &)> slotCalls[] = {
@@ -191,7 +191,7 @@ void TestSendNvInfoToLcdThread::slotsWaitForARunningPassOnly()
     QVERIFY(worker.reachesSleep());
 }
 
-void TestSendNvInfoToLcdThread::destructionWaitsForASlowCall()
+void TestLcdWorkerThread::destructionWaitsForASlowCall()
 {
     // One call slower than the 2000 ms that the destructor grants the thread: only the mutex can have kept the frame
     // from being cut off. No other frame follows it.
@@ -211,7 +211,7 @@ void TestSendNvInfoToLcdThread::destructionWaitsForASlowCall()
     QCOMPARE(driver->strayCalls(), 0);
 }
 
-void TestSendNvInfoToLcdThread::destroyedInEveryState_data()
+void TestLcdWorkerThread::destroyedInEveryState_data()
 {
     QTest::addColumn<bool>("start");
     QTest::addColumn<bool>("enable");
@@ -223,7 +223,7 @@ void TestSendNvInfoToLcdThread::destroyedInEveryState_data()
     QTest::newRow("ended by itself") << true << false << true;
 }
 
-void TestSendNvInfoToLcdThread::destroyedInEveryState()
+void TestLcdWorkerThread::destroyedInEveryState()
 {
     QFETCH(bool, start);
     QFETCH(bool, enable);
@@ -245,7 +245,7 @@ void TestSendNvInfoToLcdThread::destroyedInEveryState()
     QCOMPARE(driver->strayCalls(), 0); // nobody asked a card that was gone
 }
 
-void TestSendNvInfoToLcdThread::twoCardsShareTheSequence()
+void TestLcdWorkerThread::twoCardsShareTheSequence()
 {
     simulated::Scenario scene = simulated::builtInScenario();
     scene.cards.back() = scene.cards.front();
@@ -281,5 +281,5 @@ void TestSendNvInfoToLcdThread::twoCardsShareTheSequence()
     }
 }
 
-QTEST_GUILESS_MAIN(TestSendNvInfoToLcdThread)
-#include "TestSendNvInfoToLcdThread.moc"
+QTEST_GUILESS_MAIN(TestLcdWorkerThread)
+#include "TestLcdWorkerThread.moc"

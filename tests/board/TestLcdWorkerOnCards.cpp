@@ -7,7 +7,7 @@
 #include <memory>
 
 /// The LCD worker on a card whose LCD controller checks what it gets.
-class TestLcdOnSimulatedCards : public QObject
+class TestLcdWorkerOnCards : public QObject
 {
     Q_OBJECT
 
@@ -26,20 +26,20 @@ private:
     std::unique_ptr<NvGpuControl> control;
 };
 
-void TestLcdOnSimulatedCards::init()
+void TestLcdWorkerOnCards::init()
 {
     driver = std::make_unique<CheckedDriver>();
     control = std::make_unique<NvGpuControl>();
     control->setCurrentGpu(0);
 }
 
-void TestLcdOnSimulatedCards::cleanup()
+void TestLcdWorkerOnCards::cleanup()
 {
     control.reset();
     driver.reset();
 }
 
-void TestLcdOnSimulatedCards::everyFrameIsTaken()
+void TestLcdWorkerOnCards::everyFrameIsTaken()
 {
     Ovryn_SendNvInfoToLCDThread worker(control.get());
     for (int second = 0; second < 300; ++second) {
@@ -57,7 +57,7 @@ void TestLcdOnSimulatedCards::everyFrameIsTaken()
     QCOMPARE(shown.memoryTotalKB, quint32(memory.totalKB));
 }
 
-void TestLcdOnSimulatedCards::theScreenFollowsTheRotation()
+void TestLcdWorkerOnCards::theScreenFollowsTheRotation()
 {
     Ovryn_SendNvInfoToLCDThread worker(control.get());
     worker.setAutoSwitch(true, 2);
@@ -71,7 +71,7 @@ void TestLcdOnSimulatedCards::theScreenFollowsTheRotation()
     QCOMPARE(int(lcd().shown.command), 0x20);
 }
 
-void TestLcdOnSimulatedCards::offAndOn()
+void TestLcdWorkerOnCards::offAndOn()
 {
     Ovryn_SendNvInfoToLCDThread worker(control.get(), nullptr, 1);
     worker.startSending();
@@ -85,7 +85,7 @@ void TestLcdOnSimulatedCards::offAndOn()
     QCOMPARE(lcd().refusedFrames, 0);
 }
 
-void TestLcdOnSimulatedCards::slowDriver()
+void TestLcdWorkerOnCards::slowDriver()
 {
     // The bus takes two seconds for a frame: a slot that comes meanwhile waits for this frame, and for no other.
     simulated::Fault slow;
@@ -101,5 +101,5 @@ void TestLcdOnSimulatedCards::slowDriver()
     QTRY_VERIFY(lcd().acceptedFrames >= 2); // and the loop goes on
 }
 
-QTEST_GUILESS_MAIN(TestLcdOnSimulatedCards)
-#include "TestLcdOnSimulatedCards.moc"
+QTEST_GUILESS_MAIN(TestLcdWorkerOnCards)
+#include "TestLcdWorkerOnCards.moc"
