@@ -273,7 +273,7 @@ void TestDeviceLadders::ladderRows()
 {
     QTest::addColumn<int>("row");
     for (std::size_t i = 0; i < ladders().size(); ++i)
-        QTest::addRow("%zu %s", i, ladders()[i].operation) << int(i);
+        QTest::addRow("%zu %s", i, operationName(ladders()[i].operation)) << int(i);
 }
 
 void TestDeviceLadders::driverKnowsOneVersion_data()
