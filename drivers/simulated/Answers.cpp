@@ -4,6 +4,12 @@
 
 namespace simulated
 {
+namespace
+{
+
+constexpr quintptr kFirstDisplay = 0x0D150000;
+
+} // namespace
 
 std::optional<quint32> Answers::cardOf(const void *handle) const
 {
@@ -13,6 +19,16 @@ std::optional<quint32> Answers::cardOf(const void *handle) const
             return static_cast<quint32>(i);
     }
     return std::nullopt;
+}
+
+NvDisplayHandle Answers::displayHandle(quint32 index)
+{
+    return reinterpret_cast<NvDisplayHandle>(kFirstDisplay + index);
+}
+
+quintptr Answers::displayOf(NvDisplayHandle display)
+{
+    return reinterpret_cast<quintptr>(display) - kFirstDisplay;
 }
 
 } // namespace simulated

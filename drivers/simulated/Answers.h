@@ -50,6 +50,10 @@ public:
     }
     [[nodiscard]] std::optional<quint32> cardOf(const void *handle) const; ///< also for a lost card
 
+    /// Display handles are never followed, only told apart.
+    [[nodiscard]] static NvDisplayHandle displayHandle(quint32 index);
+    [[nodiscard]] static quintptr displayOf(NvDisplayHandle display); ///< any number for a handle that is none
+
     /// The call that the next operation answers; it may leave a note in it.
     void begin(Call &nextCall)
     {
@@ -64,7 +68,8 @@ protected:
 
 private:
     Call *currentCall = nullptr;
-    std::array<char, kNvApiMaxGpus> handlePlaces{}; ///< the address of each is a card's handle
+    /// The address of each is a card's handle. Each of the two enumerations may list as many cards as there are at most.
+    std::array<char, 2 * kNvApiMaxGpus> handlePlaces{};
 };
 
 } // namespace simulated

@@ -1,5 +1,6 @@
 #include "simulated/CallArguments.h"
 
+#include "simulated/Answers.h"
 #include "simulated/Hex.h"
 #include "simulated/ThermalStatusEntries.h"
 
@@ -76,6 +77,11 @@ ordered_json CallArguments<Operation::NvAPI_GetErrorMessage>::of(NvAPI_Status st
 ordered_json CallArguments<Operation::NvAPI_EnumNvidiaDisplayHandle>::of(quint32 index, const NvDisplayHandle *)
 {
     return {{"index", index}};
+}
+
+ordered_json CallArguments<Operation::NvAPI_GetAssociatedDisplayOutputId>::of(NvDisplayHandle display, const quint32 *)
+{
+    return {{"display", Answers::displayOf(display)}};
 }
 
 ordered_json CallArguments<Operation::NvAPI_GPU_GetAllClockFrequencies>::of(NvPhysicalGpuHandle,

@@ -25,6 +25,7 @@ struct CallArguments
 
 OVRYN_SIMULATED_ARGUMENTS(NvAPI_GetErrorMessage,                   (NvAPI_Status status, const char *text))
 OVRYN_SIMULATED_ARGUMENTS(NvAPI_EnumNvidiaDisplayHandle,           (quint32 index, const NvDisplayHandle *display))
+OVRYN_SIMULATED_ARGUMENTS(NvAPI_GetAssociatedDisplayOutputId,      (NvDisplayHandle display, const quint32 *outputId))
 OVRYN_SIMULATED_ARGUMENTS(NvAPI_GPU_GetAllClockFrequencies,        (NvPhysicalGpuHandle gpu, const NvApiClockFrequencies *record))
 OVRYN_SIMULATED_ARGUMENTS(NvAPI_GPU_GetThermalSettings,            (NvPhysicalGpuHandle gpu, quint32 sensorIndex, const NvApiThermalSettings *record))
 OVRYN_SIMULATED_ARGUMENTS(NvAPI_GPU_GetCoolerSettings,             (NvPhysicalGpuHandle gpu, quint32 coolerIndex, const NvApiCoolerSettings *record))

@@ -11,9 +11,6 @@ namespace simulated
 namespace
 {
 
-/// Display handles are never followed, only told apart.
-constexpr quintptr kFirstDisplay = 0x0D150000;
-
 constexpr quint32 kFirstOutputBit = 8; // the outputs of a card are bits of a mask, digital ones from here on
 constexpr quint32 kOutputBits = 24;
 
@@ -109,13 +106,13 @@ NvAPI_Status Operations::NvAPI_EnumNvidiaDisplayHandle(quint32 index, NvDisplayH
         return NVAPI_NVIDIA_DEVICE_NOT_FOUND;
     if (index >= displayCount())
         return NVAPI_END_ENUMERATION;
-    *display = reinterpret_cast<NvDisplayHandle>(kFirstDisplay + index);
+    *display = displayHandle(index);
     return NVAPI_OK;
 }
 
 NvAPI_Status Operations::NvAPI_GetAssociatedDisplayOutputId(NvDisplayHandle display, quint32 *outputId)
 {
-    const quintptr index = reinterpret_cast<quintptr>(display) - kFirstDisplay;
+    const quintptr index = displayOf(display);
     if (index >= displayCount())
         return NVAPI_INVALID_HANDLE;
     *outputId = 1u << (kFirstOutputBit + index % kOutputBits);

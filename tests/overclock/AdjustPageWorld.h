@@ -198,7 +198,7 @@ private:
 using AdjustPageWorld = AdjustWorld<CheckedDriver>;
 using RawAdjustWorld = AdjustWorld<RawDriver>;
 
-/// What a signal with one bool told, in order.
+/// The values of a signal with one bool, in order.
 inline QList<bool> told(const QSignalSpy &spy)
 {
     QList<bool> values;

@@ -203,7 +203,7 @@ QString rawTransfer(const Call &call)
     return line;
 }
 
-/// Every word behind the version word that is not 0.
+/// Every word after the version word that is not 0.
 QString words(std::vector<quint8> record)
 {
     QStringList list;
@@ -221,6 +221,8 @@ QString words(std::vector<quint8> record)
 QString plainArguments(const ordered_json &arguments)
 {
     QStringList list;
+    if (arguments.contains("display"))
+        list << QStringLiteral("display%1").arg(whole(arguments["display"]));
     for (const char *name : {"status", "index", "sensor", "cooler", "value"}) {
         if (arguments.contains(name))
             list << QStringLiteral("%1=%2").arg(QLatin1String(name)).arg(whole(arguments[name]));

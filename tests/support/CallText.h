@@ -5,7 +5,7 @@
 #include <QString>
 
 /// A call with the names and units of what it is about: "GPU_SetPstates20 gpu0 graphics offset 100000 kHz",
-/// "GPU_SetCoolerLevels gpu0 fan 60 % manual", "I2CWrite gpu0 port 1 0xA0: 05 0A 00 00 F0", with "-> -1" behind a
+/// "GPU_SetCoolerLevels gpu0 fan 60 % manual", "I2CWrite gpu0 port 1 0xA0: 05 0A 00 00 F0", with "-> -1" after a
 /// call that failed. Record versions are left out.
 QString callText(const simulated::Call &call);
 

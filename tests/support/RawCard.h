@@ -46,7 +46,7 @@ struct RawCard
     NvApiThermalPoliciesInfo thermalPolicies{};     ///< policy 3: 60, 83, 90 degrees
     NvApiThermalPoliciesStatus thermalStatus{};     ///< policy 3 at 80 degrees
 
-    QMap<quint8, QByteArray> i2cReplies; ///< by address; the bytes that a read gets, zeros behind them
+    QMap<quint8, QByteArray> i2cReplies; ///< by address; the bytes that a read gets, then zeros
     QSet<quint8> i2cListeners;           ///< addresses that acknowledge a write
 
     NV_GPU_PERF_PSTATES20_INFO::Clock &p0Clock(int index) { return pstates.pstates[0].clocks[index]; }

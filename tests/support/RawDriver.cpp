@@ -8,8 +8,6 @@
 namespace
 {
 
-constexpr quintptr kFirstDisplayHandle = 0x100000;
-
 // Entries of older records are beginnings of the newest ones.
 constexpr std::size_t kOldThermalInfoEntrySize = 20;
 constexpr std::size_t kOldThermalStatusEntrySize = 8;
@@ -143,14 +141,13 @@ NvAPI_Status RawAnswers::NvAPI_EnumNvidiaDisplayHandle(quint32 index, NvDisplayH
 {
     if (index >= machine.displays)
         return machine.displayWalkEnd;
-    *display = reinterpret_cast<NvDisplayHandle>(kFirstDisplayHandle + index);
+    *display = displayHandle(index);
     return NVAPI_OK;
 }
 
 NvAPI_Status RawAnswers::NvAPI_GetAssociatedDisplayOutputId(NvDisplayHandle display, quint32 *outputId)
 {
-    const quintptr index = reinterpret_cast<quintptr>(display) - kFirstDisplayHandle;
-    return index < machine.displays ? fillNumber(outputId, 0x100) : NVAPI_INVALID_HANDLE;
+    return displayOf(display) < machine.displays ? fillNumber(outputId, 0x100) : NVAPI_INVALID_HANDLE;
 }
 
 NvAPI_Status RawAnswers::NvAPI_EnumPhysicalGPUs(NvPhysicalGpuHandle *gpus, quint32 *count)

@@ -15,13 +15,13 @@ struct RawMachine
     std::optional<quint32> tccGpuCountTold; ///< in place of the true number of TCC cards
     quint32 driverVersion = 38532;
     NvApiChipsetInfo chipset{};
-    /// Overwrites what an answer has just filled: the bytes behind a record's version word, a text, a number, or the
+    /// Overwrites what an answer has just filled: the bytes after a record's version word, a text, a number, or the
     /// data of an I2C read.
     std::function<void(quint8 *bytes, std::size_t size)> tamper;
 };
 
 /// A driver that answers with the records that the test writes, at the versions that it is to know, and takes every
-/// write without keeping it. For bytes, hostile records, and drivers that do not keep what they were told.
+/// write without keeping it. For bytes, hostile records, and drivers that do not keep what is written.
 ///
 /// It writes no byte beyond the size that a record's version word tells, and older record versions in their own entry
 /// sizes. Calls are not judged.

@@ -27,7 +27,7 @@ Q_DECLARE_METATYPE(Operation)
 /// the test, before the device object. `CheckedDriver` has cards that behave, `RawDriver` answers with records that
 /// the test writes.
 ///
-/// Its clock stands still unless it was told otherwise. Calls may come from any thread; so may whoever uses this.
+/// Its clock stands still unless a setting says otherwise. Calls may come from any thread; so may whoever uses this.
 class StandInDriver
 {
 public:
@@ -68,7 +68,7 @@ public:
     [[nodiscard]] QStringList calls() const; ///< with names and units, see `callText`
     [[nodiscard]] QStringList calls(Operation operation) const;
     /// What the cards were ordered to change, the bus left aside: "graphics offset 100000 kHz", "fan 60 % manual".
-    /// Each try counts, a refused one with "-> -1" behind it.
+    /// Each try counts, a refused one ends with "-> -1".
     [[nodiscard]] QStringList orders() const;
     [[nodiscard]] QStringList rawCalls() const; ///< byte for byte, see `rawCallText`
     [[nodiscard]] QStringList rawCalls(Operation operation) const;
