@@ -294,7 +294,7 @@ void TestLed::controllerThatStopsAndComesBack()
     // Both of the first calls are the detection's. The plain calls fail for a while, the extended ones always.
     InstalledProgram program(screen);
     program.useScenario(sceneOf(kCoolLedCard, R"(
-        { "operation": "NvAPI_I2CWrite", "status": -1, "from": 3, "count": 8 },
+        { "operation": "NvAPI_I2CWrite", "status": -1, "from": 3, "count": 20 },
         { "operation": "NvAPI_I2CWriteEx", "status": -1 })"));
     program.writeConfig(kQuietConfig);
     const qint64 window = startedWindow(program);
