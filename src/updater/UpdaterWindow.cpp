@@ -24,7 +24,7 @@ constexpr int kProgressSteps = 1000;
 
 QString windowSheet()
 {
-    return UiStyle::updateLog() +
+    return UiStyle::updateLog() + UiStyle::actionButton() +
            Reds::inSheet(QStringLiteral(
                "QLabel{color:rgb(230,230,230);font-size:13px;}"
                "QLabel#lblTitle{color:white;font-size:18px;}"
