@@ -42,8 +42,8 @@ int afterRemark(const QString &text, int at)
     return at;
 }
 
-/// True where the document type declares entities. The words may also occur in comments and character data, where they
-/// declare nothing.
+/// True where the document type declares entities. The words may also occur in comments and character data, where
+/// they declare nothing.
 bool declaresEntities(const QString &text)
 {
     int at = 0;

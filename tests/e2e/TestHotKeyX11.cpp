@@ -444,7 +444,7 @@ void TestHotKeyX11::fieldTakesRealKeys_data()
     QTest::newRow("right Alt") << true << none << "Alt_R"
                                << "Alt";
     QTest::newRow("right Ctrl after Alt") << true << none << "Alt_L Control_R"
-                                           << "Ctrl";
+                                          << "Ctrl";
     QTest::newRow("letter in a modifier field") << true << none << "k"
                                                 << "Ctrl";
 }

@@ -203,6 +203,8 @@ void TestGpuInfoCircleBoxPainting::aFrameRepaintsAllThatItChanges()
         if (before != after)
             QTRY_VERIFY_WITH_TIMEOUT(!keeper.painted.isEmpty(), kPatienceMs);
         for (int y = 0; y < kSide; ++y) {
+            if (before.copy(0, y, kSide, 1) == after.copy(0, y, kSide, 1))
+                continue;
             for (int x = 0; x < kSide; ++x) {
                 if (before.pixel(x, y) != after.pixel(x, y) && gauge.mask().contains(QPoint(x, y)))
                     QVERIFY(keeper.painted.contains(QPoint(x, y)));

@@ -213,7 +213,7 @@ void TestUpdateFiles::clearingALink_data()
     QTest::newRow("to a folder outside") << "other"
                                          << "temp";
     QTest::newRow("with a slash after it") << "other"
-                                            << "temp/";
+                                           << "temp/";
     QTest::newRow("to a folder of the installation") << "installation/kept"
                                                      << "temp";
     QTest::newRow("to nothing") << "nothing"

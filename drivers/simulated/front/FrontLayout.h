@@ -11,7 +11,7 @@ namespace cardfront
 
 constexpr const char *kWindowTitle = "Card front";
 
-constexpr int kMargin = 8; ///< so narrow that the window fits beside the program on a screen of 1920 pixels
+constexpr int kMargin = 8;           ///< so narrow that the window fits beside the program on a screen of 1920 pixels
 constexpr QSize kCellSize(424, 216); ///< a card with its name above
 constexpr int kCardTop = 26;         ///< of the card in its cell
 constexpr QSize kCardSize(424, 184);
