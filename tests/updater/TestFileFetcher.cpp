@@ -109,9 +109,9 @@ private:
 namespace
 {
 
-const FetchTimings kShort{150, 400, 1024, 3, 5};
-/// As short, with so many tries that a busy machine does not use them up.
-const FetchTimings kShortManyTries{300, 600, 1024, 9, 1};
+// Each sees one kind of a bad connection, and has so many tries that a busy machine does not use them up.
+const FetchTimings kSeesSilence{300, 3600000, 1, 9, 1};
+const FetchTimings kSeesLowRate{3600000, 600, 1024, 9, 1};
 /// No time-out plays a part, so that a busy machine can't bring one about.
 const FetchTimings kPatient{60000, 60000, 1, 3, 5};
 
@@ -121,6 +121,11 @@ QByteArray sample(int size = 300 * 1000)
     for (int i = 0; bytes.size() < size; ++i)
         bytes += QByteArray::number(i) + '\n';
     return bytes.left(size);
+}
+
+FetchTimings timingsFor(const HttpTurn &turn)
+{
+    return turn.stalls ? kSeesSilence : turn.dripBytes > 0 ? kSeesLowRate : kPatient;
 }
 
 HttpTurn status(const QByteArray &text, const QByteArray &body = "an explanation")
@@ -466,7 +471,7 @@ void TestFileFetcher::breaksOnceThenGoesOn()
 {
     QFETCH(HttpTurn, turn);
     QFETCH(QByteArray, range);
-    useTimings(turn.stalls || turn.dripBytes > 0 ? kShortManyTries : kPatient);
+    useTimings(timingsFor(turn));
     server->serve("/file", sample());
     server->answerNext("/file", turn);
     fetch(request(sample()));
@@ -486,8 +491,7 @@ void TestFileFetcher::breaksEachTime_data()
     drips.dripBytes = 1;
     drips.dripMs = 20;
     drips.ignoresRange = true;
-    HttpTurn noHead = closesAfter(0);
-    QTest::newRow("closes") << noHead;
+    QTest::newRow("closes") << closesAfter(0);
     QTest::newRow("stalls") << stallsAfter(0);
     QTest::newRow("drips") << drips;
 }
@@ -495,12 +499,14 @@ void TestFileFetcher::breaksEachTime_data()
 void TestFileFetcher::breaksEachTime()
 {
     QFETCH(HttpTurn, turn);
-    useTimings(kShort);
+    FetchTimings timings = timingsFor(turn);
+    timings.tries = 3;
+    useTimings(timings);
     server->serve("/file", sample());
     server->answerAlways("/file", turn);
     fetch(request(sample()));
     TRY_RESULT(FetchResult::NoAnswer);
-    QCOMPARE(server->requests().size(), kShort.tries);
+    QCOMPARE(server->requests().size(), timings.tries);
     QVERIFY(!QFileInfo::exists(target()));
 }
 
