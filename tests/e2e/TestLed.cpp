@@ -294,7 +294,7 @@ void TestLed::controllerThatStopsAndComesBack()
     // Both of the first calls are the detection's. The plain calls fail for a while, the extended ones always.
     InstalledProgram program(screen);
     program.useScenario(sceneOf(kCoolLedCard, R"(
-        { "operation": "NvAPI_I2CWrite", "status": -1, "from": 3, "count": 20 },
+        { "operation": "NvAPI_I2CWrite", "status": -1, "from": 3, "count": 12 },
         { "operation": "NvAPI_I2CWriteEx", "status": -1 })"));
     program.writeConfig(kQuietConfig);
     const qint64 window = startedWindow(program);
@@ -313,7 +313,7 @@ void TestLed::controllerThatStopsAndComesBack()
     robot.press(robot.parts.breath);
     QCOMPARE(newFrames(program), QStringList(ledFrame("01 32 02 FF0000") + QStringLiteral(" -> -1")));
     QStringList frames;
-    for (int i = 0; i < 10 && (frames.isEmpty() || frames.last().contains(QLatin1String("->"))); ++i) {
+    for (int i = 0; i < 25 && (frames.isEmpty() || frames.last().contains(QLatin1String("->"))); ++i) {
         robot.press(i % 2 == 0 ? robot.parts.bright : robot.parts.breath);
         frames = newFrames(program);
     }
