@@ -32,5 +32,5 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 set(CMAKE_PREFIX_PATH "${ovryn_windows_toolkit}")
 set(ZLIB_LIBRARY /usr/i686-w64-mingw32/lib/libz.a CACHE FILEPATH "static, so that no library is shipped for it")
 
-# The tests are run by tools/windows/test.sh, where `wine` is.
-set(CMAKE_CROSSCOMPILING_EMULATOR wine)
+# The tests are run by tools/windows/test.sh, where Wine is.
+set(CMAKE_CROSSCOMPILING_EMULATOR "${CMAKE_CURRENT_LIST_DIR}/../tools/windows/wine.sh")

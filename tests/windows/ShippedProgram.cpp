@@ -74,6 +74,8 @@ ShippedProgram::~ShippedProgram()
 {
     if (isRunning())
         kill();
+    // The guard hands a fan back and ends after the program; until then its file can't be removed.
+    (void)QTest::qWaitFor([this] { return place.remove(); }, kPatienceMs);
 }
 
 QString ShippedProgram::path(const QString &name) const
@@ -129,12 +131,18 @@ bool ShippedProgram::start(const QStringList &arguments, const QString &workingF
     return process.waitForStarted(kPatienceMs);
 }
 
-int ShippedProgram::startAgain()
+int ShippedProgram::startAgain(bool &calledTheDriver)
 {
     QProcess second;
     prepare(second);
+    QProcessEnvironment environment = second.processEnvironment();
+    const QString journal = place.filePath(QStringLiteral("second.jsonl"));
+    environment.insert(QStringLiteral("NVAPI_SIM_JOURNAL"), journal);
+    second.setProcessEnvironment(environment);
     second.start(path(kProgram), QStringList());
-    if (second.waitForFinished(kPatienceMs))
+    const bool ended = second.waitForFinished(kPatienceMs);
+    calledTheDriver = QFile::exists(journal);
+    if (ended)
         return second.exitStatus() == QProcess::NormalExit ? second.exitCode() : -1;
     second.kill();
     second.waitForFinished(kPatienceMs);

@@ -35,7 +35,8 @@ public:
     void useScene(const QByteArray &json); ///< for the next start
 
     bool start(const QStringList &arguments = {}, const QString &workingFolder = {});
-    int startAgain(); ///< a second start; its exit code, -1 on a time-out
+    /// A second start; its exit code, -1 on a time-out. `calledTheDriver` says whether it went to the driver.
+    int startAgain(bool &calledTheDriver);
     bool kill();      ///< at once, as a crash would
     void demandEnd(); ///< as the installer does
     bool waitForEnd();

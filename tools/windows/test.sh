@@ -26,10 +26,12 @@ mkdir -p build/windows/wine
 
 # An older version, with a file that the newer one has no more.
 older=build/windows/wine/older
-rm -rf "$older"
-cp -r build/windows/OvrynDeck2 "$older"
-echo "no library" >"$older/no-longer-shipped.dll"
-tools/windows/installer.sh --version 1.0.0.0 --folder "$older" --output build/windows/wine/older-setup.exe
+if [ ! -e "$older-setup.exe" ] || [ build/windows/OvrynDeck2 -nt "$older-setup.exe" ]; then
+    rm -rf "$older"
+    cp -r build/windows/OvrynDeck2 "$older"
+    echo "no library" >"$older/no-longer-shipped.dll"
+    tools/windows/installer.sh --version 1.0.0.0 --folder "$older" --output "$older-setup.exe"
+fi
 
 in_wine_root "$PWD/tools/windows/under-wine.sh" "$PWD" "$toolkit" \
     ctest --test-dir "$PWD/build/windows" -j"$(nproc)" -R "$only" --no-tests=error \

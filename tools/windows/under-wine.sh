@@ -32,9 +32,16 @@ cp build/windows/drivers/simulated/nvapi.dll "$WINEPREFIX/drive_c/windows/system
 export WINEPATH="Z:${toolkit//\//\\}\\bin;Z:${tree//\//\\}\\build\\windows\\OvrynDeck2"
 export QT_PLUGIN_PATH="$toolkit/plugins"
 # A test program's text goes to the debugger otherwise.
-export QT_FORCE_STDERR_LOGGING=1 QT_LOGGING_TO_CONSOLE=1
+export QT_FORCE_STDERR_LOGGING=1
 
 wineserver --persistent
+# A program that stays. The services of Wine come with the first one and would otherwise hold the output of a test
+# program open, and the test would seem to run on.
+sleep infinity | wine cmd >/dev/null 2>&1 &
+until pgrep -f services.exe >/dev/null && pgrep -f rpcss.exe >/dev/null; do
+    sleep 0.2
+done
+
 status=0
 "$@" || status=$?
 wineserver --kill || true
